@@ -1,0 +1,60 @@
+// Measured child processes.
+#include "bench/peer_process.h"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+
+namespace flowtide::bench {
+
+namespace {
+double seconds(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+} // namespace
+
+ProcessCost runProcess(const std::vector<std::string>& words) {
+    ProcessCost cost;
+    std::array<int, 2> pipe{};
+    if (::pipe2(pipe.data(), O_CLOEXEC) != 0) return cost;
+    std::vector<char*> arguments;
+    for (const auto& word : words)
+        arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    const auto start = std::chrono::steady_clock::now();
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::dup2(pipe[1], STDOUT_FILENO);
+        const int nothing = ::open("/dev/null", O_RDWR);
+        ::dup2(nothing, STDERR_FILENO);
+        ::dup2(nothing, STDIN_FILENO);
+        ::execvp(arguments[0], arguments.data());
+        ::_exit(127);
+    }
+    ::close(pipe[1]);
+    std::array<char, 4096> buffer{};
+    for (ssize_t count = 0; (count = ::read(pipe[0], buffer.data(), buffer.size())) > 0;)
+        cost.output.append(buffer.data(), static_cast<std::size_t>(count));
+    ::close(pipe[0]);
+    int status = 0;
+    rusage usage{};
+    ::wait4(child, &status, 0, &usage);
+    cost.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    cost.cpuSeconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
+    cost.peakMegabytes = static_cast<double>(usage.ru_maxrss) / 1024;
+    cost.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return cost;
+}
+
+double median(std::vector<double> values) {
+    if (values.empty()) return 0;
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+} // namespace flowtide::bench

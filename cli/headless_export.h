@@ -1,0 +1,14 @@
+// The headless runs: an export without a window.
+#pragma once
+
+#include "cli/arguments.h"
+#include "cli/console.h"
+#include "media/media_io.h"
+
+namespace flowtide::HeadlessExport {
+
+/// Runs the export, or the proxy build where "--headless-proxy" is among the arguments, and returns the exit status: 0,
+/// or 1 after one line on standard error.
+int run(const Arguments& arguments, const MediaBackend& backend, const Console& console);
+
+} // namespace flowtide::HeadlessExport

@@ -1,0 +1,50 @@
+// What --help prints.
+#pragma once
+
+#include <string_view>
+
+namespace flowtide {
+
+constexpr std::string_view helpText = R"(Loftwell Video: change the playback speed of one clip along a smooth curve.
+
+Usage:
+  Flowtide --headless-export <input> <output> [curve] [smoothing] [trim] [options]
+  Flowtide --headless-proxy <input>
+  Flowtide demo [folder]
+  Flowtide --help | --version
+
+The input (MOV, MP4 or M4V) is never written to. The output keeps the input's
+container, codec, size, frame rate, bit depth, colour tags and audio format. It is
+reopened and compared with the input before it replaces anything.
+
+Positional arguments of --headless-export:
+  curve      time:speed,…     Points of the speed curve: source seconds and a speed
+                              from 0.01 to 100 (1 is real time). Default: 1 throughout.
+  smoothing  0…1              0 draws straight lines between the points, 1 a smooth
+                              curve. Default: 0.5.
+  trim       start:end        The part of the source to export, in seconds.
+
+Options, anywhere on the line, each with one value:
+  --interpolation WORD        nearest (repeat original frames, the default) or
+                              optical-flow (make in-between frames).
+  --smooth-fps RATE           Unique frames per output second below which a stretch
+                              counts as slow motion. Default: 30.
+  --flow-ranges RANGES        start:end,… in source seconds, or none. Default: derived
+                              from the curve.
+  --vertical-crop POINTS      Crop to a narrower frame: time:position,… with positions
+                              0 (left) to 1 (right), or center.
+  --vertical-aspect W:H       The crop's shape. Default: 9:16.
+  --vertical-smoothing 0…1    How softly the crop glides. Default: 0.5.
+  --zoom BLOCKS               start-end:amount[:mode[:fx:fy[:speed]]];… Mode is inout,
+                              in, out or constant; fx and fy (0…1, or from>to) are the
+                              focal point, speed is the ramp in seconds.
+
+Examples:
+  Flowtide --headless-export take.mov slow.mov 0:1,1:0.25,2:1
+  Flowtide --headless-export take.mp4 half.mp4 0:0.5 0 2.5:6
+
+Exit status: 0 on success; 1 after one line on standard error, with the destination
+as it was. Ctrl-C cancels and leaves nothing behind.
+)";
+
+} // namespace flowtide

@@ -1,0 +1,41 @@
+// Timed punch-ins, as values.
+#pragma once
+
+#include "core/uuid.h"
+
+#include <vector>
+
+namespace flowtide {
+
+/// Which ramps a block has.
+enum class ZoomMode { inOut, zoomIn, zoomOut, constant };
+
+/// A focal point at a position within the block.
+struct ZoomFocalKeyframe {
+    double progress = 0; ///< 0 at the block's start, 1 at its end, in output time
+    double x = 0.5;      ///< fraction of the frame's width, from the left
+    double y = 0.5;      ///< fraction of the frame's height, from the top
+    friend bool operator==(const ZoomFocalKeyframe&, const ZoomFocalKeyframe&) = default;
+};
+
+/// A stretch of the source over which the picture is magnified about a focal point.
+struct ZoomBlock {
+    Uuid id;
+    double startTime = 0;      ///< source seconds
+    double endTime = 0;        ///< source seconds, after startTime
+    double amount = 1.2;       ///< full zoom factor, 1.1 to 4
+    double rampDuration = 0.6; ///< each ramp, in output seconds, 0 (hard cut) to 3
+    double focalX = 0.5;       ///< used when there are no focal keyframes
+    double focalY = 0.5;
+    std::vector<ZoomFocalKeyframe> focalKeyframes; ///< sorted by progress
+    ZoomMode mode = ZoomMode::inOut;
+    friend bool operator==(const ZoomBlock&, const ZoomBlock&) = default;
+};
+
+/// All blocks of an export, sorted by start.
+struct ZoomSettings {
+    std::vector<ZoomBlock> blocks;
+    friend bool operator==(const ZoomSettings&, const ZoomSettings&) = default;
+};
+
+} // namespace flowtide

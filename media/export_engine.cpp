@@ -1,0 +1,135 @@
+// The life of an export: plan, render into a hidden file, verify, replace.
+#include "media/export_engine.h"
+
+#include "media/audio_decoding.h"
+#include "media/export_plan.h"
+#include "media/export_validation.h"
+#include "media/flowtide_error.h"
+#include "media/interleaved_render.h"
+#include "media/media_io.h"
+#include "media/temporary_export.h"
+#include "project/local_file_safety.h"
+
+#include <fmt/format.h>
+
+#include <sstream>
+#include <system_error>
+#include <utility>
+
+namespace flowtide {
+
+namespace {
+
+std::string describe(const std::error_code& code) {
+    return fmt::format("{} (error {})", code.message(), code.value());
+}
+
+/// Refuses what could never be replaced by a file, before hours of rendering.
+void requireWritableDestination(const std::filesystem::path& destination) {
+    std::error_code ignored;
+    const auto status = std::filesystem::symlink_status(destination, ignored);
+    if (destination.filename().empty() || std::filesystem::is_directory(status))
+        throw FlowtideError::writerFailed("The destination is a folder. Choose a file name for the export.");
+    if (std::filesystem::is_symlink(status))
+        throw FlowtideError::writerFailed("The destination is a symbolic link. Choose a regular file.");
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw FlowtideError::writerFailed("The destination is not a regular file. Choose another file name.");
+}
+
+std::filesystem::path folderOf(const std::filesystem::path& path) {
+    return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
+}
+
+void replaceFinalExport(TemporaryExport& file) {
+    try {
+        file.moveIntoPlace();
+    } catch (const std::system_error& error) {
+        throw FlowtideError::writerFailed("Could not move validated export into place: " + describe(error.code()));
+    }
+}
+
+void logCodec(const ImportedClip& clip, const VideoSettings& video, const LogSink& log) {
+    log("[Export] Codec: " + codecLabel(video.codec));
+    if (!video.averageBitRate) return;
+    const std::string source =
+        clip.videoEstimatedDataRate ? fmt::format("{:.0f}bps", *clip.videoEstimatedDataRate) : std::string("unknown");
+    log(fmt::format("[Export] Video bitrate: {}bps (source: {})", *video.averageBitRate, source));
+}
+
+void logLines(const std::string& text, const LogSink& log) {
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        log("[Export] " + line);
+}
+
+} // namespace
+
+ExportEngine::ExportEngine(const MediaBackend& backend, LogSink log)
+    : backend_(backend)
+    , log_(std::move(log)) {}
+
+void ExportEngine::cancel() {
+    const std::scoped_lock guard(cancelLock_);
+    isCancelled_ = true;
+}
+
+bool ExportEngine::isCancelled() const {
+    const std::scoped_lock guard(cancelLock_);
+    return isCancelled_;
+}
+
+ExportValidationReport ExportEngine::run(const ExportRequest& request, const ProgressHandler& onProgress) {
+    LocalFileSafety::requireDistinct(request.clip.url, request.outputURL);
+    requireWritableDestination(request.outputURL);
+    const ExportPlan plan = planExport(request, log_);
+    const auto renderer = makeRenderer(plan.interpolation, plan.video.width, plan.video.height, plan.video.layout);
+
+    removeStaleTemporaryExports(folderOf(request.outputURL));
+    const auto file = [&] {
+        try {
+            return std::make_unique<TemporaryExport>(request.outputURL);
+        } catch (const std::system_error& error) {
+            throw FlowtideError::writerFailed("Failed to start writing: " + describe(error.code()));
+        }
+    }();
+    render(request, plan, renderer.get(), *file, onProgress);
+    if (isCancelled()) throw FlowtideError::exportCancelled();
+
+    ExportExpectation expected;
+    expected.codec = plan.video.codec;
+    expected.encodedSize = {plan.video.width, plan.video.height};
+    expected.displaySize = plan.displaySize;
+    expected.outputDuration = plan.timeMap.outputDuration();
+    expected.sourceRange = plan.timeMap.sourceRange();
+    expected.fileType = request.clip.fileType;
+    ExportValidationReport report = validateOutputFile(backend_, file->path(), request.clip, expected);
+    log_("[Export] Verification passed: " + report.summary);
+    logLines(report.details, log_);
+    if (isCancelled()) throw FlowtideError::exportCancelled();
+    replaceFinalExport(*file);
+    return report;
+}
+
+void ExportEngine::render(const ExportRequest& request, const ExportPlan& plan, FrameInterpolating* renderer,
+                          TemporaryExport& file, const ProgressHandler& onProgress) {
+    const ImportedClip& clip = request.clip;
+    const auto writer = backend_.createMovie(file, clip.fileType, clip.metadata);
+    writer->addVideo(plan.video);
+    AudioData audio;
+    if (plan.audio) {
+        audio = AudioDecoding::readAll(backend_, clip, plan.timeMap.sourceRange());
+        log_(fmt::format("[Export] Audio loaded: {} samples, {:.0f} Hz, {} channels", audio.samples.size(),
+                         audio.sampleRate, audio.channels));
+        writer->addAudio(*plan.audio);
+    }
+    writer->start();
+    logCodec(clip, plan.video, log_);
+    const auto video = backend_.openVideo(clip, plan.video.layout, plan.timeMap.sourceRange());
+    const RenderInputs inputs{plan, *video, renderer, plan.audio ? &audio : nullptr, *writer};
+    renderInterleaved(inputs, log_, onProgress, [this] { return isCancelled(); });
+    if (const int concealed = video->concealedFrameCount(); concealed > 0)
+        log_(fmt::format("[Export] Warning: {} damaged source frames were decoded approximately.", concealed));
+    writer->finish();
+}
+
+} // namespace flowtide

@@ -1,0 +1,28 @@
+// What one export will do, decided before anything is written.
+#pragma once
+
+#include "core/optical_flow_ranges.h"
+#include "core/time_map.h"
+#include "media/export_engine.h"
+#include "media/export_settings.h"
+#include "media/frame_interpolation.h"
+
+#include <optional>
+
+namespace flowtide {
+
+/// The decisions of one export; every field is fixed once planned.
+struct ExportPlan {
+    TimeMap timeMap;
+    VideoSettings video;
+    std::optional<AudioSettings> audio;
+    OutputSize displaySize;
+    std::int64_t frameCount = 0;
+    FrameInterpolation interpolation = FrameInterpolation::nearest;
+    SourceRanges opticalFlowRanges; ///< normalised within the map's source range
+};
+
+/// Plans an export and logs what was decided. Throws FlowtideError for what cannot be exported.
+ExportPlan planExport(const ExportRequest& request, const LogSink& log);
+
+} // namespace flowtide

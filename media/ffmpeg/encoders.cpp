@@ -1,0 +1,163 @@
+// Encoder set-up.
+#include "media/ffmpeg/encoders.h"
+
+#include "media/ffmpeg/frame_bridge.h"
+#include "media/ffmpeg/hdr_metadata.h"
+#include "media/flowtide_error.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace flowtide::ffmpeg {
+
+namespace {
+
+constexpr const char* videoFailure = "Cannot add video input";
+constexpr const char* audioFailure = "Cannot add audio input";
+
+// At the source's own bitrate this preset is the knee: faster ones lose quality, slower ones gain next to none.
+constexpr const char* encoderPreset = "fast";
+
+// Rate control needs a few seconds to settle; shorter clips overshoot their average unless held more tightly.
+constexpr double shortClipSeconds = 5;
+
+const char* encoderName(VideoCodec codec) {
+    switch (codec) {
+    case VideoCodec::hevc:
+        return "libx265";
+    case VideoCodec::h264:
+        return "libx264";
+    default:
+        return "prores_ks";
+    }
+}
+
+const char* proResProfile(VideoCodec codec) {
+    switch (codec) {
+    case VideoCodec::proRes422Proxy:
+        return "proxy";
+    case VideoCodec::proRes422LT:
+        return "lt";
+    case VideoCodec::proRes422HQ:
+        return "hq";
+    case VideoCodec::proRes4444:
+        return "4444";
+    default:
+        return "standard";
+    }
+}
+
+void setEncoderOptions(const VideoSettings& settings, const CarriedMetadata& metadata, AVCodecContext& context,
+                       Dictionary& options) {
+    switch (settings.codec) {
+    case VideoCodec::h264:
+        options.set("preset", encoderPreset);
+        options.set("profile", settings.layout.bitDepth > 8 ? "high10" : "high");
+        if (settings.expectedDuration < shortClipSeconds) options.set("x264-params", "ratetol=0.1");
+        break;
+    case VideoCodec::hevc:
+        options.set("preset", encoderPreset);
+        options.set("profile", settings.layout.bitDepth > 8 ? "main10" : "main");
+        options.set("x265-params", "log-level=none" + hevcHDRParameters(metadata));
+        context.codec_tag = MKTAG('h', 'v', 'c', '1');
+        break;
+    default:
+        options.set("profile", proResProfile(settings.codec));
+        options.set("vendor", "apl0");
+    }
+}
+
+} // namespace
+
+CodecContextPtr openVideoEncoder(const VideoSettings& settings, const CarriedMetadata& metadata) {
+    const AVCodec* codec = avcodec_find_encoder_by_name(encoderName(settings.codec));
+    if (!codec) throw FlowtideError::writerFailed(videoFailure);
+    auto context = allocated<CodecContextPtr>(avcodec_alloc_context3(codec));
+    context->width = settings.width;
+    context->height = settings.height;
+    context->pix_fmt = pixelFormat(settings.layout);
+    constexpr std::int64_t largest = std::numeric_limits<int>::max();
+    if (settings.frameDuration.numerator > largest || settings.frameDuration.denominator > largest)
+        throw FlowtideError::writerFailed(videoFailure);
+    context->time_base = {static_cast<int>(settings.frameDuration.numerator),
+                          static_cast<int>(settings.frameDuration.denominator)};
+    context->framerate = av_inv_q(context->time_base);
+    context->color_range = settings.layout.fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
+    const ColorCodes color = colorCodes(settings.color);
+    context->color_primaries = color.primaries;
+    context->color_trc = color.transfer;
+    context->colorspace = color.matrix;
+    context->sample_aspect_ratio = {static_cast<int>(metadata.sampleAspectRatio.numerator),
+                                    static_cast<int>(metadata.sampleAspectRatio.denominator)};
+    context->bit_rate = settings.averageBitRate.value_or(0);
+    context->thread_count = 0; // the encoder's own choice for this machine
+    context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    Dictionary options;
+    setEncoderOptions(settings, metadata, *context, options);
+    if (avcodec_open2(context.get(), codec, options.address()) < 0) throw FlowtideError::writerFailed(videoFailure);
+    return context;
+}
+
+CodecContextPtr openAudioEncoder(const AudioSettings& settings) {
+    const bool pcm = settings.format == linearPCM;
+    AVCodecID id = AV_CODEC_ID_AAC;
+    if (pcm)
+        id = settings.bitDepth == 16   ? AV_CODEC_ID_PCM_S16LE
+             : settings.bitDepth == 32 ? AV_CODEC_ID_PCM_F32LE
+                                       : AV_CODEC_ID_PCM_S24LE;
+    const AVCodec* codec = avcodec_find_encoder(id);
+    if (!codec) throw FlowtideError::writerFailed(audioFailure);
+    auto context = allocated<CodecContextPtr>(avcodec_alloc_context3(codec));
+    context->sample_rate = static_cast<int>(std::lround(settings.sampleRate));
+    context->sample_fmt = codec->sample_fmts[0];
+    context->time_base = {1, context->sample_rate};
+    context->bit_rate = pcm ? 0 : settings.bitRate;
+    context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    if (settings.channelLayout.empty() ||
+        av_channel_layout_from_string(&context->ch_layout, settings.channelLayout.c_str()) < 0)
+        av_channel_layout_default(&context->ch_layout, settings.channels);
+    if (avcodec_open2(context.get(), codec, nullptr) < 0) throw FlowtideError::writerFailed(audioFailure);
+    return context;
+}
+
+FramePtr encoderAudioFrame(const AVCodecContext& encoder, std::span<const float> interleaved) {
+    const auto channels = static_cast<std::size_t>(encoder.ch_layout.nb_channels);
+    const std::size_t count = interleaved.size() / channels;
+    FramePtr frame = makeFrame();
+    frame->format = encoder.sample_fmt;
+    frame->sample_rate = encoder.sample_rate;
+    frame->nb_samples = static_cast<int>(count);
+    if (av_channel_layout_copy(&frame->ch_layout, &encoder.ch_layout) < 0 || av_frame_get_buffer(frame.get(), 0) < 0)
+        throw std::bad_alloc();
+
+    // Rounded here, to the depth that is stored: the encoders for packed 24 bits cut off.
+    const auto quantised = [](float sample, double scale) {
+        return std::clamp(std::nearbyint(static_cast<double>(sample) * scale), -scale, scale - 1);
+    };
+    switch (encoder.sample_fmt) {
+    case AV_SAMPLE_FMT_FLTP:
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            auto* out = reinterpret_cast<float*>(frame->extended_data[channel]);
+            for (std::size_t i = 0; i < count; ++i)
+                out[i] = interleaved[i * channels + channel];
+        }
+        break;
+    case AV_SAMPLE_FMT_FLT:
+        std::copy(interleaved.begin(), interleaved.end(), reinterpret_cast<float*>(frame->data[0]));
+        break;
+    case AV_SAMPLE_FMT_S16:
+        std::transform(interleaved.begin(), interleaved.end(), reinterpret_cast<std::int16_t*>(frame->data[0]),
+                       [&](float sample) { return static_cast<std::int16_t>(quantised(sample, 32'768)); });
+        break;
+    case AV_SAMPLE_FMT_S32: // the upper 24 bits are written
+        std::transform(interleaved.begin(), interleaved.end(), reinterpret_cast<std::int32_t*>(frame->data[0]),
+                       [&](float sample) { return static_cast<std::int32_t>(quantised(sample, 8'388'608)) * 256; });
+        break;
+    default:
+        throw FlowtideError::writerFailed(audioFailure);
+    }
+    return frame;
+}
+
+} // namespace flowtide::ffmpeg

@@ -1,0 +1,45 @@
+// The backend's front door.
+#include "media/ffmpeg/ffmpeg_backend.h"
+
+#include "media/ffmpeg/audio_reader.h"
+#include "media/ffmpeg/movie_writer.h"
+#include "media/ffmpeg/probe.h"
+#include "media/ffmpeg/video_reader.h"
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+namespace flowtide {
+
+namespace {
+
+class FFmpegBackend : public MediaBackend {
+public:
+    // Failures reach people as one sentence of ours, not as the library's chatter.
+    FFmpegBackend() { av_log_set_level(AV_LOG_QUIET); }
+
+    ProbedMedia probe(const std::filesystem::path& path) const override { return ffmpeg::probeMovie(path); }
+
+    std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout,
+                                           SourceRange range) const override {
+        return ffmpeg::openVideoReader(clip, layout, range);
+    }
+
+    std::unique_ptr<AudioReader> openAudio(const ImportedClip& clip, SourceRange range) const override {
+        return ffmpeg::openAudioReader(clip, range);
+    }
+
+    std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType fileType,
+                                             const CarriedMetadata& metadata) const override {
+        return ffmpeg::createMovieWriter(output, fileType, metadata);
+    }
+};
+
+} // namespace
+
+std::unique_ptr<MediaBackend> makeFFmpegBackend() {
+    return std::make_unique<FFmpegBackend>();
+}
+
+} // namespace flowtide

@@ -1,0 +1,149 @@
+// Frames and colour tags across the libav boundary.
+#include "media/ffmpeg/frame_bridge.h"
+
+#include "media/flowtide_error.h"
+
+extern "C" {
+#include <libavutil/pixdesc.h>
+}
+
+#include <utility>
+
+namespace flowtide::ffmpeg {
+
+namespace {
+
+constexpr const char* decodeFailure = "Video decode failed mid-file";
+
+// The old "J" formats are the plain ones with full range said in the format.
+AVPixelFormat withoutRange(int format) {
+    switch (format) {
+    case AV_PIX_FMT_YUVJ420P:
+        return AV_PIX_FMT_YUV420P;
+    case AV_PIX_FMT_YUVJ422P:
+        return AV_PIX_FMT_YUV422P;
+    case AV_PIX_FMT_YUVJ444P:
+        return AV_PIX_FMT_YUV444P;
+    default:
+        return static_cast<AVPixelFormat>(format);
+    }
+}
+
+bool isFullRange(const AVFrame& frame) {
+    return withoutRange(frame.format) != frame.format || frame.color_range == AVCOL_RANGE_JPEG;
+}
+
+VideoFrame shared(FramePtr frame, PixelLayout layout) {
+    VideoFrame result;
+    result.layout = layout;
+    result.width = frame->width;
+    result.height = frame->height;
+    for (std::size_t i = 0; i < result.planes.size(); ++i)
+        result.planes[i] = {frame->data[i], frame->linesize[i]};
+    result.owner = std::shared_ptr<const AVFrame>(frame.release(), FrameDeleter());
+    return result;
+}
+
+const int* coefficients(const AVFrame& frame) {
+    const bool unspecified = frame.colorspace == AVCOL_SPC_UNSPECIFIED || frame.colorspace == AVCOL_SPC_RGB;
+    return sws_getCoefficients(unspecified ? (frame.height > 576 ? SWS_CS_ITU709 : SWS_CS_ITU601) : frame.colorspace);
+}
+
+template <typename Code>
+std::optional<std::string> tagName(Code code, const char* (*name)(Code), Code unspecified) {
+    const char* text = code == unspecified || static_cast<int>(code) == 0 ? nullptr : name(code);
+    return text ? std::optional<std::string>(text) : std::nullopt;
+}
+
+} // namespace
+
+AVPixelFormat pixelFormat(PixelLayout layout) {
+    const bool deep = layout.bitDepth > 8;
+    switch (layout.chroma) {
+    case ChromaSubsampling::yuv444:
+        return deep ? AV_PIX_FMT_YUV444P10LE : AV_PIX_FMT_YUV444P;
+    case ChromaSubsampling::yuv422:
+        return deep ? AV_PIX_FMT_YUV422P10LE : AV_PIX_FMT_YUV422P;
+    case ChromaSubsampling::yuv420:
+        break;
+    }
+    return deep ? AV_PIX_FMT_YUV420P10LE : AV_PIX_FMT_YUV420P;
+}
+
+ColorCodes colorCodes(const std::optional<ColorProperties>& color) {
+    ColorCodes codes;
+    if (!color) return codes;
+    const auto code = [](const std::optional<std::string>& name, int (*fromName)(const char*), int unspecified) {
+        const int value = name ? fromName(name->c_str()) : unspecified;
+        return value < 0 ? unspecified : value;
+    };
+    codes.primaries =
+        static_cast<AVColorPrimaries>(code(color->primaries, av_color_primaries_from_name, AVCOL_PRI_UNSPECIFIED));
+    codes.transfer = static_cast<AVColorTransferCharacteristic>(
+        code(color->transferFunction, av_color_transfer_from_name, AVCOL_TRC_UNSPECIFIED));
+    codes.matrix = static_cast<AVColorSpace>(code(color->matrix, av_color_space_from_name, AVCOL_SPC_UNSPECIFIED));
+    return codes;
+}
+
+std::optional<ColorProperties> colorProperties(const ColorCodes& codes) {
+    ColorProperties tags;
+    tags.primaries = tagName(codes.primaries, av_color_primaries_name, AVCOL_PRI_UNSPECIFIED);
+    tags.transferFunction = tagName(codes.transfer, av_color_transfer_name, AVCOL_TRC_UNSPECIFIED);
+    // Code 0 is RGB here, which no YCbCr track means.
+    tags.matrix = tagName(codes.matrix, av_color_space_name, AVCOL_SPC_UNSPECIFIED);
+    if (!tags.primaries && !tags.transferFunction && !tags.matrix) return std::nullopt;
+    return tags;
+}
+
+FrameImporter::FrameImporter(PixelLayout layout, int width, int height)
+    : layout_(layout)
+    , width_(width)
+    , height_(height) {}
+
+VideoFrame FrameImporter::import(FramePtr frame) {
+    if (withoutRange(frame->format) == pixelFormat(layout_) && frame->width == width_ && frame->height == height_)
+        return shared(std::move(frame), layout_);
+    return convert(*frame);
+}
+
+VideoFrame FrameImporter::convert(const AVFrame& frame) {
+    FramePtr converted = makeFrame();
+    converted->format = pixelFormat(layout_);
+    converted->width = width_;
+    converted->height = height_;
+    if (av_frame_get_buffer(converted.get(), 0) < 0) throw std::bad_alloc();
+
+    scaler_.reset(sws_getCachedContext(scaler_.release(), frame.width, frame.height, withoutRange(frame.format), width_,
+                                       height_, pixelFormat(layout_),
+                                       SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr));
+    if (!scaler_) throw FlowtideError::readerFailed(decodeFailure);
+    constexpr int neutral = 1 << 16; // 1.0 in 16.16: contrast and saturation untouched
+    sws_setColorspaceDetails(scaler_.get(), coefficients(frame), isFullRange(frame) ? 1 : 0, coefficients(frame),
+                             layout_.fullRange ? 1 : 0, 0, neutral, neutral);
+    if (sws_scale(scaler_.get(), frame.data, frame.linesize, 0, frame.height, converted->data, converted->linesize) < 0)
+        throw FlowtideError::readerFailed(decodeFailure);
+    return shared(std::move(converted), layout_);
+}
+
+FramePtr exportFrame(const VideoFrame& frame) {
+    FramePtr result = makeFrame();
+    result->format = pixelFormat(frame.layout);
+    result->width = frame.width;
+    result->height = frame.height;
+    result->color_range = frame.layout.fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
+    for (std::size_t i = 0; i < frame.planes.size(); ++i) {
+        // libav's frames have no const; encoders only read.
+        result->data[i] = const_cast<std::uint8_t*>(frame.planes[i].data);
+        result->linesize[i] = static_cast<int>(frame.planes[i].stride);
+    }
+    auto share = std::make_unique<std::shared_ptr<const void>>(frame.owner);
+    const auto drop = [](void* opaque, std::uint8_t*) {
+        const std::unique_ptr<std::shared_ptr<const void>> taken(static_cast<std::shared_ptr<const void>*>(opaque));
+    };
+    result->buf[0] = av_buffer_create(result->data[0], 1, drop, share.get(), AV_BUFFER_FLAG_READONLY);
+    if (!result->buf[0]) throw std::bad_alloc();
+    static_cast<void>(share.release()); // the buffer's drop() owns it now
+    return result;
+}
+
+} // namespace flowtide::ffmpeg

@@ -1,0 +1,41 @@
+// Opening a movie file and choosing its tracks; what the probe and both readers have in common.
+#pragma once
+
+#include "media/ffmpeg/handles.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace flowtide::ffmpeg {
+
+/// An opened movie and the tracks that we use of it.
+struct MovieInput {
+    InputPtr format;
+    AVStream* video = nullptr; ///< the first video track that is no attached picture
+    AVStream* audio = nullptr; ///< the first sound track that can be decoded, else the first one
+};
+
+/// Opens a local MOV, MP4 or M4V file; nothing else is tried, and nothing outside the file is followed. Throws
+/// FlowtideError::readerFailed.
+MovieInput openMovie(const std::filesystem::path& path);
+
+/// Stops the demuxer from delivering any track but this one.
+void deliverOnly(AVFormatContext& format, const AVStream& stream);
+
+/// Seconds of a timestamp in a stream's time base.
+double secondsOf(std::int64_t timestamp, AVRational timeBase);
+
+/// Start and end of a stream on the clip's time line, in seconds; nothing when the file does not say.
+struct StreamSpan {
+    double start;
+    double end;
+};
+std::optional<StreamSpan> spanOf(const AVStream& stream);
+
+/// The decode time of the last sample that the file's index lists; nothing without an index.
+std::optional<std::int64_t> lastIndexedDecodeTime(AVStream& stream);
+
+/// An opened decoder for a stream, with its threads set up. Throws FlowtideError::readerFailed(failure).
+CodecContextPtr openDecoder(const AVStream& stream, const char* failure);
+
+} // namespace flowtide::ffmpeg

@@ -1,0 +1,159 @@
+// The probe.
+#include "media/ffmpeg/probe.h"
+
+#include "media/ffmpeg/ffmpeg_error.h"
+#include "media/ffmpeg/frame_bridge.h"
+#include "media/ffmpeg/hdr_metadata.h"
+#include "media/ffmpeg/movie_input.h"
+#include "media/flowtide_error.h"
+
+extern "C" {
+#include <libavutil/display.h>
+#include <libavutil/pixdesc.h>
+}
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace flowtide::ffmpeg {
+
+namespace {
+
+constexpr std::size_t displayMatrixBytes = sizeof(DisplayMatrix);
+
+/// libav keeps the first character in the lowest byte.
+std::optional<FourCC> codeOf(const AVCodecParameters& parameters) {
+    const std::uint32_t tag = parameters.codec_tag;
+    if (tag == 0) return std::nullopt;
+    return (tag >> 24) | ((tag >> 8) & 0xFF00) | ((tag << 8) & 0xFF0000) | (tag << 24);
+}
+
+ColorCodes colorOf(const AVCodecParameters& parameters) {
+    return {parameters.color_primaries, parameters.color_trc, parameters.color_space};
+}
+
+/// The container's tags where it has them, else what the stream itself says.
+ColorCodes mergedColor(const ColorCodes& container, const ColorCodes& stream) {
+    return {container.primaries != AVCOL_PRI_UNSPECIFIED ? container.primaries : stream.primaries,
+            container.transfer != AVCOL_TRC_UNSPECIFIED ? container.transfer : stream.transfer,
+            container.matrix != AVCOL_SPC_UNSPECIFIED ? container.matrix : stream.matrix};
+}
+
+/// The distance of the track's samples in decode order, when it never varies. The last sample's own length counts for
+/// nothing: writers often make it up. A single sample has only that.
+std::optional<MediaTime> constantInterval(AVStream& stream) {
+    const auto interval = [&](std::int64_t ticks) -> std::optional<MediaTime> {
+        if (ticks <= 0 || ticks > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
+        return MediaTime::reduced(ticks * stream.time_base.num, stream.time_base.den);
+    };
+    const int count = avformat_index_get_entries_count(&stream);
+    if (count == 1) return interval(stream.duration);
+    if (count < 2) return std::nullopt;
+    // A hostile file's timestamps can be anything: unsigned differences wrap instead of overflowing.
+    const auto timestamp = [&](int i) {
+        return static_cast<std::uint64_t>(avformat_index_get_entry(&stream, i)->timestamp);
+    };
+    const std::uint64_t first = timestamp(1) - timestamp(0);
+    for (int i = 2; i < count; ++i)
+        if (timestamp(i) - timestamp(i - 1) != first) return std::nullopt;
+    return interval(static_cast<std::int64_t>(first));
+}
+
+std::optional<double> positiveRate(std::int64_t bitRate) {
+    return bitRate > 0 ? std::optional<double>(static_cast<double>(bitRate)) : std::nullopt;
+}
+
+void readVideo(AVStream& stream, const ColorCodes& containerColor, ProbedMedia& media) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    ImportedClip& clip = media.clip;
+    media.hasVideo = true;
+    media.constantSampleInterval = constantInterval(stream);
+    if (stream.avg_frame_rate.den != 0) clip.frameRate = av_q2d(stream.avg_frame_rate);
+    clip.encodedWidth = parameters.width;
+    clip.encodedHeight = parameters.height;
+    clip.videoCodecFourCC = codeOf(parameters);
+    clip.videoEstimatedDataRate = positiveRate(parameters.bit_rate);
+    clip.videoColorProperties = colorProperties(mergedColor(containerColor, colorOf(parameters)));
+
+    const auto format = static_cast<AVPixelFormat>(parameters.format);
+    clip.videoIsFullRange = parameters.color_range == AVCOL_RANGE_JPEG || format == AV_PIX_FMT_YUVJ420P ||
+                            format == AV_PIX_FMT_YUVJ422P || format == AV_PIX_FMT_YUVJ444P;
+    if (const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format)) {
+        clip.videoBitDepth = descriptor->comp[0].depth;
+        clip.videoHasAlpha = (descriptor->flags & AV_PIX_FMT_FLAG_ALPHA) != 0;
+    } else if (parameters.bits_per_raw_sample > 0) {
+        clip.videoBitDepth = parameters.bits_per_raw_sample;
+    }
+
+    std::size_t size = 0;
+    if (const auto* matrix =
+            reinterpret_cast<const std::int32_t*>(av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size));
+        matrix && size >= displayMatrixBytes)
+        std::copy_n(matrix, clip.displayMatrix.size(), clip.displayMatrix.begin());
+    const AVRational aspect =
+        stream.sample_aspect_ratio.num > 0 ? stream.sample_aspect_ratio : parameters.sample_aspect_ratio;
+    if (aspect.num > 0 && aspect.den > 0) clip.metadata.sampleAspectRatio = MediaTime::reduced(aspect.num, aspect.den);
+    readHDRMetadata(stream, clip.metadata);
+}
+
+void readAudio(const AVStream& stream, ImportedClip& clip) {
+    const AVCodecParameters& parameters = *stream.codecpar;
+    clip.hasAudio = true;
+    clip.audioSampleRate = parameters.sample_rate;
+    clip.audioChannelCount = parameters.ch_layout.nb_channels;
+    clip.audioEstimatedDataRate = positiveRate(parameters.bit_rate);
+    // Linear PCM goes by a dozen four-character codes; what it is shows in the codec.
+    if (const int bits = av_get_exact_bits_per_sample(parameters.codec_id);
+        bits > 0 && parameters.codec_id >= AV_CODEC_ID_FIRST_AUDIO && parameters.codec_id < AV_CODEC_ID_ADPCM_IMA_QT) {
+        clip.audioFormatID = linearPCM;
+        clip.audioBitDepth = bits;
+    } else if (parameters.codec_id == AV_CODEC_ID_AAC) {
+        clip.audioFormatID = aac;
+    } else {
+        clip.audioFormatID = codeOf(parameters);
+    }
+    if (parameters.ch_layout.order != AV_CHANNEL_ORDER_UNSPEC) {
+        std::array<char, 256> name{};
+        if (av_channel_layout_describe(&parameters.ch_layout, name.data(), name.size()) > 0)
+            clip.audioChannelLayout = name.data();
+    }
+}
+
+void readTags(const AVFormatContext& format, CarriedMetadata& metadata) {
+    // What describes the file itself, not the recording.
+    constexpr std::array fileTags{"major_brand", "minor_version", "compatible_brands", "encoder"};
+    const AVDictionaryEntry* entry = nullptr;
+    while ((entry = av_dict_get(format.metadata, "", entry, AV_DICT_IGNORE_SUFFIX)))
+        if (std::find(fileTags.begin(), fileTags.end(), std::string_view(entry->key)) == fileTags.end())
+            metadata.tags[entry->key] = entry->value;
+}
+
+} // namespace
+
+ProbedMedia probeMovie(const std::filesystem::path& path) {
+    MovieInput movie = openMovie(path);
+    // Analysing the streams replaces container tags that the stream does not repeat.
+    const ColorCodes containerColor = movie.video ? colorOf(*movie.video->codecpar) : ColorCodes{};
+    for (unsigned i = 0; i < movie.format->nb_streams; ++i)
+        if (AVStream* stream = movie.format->streams[i]; stream != movie.video && stream != movie.audio)
+            stream->discard = AVDISCARD_ALL;
+    if (const int code = avformat_find_stream_info(movie.format.get(), nullptr); code < 0)
+        throw FlowtideError::readerFailed(
+            fmt::format("{} could not be read: {}", path.filename().string(), describe(code)));
+
+    ProbedMedia media;
+    if (movie.video) readVideo(*movie.video, containerColor, media);
+    if (movie.audio) readAudio(*movie.audio, media.clip);
+    for (const AVStream* stream : {movie.video, movie.audio})
+        if (const auto span = stream ? spanOf(*stream) : std::nullopt)
+            media.clip.duration = std::max(media.clip.duration, span->end);
+    if (media.clip.duration <= 0 && movie.format->duration > 0)
+        media.clip.duration = secondsOf(movie.format->duration, AVRational{1, AV_TIME_BASE});
+    readTags(*movie.format, media.clip.metadata);
+    return media;
+}
+
+} // namespace flowtide::ffmpeg

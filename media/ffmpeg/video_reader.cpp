@@ -1,0 +1,171 @@
+// The decode loop of the pictures, with exact seeking.
+#include "media/ffmpeg/video_reader.h"
+
+#include "media/ffmpeg/frame_bridge.h"
+#include "media/ffmpeg/movie_input.h"
+#include "media/flowtide_error.h"
+#include "media/frame_schedule.h"
+
+#include <cmath>
+#include <deque>
+#include <utility>
+
+namespace flowtide::ffmpeg {
+
+namespace {
+
+constexpr const char* decodeFailure = "Video decode failed mid-file";
+
+// With open groups of pictures the first frame that decodes after a seek can lie behind the time asked for: look a
+// little earlier first, then in larger steps.
+constexpr double firstBackOffSeconds = 0.25;
+constexpr double furtherBackOffSeconds = 2;
+
+class FFmpegVideoReader : public VideoReader {
+public:
+    FFmpegVideoReader(const ImportedClip& clip, PixelLayout layout, SourceRange range)
+        : movie_(openMovie(clip.url))
+        , importer_(layout, static_cast<int>(clip.encodedWidth), static_cast<int>(clip.encodedHeight))
+        , range_(range)
+        , packet_(makePacket()) {
+        if (!movie_.video) throw FlowtideError::noVideoTrack();
+        deliverOnly(*movie_.format, *movie_.video);
+        decoder_ = openDecoder(*movie_.video, "This clip's video codec cannot be decoded");
+        lastIndexed_ = lastIndexedDecodeTime(*movie_.video);
+    }
+
+    std::optional<TimedFrame> next() override {
+        if (!std::exchange(started_, true)) seekToStart();
+        if (waiting_.empty()) {
+            auto frame = decodeNext();
+            if (!frame) return std::nullopt;
+            waiting_.push_back(std::move(*frame));
+        }
+        Decoded decoded = std::move(waiting_.front());
+        waiting_.pop_front();
+        const SourceSeconds time{decoded.seconds};
+        return TimedFrame{importer_.import(std::move(decoded.frame)), time};
+    }
+
+    int concealedFrameCount() const override { return damagedFrames_; }
+
+private:
+    struct Decoded {
+        FramePtr frame;
+        double seconds;
+    };
+
+    double limit() const { return range_.lower + frameReachedGraceSeconds; }
+
+    /// Leaves in waiting_ the last frame at or before the range's start and the one after it.
+    void seekToStart() {
+        if (range_.lower <= 0) return findStart();
+        double target = range_.lower;
+        double backOff = firstBackOffSeconds;
+        for (;;) {
+            seek(std::max(target, 0.0));
+            findStart();
+            const bool found = !waiting_.empty() && waiting_.front().seconds <= limit();
+            if (found || target <= 0) return;
+            target -= std::exchange(backOff, furtherBackOffSeconds);
+        }
+    }
+
+    void findStart() {
+        while (auto frame = decodeNext()) {
+            const bool reached = frame->seconds > limit();
+            if (!reached) waiting_.clear();
+            waiting_.push_back(std::move(*frame));
+            if (reached) return;
+        }
+    }
+
+    void seek(double seconds) {
+        const AVRational base = movie_.video->time_base;
+        const auto timestamp = static_cast<std::int64_t>(std::floor(seconds * base.den / base.num));
+        // A file that cannot seek is read from where it stands: slower, and never wrong, since times are compared.
+        av_seek_frame(movie_.format.get(), movie_.video->index, timestamp, AVSEEK_FLAG_BACKWARD);
+        avcodec_flush_buffers(decoder_.get());
+        waiting_.clear();
+        lastDecodeTime_ = AV_NOPTS_VALUE;
+        fedPastEnd_ = false;
+        draining_ = false;
+        damagedFrames_ = 0;
+    }
+
+    std::optional<Decoded> decodeNext() {
+        for (;;) {
+            FramePtr frame = makeFrame();
+            const int received = avcodec_receive_frame(decoder_.get(), frame.get());
+            if (received >= 0) {
+                if (frame->decode_error_flags != 0 || (frame->flags & AV_FRAME_FLAG_CORRUPT)) ++damagedFrames_;
+                if (frame->best_effort_timestamp == AV_NOPTS_VALUE) continue;
+                const double seconds = secondsOf(frame->best_effort_timestamp, movie_.video->time_base);
+                return Decoded{std::move(frame), seconds};
+            }
+            if (received == AVERROR_EOF) return endOfFrames();
+            if (received != AVERROR(EAGAIN)) {
+                ++damagedFrames_;
+                if (draining_) return endOfFrames();
+            }
+            feed();
+        }
+    }
+
+    void feed() {
+        if (draining_) return;
+        const int read = endReached() ? AVERROR_EOF : av_read_frame(movie_.format.get(), packet_.get());
+        if (read < 0) {
+            truncated_ = !endReached() && (read != AVERROR_EOF || !indexExhausted());
+            draining_ = true;
+            avcodec_send_packet(decoder_.get(), nullptr);
+            return;
+        }
+        if (packet_->stream_index == movie_.video->index) {
+            const AVRational base = movie_.video->time_base;
+            if (packet_->dts != AV_NOPTS_VALUE) lastDecodeTime_ = packet_->dts;
+            if (packet_->pts != AV_NOPTS_VALUE && secondsOf(packet_->pts, base) > range_.upper) fedPastEnd_ = true;
+            // The decoder was emptied before, so it always takes the packet; what it cannot decode is a lost frame.
+            if (avcodec_send_packet(decoder_.get(), packet_.get()) < 0) ++damagedFrames_;
+        }
+        av_packet_unref(packet_.get());
+    }
+
+    /// Every frame up to the range's end, and one behind it, has been fed.
+    bool endReached() const {
+        return fedPastEnd_ && lastDecodeTime_ != AV_NOPTS_VALUE &&
+               secondsOf(lastDecodeTime_, movie_.video->time_base) > range_.upper;
+    }
+
+    bool indexExhausted() const {
+        return !lastIndexed_ || (lastDecodeTime_ != AV_NOPTS_VALUE && lastDecodeTime_ >= *lastIndexed_);
+    }
+
+    std::optional<Decoded> endOfFrames() const {
+        // A file that was cut off ends like any other; only its index tells that more should have come.
+        if (truncated_) throw FlowtideError::readerFailed(decodeFailure);
+        return std::nullopt;
+    }
+
+    MovieInput movie_;
+    CodecContextPtr decoder_;
+    FrameImporter importer_;
+    SourceRange range_;
+    PacketPtr packet_;
+    std::optional<std::int64_t> lastIndexed_;
+    std::deque<Decoded> waiting_;
+    std::int64_t lastDecodeTime_ = AV_NOPTS_VALUE;
+    bool fedPastEnd_ = false;
+    bool draining_ = false;
+    bool truncated_ = false;
+    bool started_ = false;
+    int damagedFrames_ = 0;
+};
+
+} // namespace
+
+std::unique_ptr<VideoReader> openVideoReader(const ImportedClip& clip, PixelLayout layout, SourceRange range) {
+    return std::make_unique<FFmpegVideoReader>(clip, layout, range);
+}
+
+} // namespace flowtide::ffmpeg

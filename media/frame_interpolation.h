@@ -1,0 +1,31 @@
+// How frames between two source frames are made.
+#pragma once
+
+#include "core/time.h"
+#include "media/video_frame.h"
+
+#include <memory>
+#include <string_view>
+
+namespace flowtide {
+
+/// The user's choice for stretches that are slower than the source has frames for.
+enum class FrameInterpolation { opticalFlow, nearest };
+
+/// "Optical Flow" or "Original Frames".
+std::string_view displayName(FrameInterpolation interpolation);
+
+/// Makes the frame at a source time between two decoded frames. Used by one worker at a time.
+class FrameInterpolating {
+public:
+    virtual ~FrameInterpolating() = default;
+    /// `previous` is shown at `previousTime`, `next` at `nextTime`, and previousTime < time < nextTime.
+    virtual VideoFrame render(const VideoFrame& previous, SourceSeconds previousTime, const VideoFrame& next,
+                              SourceSeconds nextTime, SourceSeconds time) = 0;
+};
+
+/// The renderer for a choice: none for original frames. Throws FlowtideError where Optical Flow is unavailable.
+std::unique_ptr<FrameInterpolating> makeRenderer(FrameInterpolation interpolation, int width, int height,
+                                                 PixelLayout layout);
+
+} // namespace flowtide

@@ -1,0 +1,25 @@
+// The walk through the decoded frames.
+#include "media/frame_schedule.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace flowtide {
+
+std::int64_t outputFrameCount(double outputDuration, MediaTime frameDuration) {
+    return std::max<std::int64_t>(std::llround(outputDuration / frameDuration.seconds()), 1);
+}
+
+void HeldFrames::advanceTo(SourceSeconds time) {
+    if (!std::exchange(started_, true)) {
+        previous_ = reader_.next();
+        next_ = reader_.next();
+    }
+    while (next_ && next_->time.value <= time.value + frameReachedGraceSeconds) {
+        previous_ = std::move(next_);
+        next_ = reader_.next();
+    }
+}
+
+} // namespace flowtide

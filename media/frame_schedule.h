@@ -1,0 +1,42 @@
+// Which source time, and which decoded frame, each output frame shows.
+#pragma once
+
+#include "core/time.h"
+#include "media/media_io.h"
+#include "media/media_time.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace flowtide {
+
+/// How many frames an output of `outputDuration` seconds has: at least 1.
+std::int64_t outputFrameCount(double outputDuration, MediaTime frameDuration);
+
+/// A source time that is computed through the time map comes out up to 1e-12 s below the frame that it means; a frame
+/// that starts within this many seconds after it counts as reached.
+constexpr double frameReachedGraceSeconds = 1e-6;
+
+/// Walks forward through a reader's frames, holding the one shown at the current source time and the one after it.
+class HeldFrames {
+public:
+    explicit HeldFrames(VideoReader& reader)
+        : reader_(reader) {}
+
+    /// Moves to a source time; times may stand still but never go back.
+    void advanceTo(SourceSeconds time);
+
+    /// The last frame at or before the current time; before the first frame, the first one. Nothing when the reader
+    /// has no frame at all.
+    const std::optional<TimedFrame>& previous() const { return previous_; }
+    /// The first frame after the current time; nothing past the last one.
+    const std::optional<TimedFrame>& next() const { return next_; }
+
+private:
+    VideoReader& reader_;
+    std::optional<TimedFrame> previous_;
+    std::optional<TimedFrame> next_;
+    bool started_ = false;
+};
+
+} // namespace flowtide

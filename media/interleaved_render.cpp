@@ -1,0 +1,160 @@
+// The two workers of a render.
+#include "media/interleaved_render.h"
+
+#include "media/audio_retimer.h"
+#include "media/flowtide_error.h"
+#include "media/frame_schedule.h"
+#include "media/interleave_gate.h"
+#include "media/render_state.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace flowtide {
+
+namespace {
+
+constexpr std::int64_t audioChunkFrames = 8192;
+constexpr double audioFractionBeforeFinish = 0.98;
+constexpr double interleaveSlackSeconds = 2; // of output: a few megabytes of packets at most
+constexpr auto progressInterval = std::chrono::milliseconds(50);
+
+/// Counts the workers that are still running and wakes the waiting thread.
+class WorkerGroup {
+public:
+    explicit WorkerGroup(int workers)
+        : running_(workers) {}
+    void leave() {
+        const std::scoped_lock guard(lock_);
+        --running_;
+        changed_.notify_all();
+    }
+    /// Waits at most `interval`; true when every worker has left.
+    bool waitFor(std::chrono::milliseconds interval) {
+        std::unique_lock guard(lock_);
+        return changed_.wait_for(guard, interval, [&] { return running_ == 0; });
+    }
+
+private:
+    std::mutex lock_; ///< guards running_
+    std::condition_variable changed_;
+    int running_;
+};
+
+/// One render's shared parts and the two jobs that run on them.
+class InterleavedRender {
+public:
+    InterleavedRender(const RenderInputs& inputs, const std::function<bool()>& isCancelled)
+        : inputs_(inputs)
+        , isCancelled_(isCancelled)
+        , gate_(interleaveSlackSeconds, inputs.audio != nullptr)
+        , group_(inputs.audio ? 2 : 1) {}
+
+    void run(const ProgressHandler& onProgress) {
+        const bool hasAudio = inputs_.audio != nullptr;
+        {
+            const std::jthread videoWorker([&] { work(Track::video, [&] { writeVideo(); }); });
+            std::jthread audioWorker;
+            if (hasAudio) audioWorker = std::jthread([&] { work(Track::audio, [&] { writeAudio(); }); });
+            while (!group_.waitFor(progressInterval)) {
+                if (isCancelled_()) gate_.release();
+                onProgress(state_.progress(hasAudio));
+            }
+        }
+        if (isCancelled_()) throw FlowtideError::exportCancelled();
+        state_.rethrowError();
+        if (state_.framesWritten() == 0) throw FlowtideError::writerFailed("No video frames were written");
+        onProgress(state_.progress(hasAudio));
+    }
+
+    std::int64_t framesWritten() const { return state_.framesWritten(); }
+
+private:
+    using Track = InterleaveGate::Track;
+
+    /// Runs a worker's job; a failure is recorded and lets the other worker through to notice it.
+    template <typename Job>
+    void work(Track track, const Job& job) {
+        try {
+            job();
+        } catch (...) {
+            state_.recordError(std::current_exception());
+            gate_.release();
+        }
+        gate_.finish(track);
+        group_.leave();
+    }
+
+    bool shouldStop() const { return isCancelled_() || state_.hasError(); }
+
+    VideoFrame frameAt(const HeldFrames& held, SourceSeconds time) {
+        const TimedFrame& previous = *held.previous();
+        const auto& next = held.next();
+        if (inputs_.renderer && next && previous.time < time && time < next->time &&
+            OpticalFlowScope::contains(inputs_.plan.opticalFlowRanges, time))
+            return inputs_.renderer->render(previous.frame, previous.time, next->frame, next->time, time);
+        return previous.frame;
+    }
+
+    void writeVideo() {
+        const ExportPlan& plan = inputs_.plan;
+        HeldFrames held(inputs_.video);
+        std::size_t cursor = 0;
+        for (std::int64_t i = 0; i < plan.frameCount; ++i) {
+            if (shouldStop()) return;
+            const OutputSeconds outputTime{plan.video.frameDuration.secondsTimes(i)};
+            const SourceSeconds sourceTime = plan.timeMap.sourceTime(outputTime, cursor);
+            held.advanceTo(sourceTime);
+            if (!held.previous()) return;
+            inputs_.writer.appendVideo(frameAt(held, sourceTime), i);
+            state_.setFramesWritten(i + 1, plan.frameCount);
+            gate_.advance(Track::video, plan.video.frameDuration.secondsTimes(i + 1));
+        }
+        inputs_.writer.finishVideo();
+    }
+
+    void writeAudio() {
+        AudioRetimer retimer(*inputs_.audio, inputs_.plan.timeMap);
+        const std::int64_t total = retimer.totalFrames();
+        const auto channels = static_cast<std::size_t>(inputs_.audio->channels);
+        std::vector<float> chunk;
+        for (std::int64_t first = 0; first < total; first += audioChunkFrames) {
+            if (shouldStop()) return;
+            const std::int64_t count = std::min(audioChunkFrames, total - first);
+            chunk.resize(static_cast<std::size_t>(count) * channels);
+            retimer.render(first, chunk);
+            inputs_.writer.appendAudio(chunk);
+            const std::int64_t done = first + count;
+            state_.setAudioFraction(
+                std::min(static_cast<double>(done) / static_cast<double>(total), audioFractionBeforeFinish));
+            gate_.advance(Track::audio, static_cast<double>(done) / inputs_.audio->sampleRate);
+        }
+        inputs_.writer.finishAudio();
+        state_.setAudioFraction(1);
+    }
+
+    const RenderInputs inputs_;
+    const std::function<bool()>& isCancelled_;
+    RenderState state_;
+    InterleaveGate gate_;
+    WorkerGroup group_;
+};
+
+} // namespace
+
+void renderInterleaved(const RenderInputs& inputs, const LogSink& log, const ProgressHandler& onProgress,
+                       const std::function<bool()>& isCancelled) {
+    log(fmt::format("[Export] Rendering {} video frames at source frame rate...", inputs.plan.frameCount));
+    InterleavedRender render(inputs, isCancelled);
+    render.run(onProgress);
+    log(fmt::format("[Export] Video done: {} frames, audio done: {}", render.framesWritten(),
+                    inputs.audio ? "yes" : "no audio"));
+}
+
+} // namespace flowtide

@@ -1,0 +1,125 @@
+// What the media layer asks of a platform: probing, reading and writing movies. The backends implement it.
+#pragma once
+
+#include "core/time.h"
+#include "media/imported_clip.h"
+#include "media/video_frame.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace flowtide {
+
+/// A file as its tracks describe it, before anything is judged or derived. Of `clip`, the fields that depend on rules
+/// (frameDuration, the display size, the codec type, the file type) are not filled in.
+struct ProbedMedia {
+    ImportedClip clip;
+    bool hasVideo = false;
+    /// The interval that every sample of the video track but the last one has, when there is such a one.
+    std::optional<MediaTime> constantSampleInterval;
+};
+
+/// A decoded frame and the source time from which it is shown.
+struct TimedFrame {
+    VideoFrame frame;
+    SourceSeconds time;
+};
+
+/// Decodes the frames of a range in presentation order. Used by one thread at a time.
+class VideoReader {
+public:
+    virtual ~VideoReader() = default;
+    /// The next frame: first the last one at or before the range's start (or the track's first one), at the end the
+    /// first one after the range's end. Nothing when there are no more. Throws FlowtideError::readerFailed.
+    virtual std::optional<TimedFrame> next() = 0;
+    /// How many of the frames handed on were damaged and are only approximations.
+    virtual int concealedFrameCount() const = 0;
+};
+
+/// A decoded stretch of sound: interleaved samples, the first one heard at `time`.
+struct AudioBlock {
+    SourceSeconds time;
+    std::vector<float> samples;
+};
+
+/// Decodes the sound of a range, from at most half a second before it. Used by one thread at a time.
+class AudioReader {
+public:
+    virtual ~AudioReader() = default;
+    /// The next block; nothing at the end. Throws FlowtideError::readerFailed.
+    virtual std::optional<AudioBlock> next() = 0;
+};
+
+/// How the pictures of a movie are encoded.
+struct VideoSettings {
+    VideoCodec codec = VideoCodec::h264;
+    int width = 0;
+    int height = 0;
+    MediaTime frameDuration{1, 30};
+    PixelLayout layout;
+    std::optional<ColorProperties> color;       ///< as tagged; absent: untagged
+    std::optional<std::int64_t> averageBitRate; ///< bits per second; absent for codecs without one
+    int expectedFrameRate = 30;
+    double expectedDuration = 0; ///< output seconds
+    DisplayMatrix displayMatrix = identityDisplayMatrix;
+};
+
+/// How the sound of a movie is encoded.
+struct AudioSettings {
+    FourCC format = aac;
+    double sampleRate = 0; ///< Hz
+    int channels = 0;
+    std::string channelLayout; ///< as ImportedClip::audioChannelLayout
+    std::int64_t bitRate = 0;  ///< AAC only, bits per second
+    int bitDepth = 0;          ///< linear PCM only: 16, 24 or 32 (float)
+};
+
+/// Writes one movie: add the tracks, start, append from one thread per track, finish. Failures throw
+/// FlowtideError::writerFailed. Destroying an unfinished writer abandons the movie.
+class MovieWriter {
+public:
+    virtual ~MovieWriter() = default;
+    virtual void addVideo(const VideoSettings& settings) = 0;
+    virtual void addAudio(const AudioSettings& settings) = 0;
+    virtual void start() = 0;
+    /// Frame `index` of the output, shown at index × frameDuration; indices rise by one from 0.
+    virtual void appendVideo(const VideoFrame& frame, std::int64_t index) = 0;
+    /// Interleaved samples that follow those appended before.
+    virtual void appendAudio(std::span<const float> samples) = 0;
+    /// No more of this track; each is called once.
+    virtual void finishVideo() = 0;
+    virtual void finishAudio() = 0;
+    /// Completes the file after both tracks have finished.
+    virtual void finish() = 0;
+};
+
+/// A place that a writer writes to. Implementations report failures by throwing std::system_error.
+class OutputFile {
+public:
+    virtual ~OutputFile() = default;
+    virtual void write(std::span<const std::uint8_t> bytes) = 0;
+    /// Moves the write position; absolute, in bytes.
+    virtual void seek(std::int64_t position) = 0;
+    virtual std::int64_t size() const = 0;
+};
+
+/// A platform's media library. Stateless; may be used from any thread.
+class MediaBackend {
+public:
+    virtual ~MediaBackend() = default;
+    /// Reads the tracks' descriptions. Throws FlowtideError::readerFailed when the file is no readable movie.
+    virtual ProbedMedia probe(const std::filesystem::path& path) const = 0;
+    virtual std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout,
+                                                   SourceRange range) const = 0;
+    virtual std::unique_ptr<AudioReader> openAudio(const ImportedClip& clip, SourceRange range) const = 0;
+    /// `output` must outlive the writer.
+    virtual std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType fileType,
+                                                     const CarriedMetadata& metadata) const = 0;
+};
+
+} // namespace flowtide

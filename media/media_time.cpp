@@ -1,0 +1,36 @@
+// Exact media times.
+#include "media/media_time.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace flowtide {
+
+MediaTime MediaTime::reduced(std::int64_t numerator, std::int64_t denominator) {
+    if (denominator == 0) return {};
+    if (denominator < 0) {
+        numerator = -numerator;
+        denominator = -denominator;
+    }
+    const std::int64_t divisor = std::gcd(numerator, denominator);
+    return divisor == 0 ? MediaTime{} : MediaTime{numerator / divisor, denominator / divisor};
+}
+
+double MediaTime::secondsTimes(std::int64_t count) const {
+    return static_cast<double>(count * numerator) / static_cast<double>(denominator);
+}
+
+MediaTime nominalFrameDuration(double frameRate) {
+    // How far a track's average rate may lie from a standard rate and still mean it.
+    constexpr double standardRateTolerance = 0.01;
+    const double rate = std::max(frameRate, 1.0);
+    const std::int64_t ntsc = std::llround(rate * 1001.0 / 1000.0);
+    if (ntsc > 0 && std::abs(rate - static_cast<double>(ntsc) * 1000.0 / 1001.0) < standardRateTolerance)
+        return MediaTime::reduced(1001, ntsc * 1000);
+    const std::int64_t whole = std::llround(rate);
+    if (std::abs(rate - static_cast<double>(whole)) < standardRateTolerance) return MediaTime::reduced(1, whole);
+    return MediaTime::reduced(100, std::llround(rate * 100.0));
+}
+
+} // namespace flowtide

@@ -1,0 +1,26 @@
+// Exact media times: frame intervals and time bases as fractions of seconds.
+#pragma once
+
+#include <cstdint>
+
+namespace flowtide {
+
+/// A rational number of seconds (or of any unit per second), always in lowest terms with a positive denominator.
+struct MediaTime {
+    std::int64_t numerator = 0;
+    std::int64_t denominator = 1;
+
+    /// Reduces; a denominator of 0 gives 0.
+    static MediaTime reduced(std::int64_t numerator, std::int64_t denominator);
+
+    double seconds() const { return static_cast<double>(numerator) / static_cast<double>(denominator); }
+    /// `count` times this, in seconds, rounded once: frame i starts exactly here however large i is.
+    double secondsTimes(std::int64_t count) const;
+
+    friend bool operator==(const MediaTime&, const MediaTime&) = default;
+};
+
+/// The frame interval that a nominal rate stands for: 1001/30000 for 29.97, 1/25 for 25, 100/1250 reduced for 12.5.
+MediaTime nominalFrameDuration(double frameRate);
+
+} // namespace flowtide

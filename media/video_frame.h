@@ -1,0 +1,43 @@
+// A decoded or rendered picture, shared by reference.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace flowtide {
+
+enum class ChromaSubsampling { yuv420, yuv422, yuv444 };
+
+/// How a planar YCbCr frame stores its samples: one byte each below 10 bits, two (little-endian, low bits) from 10.
+struct PixelLayout {
+    ChromaSubsampling chroma = ChromaSubsampling::yuv420;
+    int bitDepth = 8;
+    bool fullRange = false;
+    friend bool operator==(const PixelLayout&, const PixelLayout&) = default;
+
+    int bytesPerSample() const { return bitDepth > 8 ? 2 : 1; }
+    /// Right shifts from luma to chroma sizes.
+    int horizontalChromaShift() const { return chroma == ChromaSubsampling::yuv444 ? 0 : 1; }
+    int verticalChromaShift() const { return chroma == ChromaSubsampling::yuv420 ? 1 : 0; }
+};
+
+/// Three planes and a share in the memory behind them. Copies are cheap and show the same pixels; nobody writes to a
+/// frame once it has been handed on.
+struct VideoFrame {
+    struct Plane {
+        const std::uint8_t* data = nullptr;
+        std::ptrdiff_t stride = 0; ///< bytes from row to row
+    };
+
+    PixelLayout layout;
+    int width = 0;
+    int height = 0;
+    std::array<Plane, 3> planes{};
+    std::shared_ptr<const void> owner; ///< keeps the planes alive
+
+    explicit operator bool() const { return owner != nullptr; }
+};
+
+} // namespace flowtide

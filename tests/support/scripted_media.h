@@ -1,0 +1,125 @@
+// A media backend that plays a script: no files, no codecs, failures on demand.
+#pragma once
+
+#include "media/flowtide_error.h"
+#include "media/media_io.h"
+#include "tests/support/clip_maker.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace flowtide::test {
+
+/// What the scripted backend answers and does; unset hooks do nothing.
+struct MediaScript {
+    ProbedMedia source{};                                           ///< the probe of every path but the written one
+    std::function<ProbedMedia(const ProbedMedia&)> probeOfOutput{}; ///< from the source's probe
+    std::int64_t decodableFrames = 1'000'000;                       ///< after them the video reader fails
+    std::vector<AudioBlock> audioBlocks{};
+    std::function<void(std::int64_t)> onAppendVideo{}; ///< called with the frame's index, may throw
+    std::function<void()> onFinish{};
+};
+
+/// A plain 25 fps clip with sound, as a probe tells it.
+inline ProbedMedia plainProbe() {
+    ProbedMedia media;
+    media.hasVideo = true;
+    media.constantSampleInterval = MediaTime{1, 25};
+    ImportedClip& clip = media.clip;
+    clip.duration = 2;
+    clip.frameRate = 25;
+    clip.encodedWidth = 64;
+    clip.encodedHeight = 48;
+    clip.videoCodecFourCC = fourCC("avc1");
+    clip.videoEstimatedDataRate = 2'000'000;
+    return media;
+}
+
+class ScriptedBackend : public MediaBackend {
+public:
+    explicit ScriptedBackend(MediaScript script)
+        : script_(std::move(script)) {}
+
+    ProbedMedia probe(const std::filesystem::path& path) const override {
+        const bool written = path.filename().string().find("-export-") != std::string::npos;
+        return written && script_.probeOfOutput ? script_.probeOfOutput(script_.source) : script_.source;
+    }
+
+    std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout, SourceRange) const override {
+        class Reader : public VideoReader {
+        public:
+            Reader(const MediaScript& script, const ImportedClip& clip, PixelLayout layout)
+                : script_(script)
+                , interval_(clip.frameDuration)
+                , picture_(numberedFrame(layout, static_cast<int>(clip.encodedWidth),
+                                         static_cast<int>(clip.encodedHeight), 0))
+                , count_(static_cast<std::int64_t>(clip.duration / clip.frameDuration.seconds())) {}
+            std::optional<TimedFrame> next() override {
+                if (index_ >= script_.decodableFrames)
+                    throw FlowtideError::readerFailed("Video decode failed mid-file");
+                if (index_ >= count_) return std::nullopt;
+                return TimedFrame{picture_, {interval_.secondsTimes(index_++)}};
+            }
+            int concealedFrameCount() const override { return 0; }
+
+        private:
+            const MediaScript& script_;
+            MediaTime interval_;
+            VideoFrame picture_;
+            std::int64_t count_;
+            std::int64_t index_ = 0;
+        };
+        return std::make_unique<Reader>(script_, clip, layout);
+    }
+
+    std::unique_ptr<AudioReader> openAudio(const ImportedClip&, SourceRange) const override {
+        class Reader : public AudioReader {
+        public:
+            explicit Reader(const MediaScript& script)
+                : script_(script) {}
+            std::optional<AudioBlock> next() override {
+                if (index_ >= script_.audioBlocks.size()) return std::nullopt;
+                return script_.audioBlocks[index_++];
+            }
+
+        private:
+            const MediaScript& script_;
+            std::size_t index_ = 0;
+        };
+        return std::make_unique<Reader>(script_);
+    }
+
+    std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType, const CarriedMetadata&) const override {
+        class Writer : public MovieWriter {
+        public:
+            Writer(const MediaScript& script, OutputFile& output)
+                : script_(script)
+                , output_(output) {}
+            void addVideo(const VideoSettings&) override {}
+            void addAudio(const AudioSettings&) override {}
+            void start() override { output_.write(std::vector<std::uint8_t>{'m', 'o', 'v', 'i', 'e'}); }
+            void appendVideo(const VideoFrame&, std::int64_t index) override {
+                if (script_.onAppendVideo) script_.onAppendVideo(index);
+            }
+            void appendAudio(std::span<const float>) override {}
+            void finishVideo() override {}
+            void finishAudio() override {}
+            void finish() override {
+                if (script_.onFinish) script_.onFinish();
+            }
+
+        private:
+            const MediaScript& script_;
+            OutputFile& output_;
+        };
+        return std::make_unique<Writer>(script_, output);
+    }
+
+private:
+    MediaScript script_;
+};
+
+} // namespace flowtide::test
