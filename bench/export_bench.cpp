@@ -16,7 +16,7 @@ using flowtide::bench::ProcessCost;
 using flowtide::bench::runProcess;
 
 constexpr int repetitions = 3;
-constexpr int inputFrames = 300;
+constexpr int inputFrames = 150;
 
 struct Scratch {
     std::filesystem::path folder =
@@ -91,8 +91,8 @@ int main(int argc, char** argv) {
             std::vector<ProcessCost> ours;
             std::vector<ProcessCost> peers;
             for (int i = 0; i < repetitions; ++i) {
-                ours.push_back(
-                    runProcess({FLOWTIDE_PROGRAM, "--headless-export", input, scratch / "ours.mp4", "0:" + speed + ",999:" + speed}));
+                ours.push_back(runProcess({FLOWTIDE_PROGRAM, "--headless-export", input, scratch / "ours.mp4",
+                                           "0:" + speed + ",999:" + speed}));
                 std::vector<std::string> peer{"ffmpeg", "-y", "-i", input};
                 if (speed != "1") peer.insert(peer.end(), {"-vf", "setpts=PTS/" + speed, "-r", "30"});
                 peer.insert(peer.end(), {"-c:v", encoder, "-preset", "fast", "-b:v", chosenBitRate(ours.back().output),
