@@ -1,4 +1,4 @@
-// The parsers.
+// The parsers of the headless export's texts.
 #include "cli/arguments.h"
 
 #include "cli/decimal.h"
@@ -21,7 +21,8 @@ constexpr double shortestTrim = 0.001; // seconds
 constexpr std::size_t mostFlowRanges = 1000;
 constexpr double lowestZoom = 1.1;
 constexpr double highestZoom = 4;
-constexpr double longestRamp = 3; // seconds of output
+constexpr double defaultRamp = 0.6; // seconds of output
+constexpr double longestRamp = 3;
 
 enum class EmptyPieces { keep, drop };
 
@@ -87,6 +88,7 @@ ZoomMode parseZoomMode(std::string word) {
     return ZoomMode::inOut;
 }
 
+/// The values of a focal field, the frame's middle where it holds none.
 std::vector<double> parseFocal(const std::string& text) {
     std::vector<double> values = numbersIn(text, '>');
     for (double& value : values)
@@ -102,21 +104,19 @@ std::optional<ZoomBlock> parseZoomBlock(const std::string& text) {
     const auto amount = parseDecimal(fields[1]);
     if (times.size() != 2 || !amount) return std::nullopt;
 
-    const auto field = [&](std::size_t i, const char* otherwise) {
-        return fields.size() > i ? fields[i] : std::string(otherwise);
-    };
-    const auto xs = parseFocal(field(3, "0.5"));
-    const auto ys = parseFocal(field(4, "0.5"));
+    const auto field = [&](std::size_t i) { return fields.size() > i ? fields[i] : std::string(); };
+    const auto xs = parseFocal(field(3));
+    const auto ys = parseFocal(field(4));
     ZoomBlock block;
     block.id = Uuid::random();
     block.startTime = times[0];
     block.endTime = times[1];
     block.amount = std::clamp(*amount, lowestZoom, highestZoom);
-    block.mode = parseZoomMode(field(2, "inout"));
+    block.mode = parseZoomMode(field(2));
     block.focalX = xs.front();
     block.focalY = ys.front();
     if (xs.size() > 1 || ys.size() > 1) block.focalKeyframes = {{0, xs.front(), ys.front()}, {1, xs.back(), ys.back()}};
-    block.rampDuration = std::clamp(parseDecimal(field(5, "0.6")).value_or(0.6), 0.0, longestRamp);
+    block.rampDuration = std::clamp(parseDecimal(field(5)).value_or(defaultRamp), 0.0, longestRamp);
     return block;
 }
 
@@ -183,10 +183,12 @@ std::optional<SourceRanges> parseOpticalFlowRanges(const std::optional<std::stri
 double parseAspect(const std::optional<std::string>& text) {
     if (!text || text->empty()) return defaultAspect;
     const auto pair = parsePair(*text, EmptyPieces::drop);
-    if (!pair || !(pair->first > 0) || !(pair->second > 0) || !std::isfinite(pair->first / pair->second))
+    const double aspect = pair && pair->first > 0 && pair->second > 0 ? pair->first / pair->second : 0;
+    // The quotient of two valid numbers can still overflow or vanish.
+    if (!(aspect > 0) || !std::isfinite(aspect))
         throw FlowtideError::invalidArgument(
             fmt::format("Invalid crop aspect \"{}\" — expected width:height, e.g. 9:16", *text));
-    return pair->first / pair->second;
+    return aspect;
 }
 
 std::optional<VerticalCropSettings> parseVerticalCrop(const std::optional<std::string>& text, double aspect,

@@ -8,35 +8,47 @@
 namespace flowtide {
 
 namespace {
+
 // Ends the waiting thread; sent to it alone.
 constexpr int wakeUp = SIGUSR1;
+
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
 } // namespace
 
-CancelOnSignal::CancelOnSignal(std::function<void()> cancel) {
-    sigset_t signals;
-    sigemptyset(&signals);
-    for (const int signal : {SIGINT, SIGTERM, wakeUp})
-        sigaddset(&signals, signal);
-    pthread_sigmask(SIG_BLOCK, &signals, &previousMask_);
-    waiter_ = std::thread([signals, cancel = std::move(cancel)] {
-        int signal = 0;
-        if (sigwait(&signals, &signal) != 0 || signal == wakeUp) return;
-        cancel();
-        sigset_t requests = signals;
-        sigdelset(&requests, wakeUp);
-        // This thread takes the next request, with its default action: the end of the process.
-        pthread_sigmask(SIG_UNBLOCK, &requests, nullptr);
-        sigset_t wake;
-        sigemptyset(&wake);
-        sigaddset(&wake, wakeUp);
-        sigwait(&wake, &signal);
-    });
+CancelOnSignal::CancelOnSignal(std::function<void()> cancel)
+    : cancel_(std::move(cancel)) {
+    sigemptyset(&requests_);
+    for (const int signal : {SIGINT, SIGTERM})
+        if (!isIgnored(signal)) sigaddset(&requests_, signal);
+    sigset_t blocked = requests_;
+    sigaddset(&blocked, wakeUp);
+    pthread_sigmask(SIG_BLOCK, &blocked, &previousMask_);
+    waiter_ = std::thread([this] { wait(); });
 }
 
 CancelOnSignal::~CancelOnSignal() {
+    ending_ = true;
     pthread_kill(waiter_.native_handle(), wakeUp);
     waiter_.join();
     pthread_sigmask(SIG_SETMASK, &previousMask_, nullptr);
+}
+
+void CancelOnSignal::wait() {
+    sigset_t awaited = requests_;
+    sigaddset(&awaited, wakeUp);
+    while (!ending_) {
+        int signal = 0;
+        if (sigwait(&awaited, &signal) != 0 || signal == wakeUp) continue;
+        cancel_();
+        // From here on this thread takes the next request, with its default action: the end of the process.
+        pthread_sigmask(SIG_UNBLOCK, &requests_, nullptr);
+        sigemptyset(&awaited);
+        sigaddset(&awaited, wakeUp);
+    }
 }
 
 } // namespace flowtide

@@ -3,13 +3,15 @@
 
 #include <signal.h>
 
+#include <atomic>
 #include <functional>
 #include <thread>
 
 namespace flowtide {
 
-/// While it lives, the first SIGINT or SIGTERM calls a function instead of ending the process, and a second one ends
-/// it. Made before any other thread starts, so that every thread inherits the blocked signals.
+/// While it lives, the first SIGINT or SIGTERM calls a function (on a thread of its own) instead of ending the
+/// process, and a second one ends it. Signals that the process was started to ignore stay ignored. Made before any
+/// other thread starts, so that every thread inherits the blocked signals.
 class CancelOnSignal {
 public:
     explicit CancelOnSignal(std::function<void()> cancel);
@@ -18,7 +20,12 @@ public:
     CancelOnSignal& operator=(const CancelOnSignal&) = delete;
 
 private:
+    void wait();
+
+    std::function<void()> cancel_;
+    sigset_t requests_{}; ///< the signals that cancel
     sigset_t previousMask_{};
+    std::atomic<bool> ending_ = false;
     std::thread waiter_;
 };
 

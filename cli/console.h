@@ -1,7 +1,6 @@
 // The two streams that a run prints to.
 #pragma once
 
-#include <functional>
 #include <ostream>
 #include <string_view>
 

@@ -2,31 +2,34 @@
 #include "cli/decimal.h"
 
 #include <fmt/format.h>
+#include <locale.h>
 
-#include <charconv>
 #include <cmath>
-#include <system_error>
+#include <cstdlib>
+#include <memory>
+#include <type_traits>
 
 namespace flowtide::HeadlessExport {
 
+namespace {
+
+struct LocaleDeleter {
+    void operator()(locale_t locale) const { ::freelocale(locale); }
+};
+using Locale = std::unique_ptr<std::remove_pointer_t<locale_t>, LocaleDeleter>;
+
+} // namespace
+
 std::optional<double> parseDecimal(std::string_view text) {
-    if (!text.empty() && text.front() == '+') {
-        text.remove_prefix(1);
-        if (!text.empty() && text.front() == '-') return std::nullopt;
-    }
-    // The library would also take "inf" and "nan".
-    if (text.find_first_not_of("0123456789.eE+-") != std::string_view::npos) return std::nullopt;
-    double value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (end != text.data() + text.size()) return std::nullopt;
-    if (error == std::errc::result_out_of_range) {
-        // Too small to tell from zero is a number; too large is none.
-        const auto exponent = text.find_first_of("eE");
-        const bool tiny = exponent != std::string_view::npos && text.substr(exponent + 1).starts_with('-');
-        return tiny ? std::optional<double>(0.0) : std::nullopt;
-    }
-    if (error != std::errc() || !std::isfinite(value)) return std::nullopt;
-    return value;
+    // The library would also take blanks, "inf", "nan" and hexadecimal.
+    if (text.empty() || text.find_first_not_of("0123456789.eE+-") != std::string_view::npos) return std::nullopt;
+    // A toolkit may set the process's locale to one with a decimal comma.
+    static const Locale classic(::newlocale(LC_ALL_MASK, "C", nullptr));
+    const std::string terminated(text);
+    char* end = nullptr;
+    const double value = ::strtod_l(terminated.c_str(), &end, classic.get());
+    if (end != terminated.c_str() + terminated.size() || !std::isfinite(value)) return std::nullopt;
+    return value + 0.0; // makes "-0" plain zero
 }
 
 std::string shortestDecimal(double value) {

@@ -91,16 +91,18 @@ VideoFrame drawFrame(int index) {
     return frame;
 }
 
-std::vector<float> drawSound() {
+/// The sound under one frame: a tone that rises, and at each half turn a click from the side the light is on.
+std::vector<float> drawSound(int index) {
+    constexpr int samplesPerFrame = sampleRate / framesPerSecond;
     std::vector<float> samples;
-    for (int n = 0; n < frameCount / framesPerSecond * sampleRate; ++n) {
+    for (int n = index * samplesPerFrame; n < (index + 1) * samplesPerFrame; ++n) {
         const double seconds = static_cast<double>(n) / sampleRate;
         const double tone = 0.12 * std::sin(2 * std::numbers::pi * (220 * seconds + 15 * seconds * seconds));
         const double sinceClick = std::fmod(seconds, halfTurnSeconds);
         const double click = 0.5 * std::exp(-sinceClick * 90) * std::sin(2 * std::numbers::pi * 1200 * sinceClick);
-        const double side = 0.5 + 0.45 * std::cos(std::numbers::pi * seconds / halfTurnSeconds);
-        samples.push_back(static_cast<float>(tone + click * (1 - side)));
-        samples.push_back(static_cast<float>(tone + click * side));
+        const double rightShare = 0.5 + 0.45 * std::cos(std::numbers::pi * seconds / halfTurnSeconds);
+        samples.push_back(static_cast<float>(tone + click * (1 - rightShare)));
+        samples.push_back(static_cast<float>(tone + click * rightShare));
     }
     return samples;
 }
@@ -122,10 +124,11 @@ void makeDemoClip(const MediaBackend& backend, const std::filesystem::path& path
     audio.bitRate = 192'000;
     writer->addAudio(audio);
     writer->start();
-    for (int i = 0; i < frameCount; ++i)
+    for (int i = 0; i < frameCount; ++i) {
         writer->appendVideo(drawFrame(i), i);
+        writer->appendAudio(drawSound(i));
+    }
     writer->finishVideo();
-    writer->appendAudio(drawSound());
     writer->finishAudio();
     writer->finish();
     file.moveIntoPlace();
@@ -147,9 +150,11 @@ int runDemo(const std::filesystem::path& folder, const MediaBackend& backend, co
         request.outputURL = retimed;
         ExportEngine engine(backend, [](std::string_view) {});
         const ExportValidationReport report = engine.run(request, [](double) {});
-        console.print("Made a four-second clip:       " + std::filesystem::absolute(source).string());
-        console.print("Slowed it down to a quarter:   " + std::filesystem::absolute(retimed).string());
-        console.print("Verified against its source:   " + report.summary);
+        console.print(
+            fmt::format("The clip, four seconds long, is at {}.", std::filesystem::absolute(source).string()));
+        console.print(fmt::format("The export, which slows down to a quarter of the speed and back, is at {}.",
+                                  std::filesystem::absolute(retimed).string()));
+        console.print(fmt::format("It was verified against the clip: {}.", report.summary));
         return 0;
     } catch (const std::exception& error) {
         console.complain(fmt::format("The demo failed: {}", error.what()));

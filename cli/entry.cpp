@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
+#include <string>
 
 namespace flowtide::FlowtideMain {
 
@@ -22,22 +24,25 @@ bool hasDisplay() {
     return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");
 }
 
-int startWindow(const HeadlessExport::Arguments& arguments, const Console& console) {
+/// The first word that looks like an option, if any.
+std::optional<std::string> firstOption(const HeadlessExport::Arguments& arguments) {
     const auto option =
         std::find_if(arguments.begin(), arguments.end(), [](const auto& word) { return word.starts_with('-'); });
-    if (option != arguments.end())
-        console.complain(fmt::format("Unknown option {}. Try --help.", *option));
-    else if (!hasDisplay())
+    return option == arguments.end() ? std::nullopt : std::optional(*option);
+}
+
+int startWindow(const Console& console) {
+    if (hasDisplay())
+        console.complain("This version of Loftwell Video has no window yet. Use --headless-export; --help tells how.");
+    else
         console.complain("Loftwell Video found no display to open its window on. To export without a window, use "
                          "--headless-export; --help tells how.");
-    else
-        console.complain("This version of Loftwell Video has no window yet. Use --headless-export; --help tells how.");
     return 1;
 }
 
 } // namespace
 
-int run(const HeadlessExport::Arguments& arguments, const MediaBackend& backend, const Console& console) {
+int main(const HeadlessExport::Arguments& arguments, const MediaBackend& backend, const Console& console) {
     const auto has = [&](const char* word) {
         return std::find(arguments.begin(), arguments.end(), word) != arguments.end();
     };
@@ -50,9 +55,13 @@ int run(const HeadlessExport::Arguments& arguments, const MediaBackend& backend,
         console.print(fmt::format("Loftwell Video {} (Flowtide)", FLOWTIDE_VERSION));
         return 0;
     }
+    if (const auto option = firstOption(arguments)) {
+        console.complain(fmt::format("Unknown option {}. See --help.", *option));
+        return 1;
+    }
     if (!arguments.empty() && arguments.front() == "demo")
         return runDemo(arguments.size() > 1 ? arguments[1] : "flowtide-demo", backend, console);
-    return startWindow(arguments, console);
+    return startWindow(console);
 }
 
 } // namespace flowtide::FlowtideMain

@@ -8,6 +8,6 @@
 namespace flowtide::FlowtideMain {
 
 /// Runs the program on its arguments (without its own name) and returns the exit status.
-int run(const HeadlessExport::Arguments& arguments, const MediaBackend& backend, const Console& console);
+int main(const HeadlessExport::Arguments& arguments, const MediaBackend& backend, const Console& console);
 
 } // namespace flowtide::FlowtideMain

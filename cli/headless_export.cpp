@@ -5,6 +5,7 @@
 #include "cli/decimal.h"
 #include "cli/export_job.h"
 #include "cli/progress_bar.h"
+#include "cli/run_display.h"
 #include "core/curve_engine.h"
 #include "media/export_engine.h"
 #include "media/flowtide_error.h"
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace flowtide::HeadlessExport {
 
@@ -53,47 +55,32 @@ std::string zoomText(const ZoomBlock& block) {
                        shortestDecimal(block.amount), caseName());
 }
 
-void printJob(const HeadlessExportJob& job, const Console& console) {
-    console.print("[Headless] Curve: " + joined(job.keyframes, pointText, ", "));
-    console.print("[Headless] Source range: " + rangeText(job.sourceRange));
+void printJob(const HeadlessExportJob& job, RunDisplay& display) {
+    display.print("[Headless] Curve: " + joined(job.keyframes, pointText, ", "));
+    display.print("[Headless] Source range: " + rangeText(job.sourceRange));
     if (job.verticalCrop) {
         const auto& points = job.verticalCrop->centerKeyframes;
-        console.print("[Headless] Vertical crop centering: " +
+        display.print("[Headless] Vertical crop centering: " +
                       (points.empty() ? std::string("center") : joined(points, pointText, ", ")));
     }
-    if (job.zoom) console.print("[Headless] Zoom blocks: " + joined(job.zoom->blocks, zoomText, "; "));
+    if (job.zoom && !job.zoom->blocks.empty())
+        display.print("[Headless] Zoom blocks: " + joined(job.zoom->blocks, zoomText, "; "));
 }
 
-void deriveOpticalFlowRanges(HeadlessExportJob& job, const ImportedClip& clip, const Console& console) {
+void deriveOpticalFlowRanges(HeadlessExportJob& job, const ImportedClip& clip, RunDisplay& display) {
     if (job.opticalFlowRanges || job.interpolation == FrameInterpolation::nearest) return;
     job.opticalFlowRanges = AutomaticOpticalFlow::ranges(job.keyframes, job.smoothing, clip.duration, job.sourceRange,
                                                          clip.frameRate, job.smoothFrameRate);
     const std::string ranges = joined(*job.opticalFlowRanges, rangeText, ", ");
-    console.print(fmt::format("[Headless] Optical Flow ranges (auto, {} fps): {}",
-                              static_cast<long long>(std::min(job.smoothFrameRate, 1e15)),
+    constexpr double largestPrinted = 1e15; // stays whole in a double and fits the integer
+    display.print(fmt::format("[Headless] Optical Flow ranges (auto, {} fps): {}",
+                              static_cast<long long>(std::min(job.smoothFrameRate, largestPrinted)),
                               ranges.empty() ? "none" : ranges));
 }
 
-std::unique_ptr<ProgressBar> progressBar(const ExportRequest& request, const Console& console) {
-    const auto columns = standardErrorColumns();
-    if (!columns) return nullptr;
-    const TimeMap map = CurveEngine::buildTimeMap(request.keyframes, request.clip.duration, request.sourceRange,
-                                                  CurveEngine::exportTimeMapSteps, request.smoothing);
-    return std::make_unique<ProgressBar>(outputFrameCount(map.outputDuration(), request.clip.frameDuration), *columns,
-                                         [&console](const std::string& text) { console.error << text << std::flush; });
-}
-
-void runExport(const Arguments& arguments, const MediaBackend& backend, const Console& console) {
-    const HeadlessExportArguments parsed = parseArguments(arguments);
-    ExportEngine engine(backend, [&console](std::string_view line) { console.print(line); });
-    const CancelOnSignal cancelOnSignal([&engine] { engine.cancel(); });
+ExportRequest requestFor(const HeadlessExportJob& job, ImportedClip clip) {
     ExportRequest request;
-    request.clip = ImportedClip::load(backend, parsed.input);
-    HeadlessExportJob job =
-        parseJob(parsed, request.clip.duration, [&console](const std::string& warning) { console.complain(warning); });
-    deriveOpticalFlowRanges(job, request.clip, console);
-    printJob(job, console);
-
+    request.clip = std::move(clip);
     request.keyframes = job.keyframes;
     request.sourceRange = job.sourceRange;
     request.smoothing = job.smoothing;
@@ -102,29 +89,52 @@ void runExport(const Arguments& arguments, const MediaBackend& backend, const Co
     request.verticalCrop = job.verticalCrop;
     request.zoom = job.zoom;
     request.outputURL = job.output;
-    const ExportValidationReport report = [&] {
-        const auto bar = progressBar(request, console);
-        return engine.run(request, [&bar](double fraction) {
-            if (bar) bar->update(fraction);
-        });
-    }();
-    console.print("[Headless] Done — verified " + report.summary);
+    return request;
 }
 
-void runProxy(const Arguments& arguments) {
-    const auto word = std::find(arguments.begin(), arguments.end(), "--headless-proxy");
-    if (arguments.end() - word < 2) throw FlowtideError::invalidArgument("Usage: Flowtide --headless-proxy <input>");
-    throw FlowtideError::proxyFailed("This version cannot build proxies yet.");
+void showProgressBar(const ExportRequest& request, const Console& console, RunDisplay& display) {
+    if (!standardErrorIsTerminal()) return;
+    const TimeMap map = CurveEngine::buildTimeMap(request.keyframes, request.clip.duration, request.sourceRange,
+                                                  CurveEngine::exportTimeMapSteps, request.smoothing);
+    display.show(std::make_unique<ProgressBar>(
+        outputFrameCount(map.outputDuration(), request.clip.frameDuration), standardErrorColumns,
+        [&error = console.error](const std::string& text) { error << text << std::flush; }));
 }
 
 } // namespace
 
+void runAsync(const Arguments& arguments, const MediaBackend& backend, const Console& console) {
+    const HeadlessExportArguments parsed = parseArguments(arguments);
+    RunDisplay display(console);
+    ExportEngine engine(backend, [&display](std::string_view line) { display.print(line); });
+    const CancelOnSignal cancelOnSignal([&engine] { engine.cancel(); });
+
+    ImportedClip clip = ImportedClip::load(backend, parsed.input);
+    HeadlessExportJob job =
+        parseJob(parsed, clip.duration, [&display](const std::string& warning) { display.warn(warning); });
+    deriveOpticalFlowRanges(job, clip, display);
+    printJob(job, display);
+
+    const ExportRequest request = requestFor(job, std::move(clip));
+    showProgressBar(request, console, display);
+    const ExportValidationReport report =
+        engine.run(request, [&display](double fraction) { display.progress(fraction); });
+    display.hideBar();
+    display.print("[Headless] Done — verified " + report.summary);
+}
+
+void runProxyAsync(const Arguments& arguments) {
+    const auto word = std::find(arguments.begin(), arguments.end(), "--headless-proxy");
+    if (arguments.end() - word < 2) throw FlowtideError::invalidArgument("Usage: Flowtide --headless-proxy <input>");
+    throw FlowtideError::proxyFailed("Building proxies is not available in this version.");
+}
+
 int run(const Arguments& arguments, const MediaBackend& backend, const Console& console) {
     try {
         if (std::find(arguments.begin(), arguments.end(), "--headless-proxy") != arguments.end())
-            runProxy(arguments);
+            runProxyAsync(arguments);
         else
-            runExport(arguments, backend, console);
+            runAsync(arguments, backend, console);
         return 0;
     } catch (const std::exception& error) {
         console.complain(fmt::format("[Headless] Export failed: {}", error.what()));

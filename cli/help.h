@@ -19,10 +19,13 @@ reopened and compared with the input before it replaces anything.
 
 Positional arguments of --headless-export:
   curve      time:speed,…     Points of the speed curve: source seconds and a speed
-                              from 0.01 to 100 (1 is real time). Default: 1 throughout.
+                              from 0.01 to 100 (1 is real time). The exported part
+                              starts and ends at speed 1 unless a point stands there;
+                              points outside it have no effect. Default: 1 throughout.
   smoothing  0…1              0 draws straight lines between the points, 1 a smooth
                               curve. Default: 0.5.
-  trim       start:end        The part of the source to export, in seconds.
+  trim       start:end        The part of the source to export, in seconds. Default:
+                              the whole clip.
 
 Options, anywhere on the line, each with one value:
   --interpolation WORD        nearest (repeat original frames, the default) or
@@ -40,8 +43,10 @@ Options, anywhere on the line, each with one value:
                               focal point, speed is the ramp in seconds.
 
 Examples:
-  Flowtide --headless-export take.mov slow.mov 0:1,1:0.25,2:1
-  Flowtide --headless-export take.mp4 half.mp4 0:0.5 0 2.5:6
+  Flowtide --headless-export take.mov dip.mov 0:1,1:0.25,2:1
+      slows down to a quarter of the speed one second in, and back.
+  Flowtide --headless-export take.mp4 half.mp4 2.5:0.5,6:0.5 0 2.5:6
+      plays the part from 2.5 to 6 seconds at half speed.
 
 Exit status: 0 on success; 1 after one line on standard error, with the destination
 as it was. Ctrl-C cancels and leaves nothing behind.

@@ -12,9 +12,11 @@ int main(int argc, char** argv) {
     try {
         const auto backend = flowtide::makeFFmpegBackend();
         const flowtide::HeadlessExport::Arguments arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-        return flowtide::FlowtideMain::run(arguments, *backend, {std::cout, std::cerr});
+        return flowtide::FlowtideMain::main(arguments, *backend, {std::cout, std::cerr});
     } catch (const std::exception& error) {
         std::cerr << "Loftwell Video ended unexpectedly: " << error.what() << '\n';
-        return 1;
+    } catch (...) {
+        std::cerr << "Loftwell Video ended unexpectedly.\n";
     }
+    return 1;
 }

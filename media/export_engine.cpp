@@ -101,6 +101,7 @@ ExportValidationReport ExportEngine::run(const ExportRequest& request, const Pro
     expected.displaySize = plan.displaySize;
     expected.outputDuration = plan.timeMap.outputDuration();
     expected.sourceRange = plan.timeMap.sourceRange();
+    expected.socialCropApplied = plan.framing.crop.has_value();
     expected.fileType = request.clip.fileType;
     ExportValidationReport report = validateOutputFile(backend_, file->path(), request.clip, expected);
     log_("[Export] Verification passed: " + report.summary);

@@ -3,6 +3,7 @@
 
 #include "core/optical_flow_ranges.h"
 #include "core/time_map.h"
+#include "media/crop_zoom_renderer.h"
 #include "media/export_engine.h"
 #include "media/export_settings.h"
 #include "media/frame_interpolation.h"
@@ -17,6 +18,7 @@ struct ExportPlan {
     VideoSettings video;
     std::optional<AudioSettings> audio;
     OutputSize displaySize;
+    FramingPlan framing;
     std::int64_t frameCount = 0;
     FrameInterpolation interpolation = FrameInterpolation::nearest;
     SourceRanges opticalFlowRanges; ///< normalised within the map's source range

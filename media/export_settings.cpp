@@ -77,7 +77,8 @@ VideoSettings videoSettings(const ImportedClip& clip, VideoCodec codec, OutputSi
     settings.expectedFrameRate = static_cast<int>(std::lround(clip.frameRate));
     settings.expectedDuration = outputDuration;
     settings.displayMatrix = clip.displayMatrix;
-    if (clip.videoColorProperties) settings.color = completedColor(*clip.videoColorProperties, size);
+    if (clip.videoColorProperties)
+        settings.color = completedColor(*clip.videoColorProperties, {clip.encodedWidth, clip.encodedHeight});
     if (!isProRes(codec)) {
         const double sourceArea = static_cast<double>(clip.encodedWidth) * static_cast<double>(clip.encodedHeight);
         const double outputArea = static_cast<double>(size.width) * static_cast<double>(size.height);

@@ -1,6 +1,7 @@
 // What an export is encoded as: pure decisions on the probe record.
 #pragma once
 
+#include "core/output_size.h"
 #include "media/imported_clip.h"
 #include "media/media_io.h"
 #include "media/video_frame.h"
@@ -11,13 +12,6 @@
 #include <vector>
 
 namespace flowtide {
-
-/// The size of an encoded output, in pixels.
-struct OutputSize {
-    std::int64_t width = 0;
-    std::int64_t height = 0;
-    friend bool operator==(const OutputSize&, const OutputSize&) = default;
-};
 
 /// The source's codec where it can be written, else HEVC.
 VideoCodec outputCodec(const ImportedClip& clip);

@@ -2,6 +2,7 @@
 #include "media/interleaved_render.h"
 
 #include "media/audio_retimer.h"
+#include "media/crop_zoom_renderer.h"
 #include "media/flowtide_error.h"
 #include "media/frame_schedule.h"
 #include "media/interleave_gate.h"
@@ -105,6 +106,7 @@ private:
     void writeVideo() {
         const ExportPlan& plan = inputs_.plan;
         HeldFrames held(inputs_.video);
+        CropZoomRenderer framing(plan.framing);
         std::size_t cursor = 0;
         for (std::int64_t i = 0; i < plan.frameCount; ++i) {
             if (shouldStop()) return;
@@ -112,7 +114,7 @@ private:
             const SourceSeconds sourceTime = plan.timeMap.sourceTime(outputTime, cursor);
             held.advanceTo(sourceTime);
             if (!held.previous()) return;
-            inputs_.writer.appendVideo(frameAt(held, sourceTime), i);
+            inputs_.writer.appendVideo(framing.render(frameAt(held, sourceTime), sourceTime, i), i);
             state_.setFramesWritten(i + 1, plan.frameCount);
             gate_.advance(Track::video, plan.video.frameDuration.secondsTimes(i + 1));
         }

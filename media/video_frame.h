@@ -17,11 +17,22 @@ struct PixelLayout {
     bool fullRange = false;
     friend bool operator==(const PixelLayout&, const PixelLayout&) = default;
 
-    int bytesPerSample() const { return bitDepth > 8 ? 2 : 1; }
+    constexpr int bytesPerSample() const { return bitDepth > 8 ? 2 : 1; }
     /// Right shifts from luma to chroma sizes.
-    int horizontalChromaShift() const { return chroma == ChromaSubsampling::yuv444 ? 0 : 1; }
-    int verticalChromaShift() const { return chroma == ChromaSubsampling::yuv420 ? 1 : 0; }
+    constexpr int horizontalChromaShift() const { return chroma == ChromaSubsampling::yuv444 ? 0 : 1; }
+    constexpr int verticalChromaShift() const { return chroma == ChromaSubsampling::yuv420 ? 1 : 0; }
 };
+
+/// Samples in a row of plane 0 (luma), 1 or 2 (chroma) of a frame `width` luma samples wide.
+constexpr int planeWidth(PixelLayout layout, int width, std::size_t plane) {
+    const int shift = plane == 0 ? 0 : layout.horizontalChromaShift();
+    return (width + (1 << shift) - 1) >> shift;
+}
+/// Rows of a plane of a frame `height` luma rows high.
+constexpr int planeHeight(PixelLayout layout, int height, std::size_t plane) {
+    const int shift = plane == 0 ? 0 : layout.verticalChromaShift();
+    return (height + (1 << shift) - 1) >> shift;
+}
 
 /// Three planes and a share in the memory behind them. Copies are cheap and show the same pixels; nobody writes to a
 /// frame once it has been handed on.

@@ -12,8 +12,9 @@ namespace {
 /// Absolute, without "." and "..", symbolic links resolved as far as the path exists.
 std::filesystem::path resolved(const std::filesystem::path& path) {
     std::error_code error;
-    const auto canonical = std::filesystem::weakly_canonical(path, error);
-    return error ? std::filesystem::absolute(path, error).lexically_normal() : canonical;
+    const auto absolute = std::filesystem::absolute(path, error);
+    const auto canonical = std::filesystem::weakly_canonical(absolute, error);
+    return error ? absolute.lexically_normal() : canonical;
 }
 
 } // namespace

@@ -85,9 +85,9 @@ CodecContextPtr openVideoEncoder(const VideoSettings& settings, const CarriedMet
     context->framerate = av_inv_q(context->time_base);
     context->color_range = settings.layout.fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
     const ColorCodes color = colorCodes(settings.color);
-    context->color_primaries = color.primaries;
-    context->color_trc = color.transfer;
-    context->colorspace = color.matrix;
+    context->color_primaries = static_cast<AVColorPrimaries>(color.primaries);
+    context->color_trc = static_cast<AVColorTransferCharacteristic>(color.transfer);
+    context->colorspace = static_cast<AVColorSpace>(color.matrix);
     context->sample_aspect_ratio = {static_cast<int>(metadata.sampleAspectRatio.numerator),
                                     static_cast<int>(metadata.sampleAspectRatio.denominator)};
     context->bit_rate = settings.averageBitRate.value_or(0);

@@ -30,7 +30,7 @@ AVPixelFormat withoutRange(int format) {
 }
 
 bool isFullRange(const AVFrame& frame) {
-    return withoutRange(frame.format) != frame.format || frame.color_range == AVCOL_RANGE_JPEG;
+    return withoutRange(frame.format) != frame.format || codeIn(frame.color_range) == AVCOL_RANGE_JPEG;
 }
 
 VideoFrame shared(FramePtr frame, PixelLayout layout) {
@@ -45,13 +45,18 @@ VideoFrame shared(FramePtr frame, PixelLayout layout) {
 }
 
 const int* coefficients(const AVFrame& frame) {
-    const bool unspecified = frame.colorspace == AVCOL_SPC_UNSPECIFIED || frame.colorspace == AVCOL_SPC_RGB;
-    return sws_getCoefficients(unspecified ? (frame.height > 576 ? SWS_CS_ITU709 : SWS_CS_ITU601) : frame.colorspace);
+    const int matrix = codeIn(frame.colorspace);
+    const bool known = matrix != AVCOL_SPC_UNSPECIFIED && matrix != AVCOL_SPC_RGB;
+    return sws_getCoefficients(known ? matrix : frame.height > 576 ? SWS_CS_ITU709 : SWS_CS_ITU601);
 }
 
-template <typename Code>
-std::optional<std::string> tagName(Code code, const char* (*name)(Code), Code unspecified) {
-    const char* text = code == unspecified || static_cast<int>(code) == 0 ? nullptr : name(code);
+/// A code's standard name; nothing for "unspecified", for 0 (RGB or reserved, which no YCbCr track means) and for
+/// numbers that no standard gives.
+template <typename Enumeration>
+std::optional<std::string> tagName(int code, int codeCount, const char* (*name)(Enumeration)) {
+    constexpr int unspecified = 2; // in all three tables
+    if (code <= 0 || code == unspecified || code >= codeCount) return std::nullopt;
+    const char* text = name(static_cast<Enumeration>(code));
     return text ? std::optional<std::string>(text) : std::nullopt;
 }
 
@@ -77,20 +82,17 @@ ColorCodes colorCodes(const std::optional<ColorProperties>& color) {
         const int value = name ? fromName(name->c_str()) : unspecified;
         return value < 0 ? unspecified : value;
     };
-    codes.primaries =
-        static_cast<AVColorPrimaries>(code(color->primaries, av_color_primaries_from_name, AVCOL_PRI_UNSPECIFIED));
-    codes.transfer = static_cast<AVColorTransferCharacteristic>(
-        code(color->transferFunction, av_color_transfer_from_name, AVCOL_TRC_UNSPECIFIED));
-    codes.matrix = static_cast<AVColorSpace>(code(color->matrix, av_color_space_from_name, AVCOL_SPC_UNSPECIFIED));
+    codes.primaries = code(color->primaries, av_color_primaries_from_name, AVCOL_PRI_UNSPECIFIED);
+    codes.transfer = code(color->transferFunction, av_color_transfer_from_name, AVCOL_TRC_UNSPECIFIED);
+    codes.matrix = code(color->matrix, av_color_space_from_name, AVCOL_SPC_UNSPECIFIED);
     return codes;
 }
 
 std::optional<ColorProperties> colorProperties(const ColorCodes& codes) {
     ColorProperties tags;
-    tags.primaries = tagName(codes.primaries, av_color_primaries_name, AVCOL_PRI_UNSPECIFIED);
-    tags.transferFunction = tagName(codes.transfer, av_color_transfer_name, AVCOL_TRC_UNSPECIFIED);
-    // Code 0 is RGB here, which no YCbCr track means.
-    tags.matrix = tagName(codes.matrix, av_color_space_name, AVCOL_SPC_UNSPECIFIED);
+    tags.primaries = tagName(codes.primaries, AVCOL_PRI_NB, av_color_primaries_name);
+    tags.transferFunction = tagName(codes.transfer, AVCOL_TRC_NB, av_color_transfer_name);
+    tags.matrix = tagName(codes.matrix, AVCOL_SPC_NB, av_color_space_name);
     if (!tags.primaries && !tags.transferFunction && !tags.matrix) return std::nullopt;
     return tags;
 }

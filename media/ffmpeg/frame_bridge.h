@@ -5,6 +5,7 @@
 #include "media/imported_clip.h"
 #include "media/video_frame.h"
 
+#include <cstring>
 #include <optional>
 #include <string>
 
@@ -14,10 +15,20 @@ AVPixelFormat pixelFormat(PixelLayout layout);
 
 /// libav's numbers for a clip's colour tags.
 struct ColorCodes {
-    AVColorPrimaries primaries = AVCOL_PRI_UNSPECIFIED;
-    AVColorTransferCharacteristic transfer = AVCOL_TRC_UNSPECIFIED;
-    AVColorSpace matrix = AVCOL_SPC_UNSPECIFIED;
+    int primaries = AVCOL_PRI_UNSPECIFIED;
+    int transfer = AVCOL_TRC_UNSPECIFIED;
+    int matrix = AVCOL_SPC_UNSPECIFIED;
 };
+
+/// The number in a field of one of libav's enumerations. Decoders copy whatever byte a file has there, so that reading
+/// it as the enumeration would be undefined.
+template <typename Enumeration>
+int codeIn(const Enumeration& field) {
+    static_assert(sizeof(Enumeration) == sizeof(int));
+    int code = 0;
+    std::memcpy(&code, &field, sizeof code);
+    return code;
+}
 ColorCodes colorCodes(const std::optional<ColorProperties>& color);
 /// The tags that are present; nothing when none is.
 std::optional<ColorProperties> colorProperties(const ColorCodes& codes);

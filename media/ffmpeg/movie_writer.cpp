@@ -99,9 +99,9 @@ public:
     void appendVideo(const VideoFrame& frame, std::int64_t index) override {
         const FramePtr picture = exportFrame(frame);
         picture->pts = index;
-        picture->color_primaries = color_.primaries;
-        picture->color_trc = color_.transfer;
-        picture->colorspace = color_.matrix;
+        picture->color_primaries = static_cast<AVColorPrimaries>(color_.primaries);
+        picture->color_trc = static_cast<AVColorTransferCharacteristic>(color_.transfer);
+        picture->colorspace = static_cast<AVColorSpace>(color_.matrix);
         if (const int code = encode(video_, picture.get()); code < 0)
             throw FlowtideError::writerFailed(fmt::format("Failed to append video frame {}: {}", index, reason(code)));
     }

@@ -32,7 +32,7 @@ std::optional<FourCC> codeOf(const AVCodecParameters& parameters) {
 }
 
 ColorCodes colorOf(const AVCodecParameters& parameters) {
-    return {parameters.color_primaries, parameters.color_trc, parameters.color_space};
+    return {codeIn(parameters.color_primaries), codeIn(parameters.color_trc), codeIn(parameters.color_space)};
 }
 
 /// The container's tags where it has them, else what the stream itself says.
@@ -79,7 +79,7 @@ void readVideo(AVStream& stream, const ColorCodes& containerColor, ProbedMedia& 
     clip.videoColorProperties = colorProperties(mergedColor(containerColor, colorOf(parameters)));
 
     const auto format = static_cast<AVPixelFormat>(parameters.format);
-    clip.videoIsFullRange = parameters.color_range == AVCOL_RANGE_JPEG || format == AV_PIX_FMT_YUVJ420P ||
+    clip.videoIsFullRange = codeIn(parameters.color_range) == AVCOL_RANGE_JPEG || format == AV_PIX_FMT_YUVJ420P ||
                             format == AV_PIX_FMT_YUVJ422P || format == AV_PIX_FMT_YUVJ444P;
     if (const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format)) {
         clip.videoBitDepth = descriptor->comp[0].depth;

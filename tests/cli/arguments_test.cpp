@@ -35,6 +35,11 @@ Points pointsOf(const SpeedKeyframes& keyframes) {
 TEST(Decimal, WholeStringsOnly) {
     const std::pair<const char*, double> numbers[] = {{"1", 1},  {"-2.5", -2.5},  {"+3", 3},     {".5", 0.5},
                                                       {"4.", 4}, {"1e-3", 0.001}, {"2E+2", 200}, {"1e-999", 0}};
+    const std::string manyZeros(400, '0');
+    EXPECT_EQ(parseDecimal("0." + manyZeros + "1"), 0);
+    EXPECT_EQ(parseDecimal("1" + manyZeros + "e-400"), 1);
+    EXPECT_EQ(parseDecimal("1" + manyZeros + "e-5"), std::nullopt); // beyond all doubles, whatever its exponent's sign
+    EXPECT_FALSE(std::signbit(*parseDecimal("-0")));
     for (const auto& [text, value] : numbers)
         EXPECT_EQ(parseDecimal(text), value) << text;
     for (const char* text : {"",   " 1", "1 ", "1s", "2x", "1,5", "inf", "nan",   "-inf",   "0x10",
@@ -142,12 +147,14 @@ TEST(Arguments, FlowRanges) {
 TEST(Arguments, VerticalCrops) {
     EXPECT_EQ(parseAspect(std::nullopt), 0.5625);
     EXPECT_EQ(parseAspect("4:5"), 0.8);
-    for (const char* text : {"4", "0:1", "4:-5", "a:b", "1e300:1e-300"})
+    for (const char* text : {"4", "0:1", "4:-5", "a:b", "1e300:1e-300", "1e-300:1e300"})
         EXPECT_EQ(refusal([&] { parseAspect(text); }),
                   "Invalid crop aspect \"" + std::string(text) + "\" — expected width:height, e.g. 9:16");
     EXPECT_EQ(parseVerticalCrop(std::nullopt, 0.8, 1, 10, {0, 10}), std::nullopt);
     for (const char* text : {"", "center", "CENTER"})
         EXPECT_TRUE(parseVerticalCrop(text, 0.5625, 0.5, 10, {0, 10})->centerKeyframes.empty()) << text;
+    EXPECT_EQ(pointsOf(parseVerticalCrop(",", 0.5625, 0.5, 10, {0, 10})->centerKeyframes),
+              (Points{{0, 0.5}, {10, 0.5}}));
     const auto crop = parseVerticalCrop("8:2,-1:-1,5:0.25", 0.8, 7, 10, {1, 9});
     EXPECT_EQ(crop->aspectRatio, 0.8);
     EXPECT_EQ(crop->smoothing, 1);
@@ -180,6 +187,7 @@ TEST(Arguments, ZoomBlocks) {
     EXPECT_EQ(moving.mode, ZoomMode::zoomOut);
     EXPECT_EQ(moving.rampDuration, 3);
     EXPECT_EQ(moving.focalKeyframes, (std::vector<ZoomFocalKeyframe>{{0, 0.2, 0.1}, {1, 1, 0.1}}));
+    EXPECT_TRUE(parseZoomBlocks(";")->blocks.empty());
     for (const char* block : {"1:2", "1-2", "1-2-3:2", "1-2:big", "x-2:2", ":"})
         EXPECT_EQ(refusal([&] { parseZoomBlocks(block); }),
                   "Invalid zoom \"" + std::string(block) + "\" — expected start-end:amount[:mode[:fx:fy[:speed]]]");

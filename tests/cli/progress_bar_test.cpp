@@ -3,41 +3,71 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace flowtide {
 namespace {
 
 using namespace std::chrono_literals;
 
-TEST(ProgressBar, DrawsRarelyFitsTheTerminalAndClearsItself) {
-    std::chrono::steady_clock::time_point now;
-    std::vector<std::string> drawn;
+class ProgressBarTest : public testing::Test {
+protected:
+    ProgressBar makeBar() {
+        return {600, [this] { return columns_; }, [this](const std::string& text) { drawn_.push_back(text); },
+                [this] { return now_; }};
+    }
+
+    int columns_ = 60;
+    std::chrono::steady_clock::time_point now_;
+    std::vector<std::string> drawn_;
+};
+
+TEST_F(ProgressBarTest, DrawsRarelyAndClearsItself) {
     {
-        ProgressBar bar(
-            600, 60, [&](const std::string& text) { drawn.push_back(text); }, [&] { return now; });
+        ProgressBar bar = makeBar();
         bar.update(0);
-        now += 50ms;
+        now_ += 50ms;
         bar.update(0.1); // too soon to draw again
-        now += 9950ms;
+        now_ += 9950ms;
         bar.update(0.25);
-        bar.update(1);
-        now += 1s;
+        bar.update(1); // the last step is never too soon
+        now_ += 1s;
         bar.update(1);
     }
-    ASSERT_EQ(drawn.size(), 4U);
-    EXPECT_EQ(drawn[0].find("left"), std::string::npos); // no forecast from nothing
-    EXPECT_NE(drawn[1].find(" 25 %  15.0 fps  0:30 left"), std::string::npos) << drawn[1];
-    EXPECT_EQ(drawn[2], "\r\033[KVerifying export…");
-    EXPECT_EQ(drawn[3], "\r\033[K");
+    ASSERT_EQ(drawn_.size(), 4U);
+    EXPECT_EQ(drawn_[0].find("left"), std::string::npos); // no forecast from nothing
+    EXPECT_NE(drawn_[1].find(" 25 %  15.0 fps  0:30 left"), std::string::npos) << drawn_[1];
+    EXPECT_EQ(drawn_[2], "\r\033[KVerifying export…");
+    EXPECT_EQ(drawn_[3], "\r\033[K");
 }
 
-TEST(ProgressBar, NarrowTerminalsGetTheFiguresAlone) {
-    std::string drawn;
-    std::chrono::steady_clock::time_point now;
-    ProgressBar bar(
-        600, 12, [&](const std::string& text) { drawn = text; }, [&] { return now; });
-    now += 100s;
-    bar.update(0.5);
-    EXPECT_EQ(drawn, "\r\033[K 50 %  3.0 ");
+TEST_F(ProgressBarTest, NothingDrawnNothingCleared) {
+    { ProgressBar bar = makeBar(); }
+    EXPECT_TRUE(drawn_.empty());
+}
+
+TEST_F(ProgressBarTest, FollowsTheTerminalsWidth) {
+    ProgressBar bar = makeBar();
+    for (columns_ = 0; columns_ < 100; ++columns_) {
+        now_ += 10s;
+        bar.update(0.5);
+        const std::string line = drawn_.back().substr(4);
+        const auto shownColumns =
+            std::count_if(line.begin(), line.end(), [](char c) { return (c & '\xC0') != '\x80'; }); // UTF-8 characters
+        EXPECT_LE(shownColumns, std::max(columns_ - 1, 1));
+        const bool hasBar = line.find("█") != std::string::npos;
+        EXPECT_TRUE(columns_ >= 20 || !hasBar) << columns_ << ": " << line;
+        EXPECT_TRUE(columns_ <= 50 || hasBar) << columns_ << ": " << line;
+    }
+}
+
+TEST_F(ProgressBarTest, LinesGoAboveIt) {
+    ProgressBar bar = makeBar();
+    bar.printAbove([&] { drawn_.emplace_back("first"); });
+    bar.update(1);
+    bar.printAbove([&] { drawn_.emplace_back("second"); });
+    const std::string verifying = "\r\033[KVerifying export…";
+    EXPECT_EQ(drawn_, (std::vector<std::string>{"first", verifying, "\r\033[K", "second", verifying}));
 }
 
 } // namespace

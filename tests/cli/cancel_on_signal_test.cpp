@@ -1,0 +1,51 @@
+// Signals as cancellation.
+#include "cli/cancel_on_signal.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <future>
+
+namespace flowtide {
+namespace {
+
+TEST(CancelOnSignalDeathTest, FirstCancelsSecondEndsTheProcess) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    for (const int signal : {SIGINT, SIGTERM}) {
+        EXPECT_EXIT(
+            {
+                std::promise<void> cancelled;
+                const CancelOnSignal cancelOnSignal([&] { cancelled.set_value(); });
+                ::kill(::getpid(), signal);
+                cancelled.get_future().wait();
+                ::kill(::getpid(), signal);
+                for (;;)
+                    ::pause();
+            },
+            testing::KilledBySignal(signal), "");
+    }
+}
+
+TEST(CancelOnSignal, StrayWakeUpsDoNotStopIt) {
+    std::promise<void> cancelled;
+    const CancelOnSignal cancelOnSignal([&] { cancelled.set_value(); });
+    ::kill(::getpid(), SIGUSR1);
+    ::kill(::getpid(), SIGTERM);
+    cancelled.get_future().wait();
+}
+
+TEST(CancelOnSignal, EndsWithoutASignalAndRestoresTheMask) {
+    sigset_t before;
+    pthread_sigmask(SIG_SETMASK, nullptr, &before);
+    {
+        const CancelOnSignal cancelOnSignal([] { FAIL(); });
+    }
+    sigset_t after;
+    pthread_sigmask(SIG_SETMASK, nullptr, &after);
+    for (const int signal : {SIGINT, SIGTERM, SIGUSR1})
+        EXPECT_EQ(sigismember(&after, signal), sigismember(&before, signal)) << signal;
+}
+
+} // namespace
+} // namespace flowtide

@@ -1,0 +1,109 @@
+// The dispatch of headless runs and what they print, on scripted media.
+#include "cli/entry.h"
+#include "cli/headless_export.h"
+#include "tests/support/scripted_media.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace flowtide::test {
+namespace {
+
+class HeadlessExportTest : public testing::Test {
+protected:
+    HeadlessExportTest() {
+        writeFile(folder_ / "in.mov", "scripted");
+        script_.source = plainProbe();
+    }
+
+    int run(HeadlessExport::Arguments arguments) {
+        for (auto& argument : arguments)
+            if (argument.ends_with(".mov")) argument = (folder_ / argument.c_str()).string();
+        output_.str("");
+        error_.str("");
+        return FlowtideMain::main(arguments, ScriptedBackend(script_), {output_, error_});
+    }
+
+    TemporaryFolder folder_;
+    MediaScript script_;
+    std::ostringstream output_;
+    std::ostringstream error_;
+};
+
+TEST_F(HeadlessExportTest, LinesOfAnExport) {
+    EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov", "0:1,0.005:2,2:1"}), 0);
+    EXPECT_EQ(error_.str(), "[Headless] Skipping keyframe at 0.005s — within 0.01s of the previous one\n");
+    const std::string printed = output_.str();
+    EXPECT_TRUE(printed.starts_with("[Headless] Curve: 0.0:1.0, 2.0:1.0\n"
+                                    "[Headless] Source range: 0.000000:2.000000\n"
+                                    "[Export] "))
+        << printed;
+    const auto lastLine = printed.rfind('\n', printed.size() - 2) + 1;
+    EXPECT_TRUE(printed.substr(lastLine).starts_with("[Headless] Done — verified H.264")) << printed;
+    EXPECT_EQ(folder_.names(), (std::vector<std::string>{"in.mov", "out.mov"}));
+}
+
+TEST_F(HeadlessExportTest, AutomaticRangesForOpticalFlowOnly) {
+    const HeadlessExport::Arguments slow = {"--headless-export", "in.mov", "out.mov",
+                                            "0.5:0.5,1.5:0.5",   "0",      "0.5:1.5"};
+    const auto with = [&](std::initializer_list<std::string> options) {
+        HeadlessExport::Arguments arguments = slow;
+        arguments.insert(arguments.end(), options);
+        run(arguments);
+        return output_.str();
+    };
+    const std::string line = "[Headless] Optical Flow ranges (auto, ";
+    const std::string slowLine = line + "24 fps): 0.500000:1.500000\n";
+    EXPECT_TRUE(with({"--interpolation", "optical-flow", "--smooth-fps", "24.9"}).starts_with(slowLine))
+        << output_.str();
+    EXPECT_TRUE(with({"--interpolation", "optical-flow", "--smooth-fps", "5"}).starts_with(line + "5 fps): none\n"))
+        << output_.str();
+    EXPECT_EQ(with({"--interpolation", "optical-flow", "--flow-ranges", "none"}).find(line), std::string::npos);
+    EXPECT_EQ(with({}).find(line), std::string::npos);
+}
+
+TEST_F(HeadlessExportTest, CropAndZoomLines) {
+    run({"--headless-export", "in.mov", "out.mov", "--vertical-crop", "center", "--zoom", "0-1:2:in;1.5-2:1.5"});
+    EXPECT_NE(output_.str().find("\n[Headless] Vertical crop centering: center\n"
+                                 "[Headless] Zoom blocks: 0.0-1.0 ×2.0 zoomIn; 1.5-2.0 ×1.5 inOut\n"),
+              std::string::npos)
+        << output_.str();
+    run({"--headless-export", "in.mov", "out.mov", "--zoom", ";"});
+    EXPECT_EQ(output_.str().find("Zoom blocks"), std::string::npos) << output_.str();
+}
+
+TEST_F(HeadlessExportTest, EveryFailureIsOneLine) {
+    const struct {
+        HeadlessExport::Arguments arguments;
+        const char* sentence;
+    } cases[] = {
+        {{"--headless-export", "in.mov"},
+         "Usage: Flowtide --headless-export <input> <output> [curve] [smoothing] [trim]"},
+        {{"--headless-export", "gone.mov", "out.mov", "bad"}, "Choose a regular video file."},
+        {{"--headless-export", "in.mov", "out.mov", "bad"}, "Invalid curve segment \"bad\" — expected time:speed"},
+        {{"in.mov", "--headless-proxy"}, "Usage: Flowtide --headless-proxy <input>"},
+        {{"--headless-export", "in.mov", "out.mov", "--headless-proxy", "in.mov"},
+         "Proxy failed: Building proxies is not available in this version."},
+    };
+    for (const auto& [arguments, sentence] : cases) {
+        EXPECT_EQ(run(arguments), 1);
+        EXPECT_EQ(error_.str(), "[Headless] Export failed: " + std::string(sentence) + "\n");
+        EXPECT_EQ(output_.str(), "");
+    }
+    script_.decodableFrames = 3;
+    EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov"}), 1);
+    EXPECT_EQ(error_.str(), "[Headless] Export failed: Asset reader failed: Video decode failed mid-file\n");
+    EXPECT_EQ(folder_.names(), std::vector<std::string>{"in.mov"});
+}
+
+TEST_F(HeadlessExportTest, WordsOutsideHeadlessRuns) {
+    EXPECT_EQ(run({"demo", "--help"}), 0);
+    EXPECT_TRUE(output_.str().starts_with("Loftwell Video: "));
+    EXPECT_EQ(run({"demo", "--here"}), 1);
+    EXPECT_EQ(error_.str(), "Unknown option --here. See --help.\n");
+}
+
+} // namespace
+} // namespace flowtide::test
