@@ -82,7 +82,8 @@ ExportValidationReport ExportEngine::run(const ExportRequest& request, const Pro
     LocalFileSafety::requireDistinct(request.clip.url, request.outputURL);
     requireWritableDestination(request.outputURL);
     const ExportPlan plan = planExport(request, log_);
-    const auto renderer = makeRenderer(plan.interpolation, plan.video.width, plan.video.height, plan.video.layout);
+    const auto renderer = makeRenderer(plan.interpolation, static_cast<int>(request.clip.encodedWidth),
+                                       static_cast<int>(request.clip.encodedHeight), plan.video.layout);
 
     removeStaleTemporaryExports(folderOf(request.outputURL));
     const auto file = [&] {

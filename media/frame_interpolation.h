@@ -24,7 +24,7 @@ public:
                               SourceSeconds nextTime, SourceSeconds time) = 0;
 };
 
-/// The renderer for a choice: none for original frames. Throws FlowtideError where Optical Flow is unavailable.
+/// The renderer for a choice, for frames of one size and layout: none for original frames.
 std::unique_ptr<FrameInterpolating> makeRenderer(FrameInterpolation interpolation, int width, int height,
                                                  PixelLayout layout);
 

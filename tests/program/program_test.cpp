@@ -79,9 +79,6 @@ TEST_F(ProgramTest, BadArgumentsAndFilesGetOneSentence) {
         expectRefused({"--headless-export", path(name), out},
                       "Asset reader failed: " + std::string(name) +
                           " could not be opened: Invalid data found when processing input (error 1094995529)");
-    expectRefused({"--headless-export", in(), out, "0:0.5", "--interpolation", "optical-flow", "--flow-ranges", "0:1"},
-                  "Asset writer failed: Optical Flow requires a supported Apple silicon Mac running macOS 15.4 or "
-                  "later. Choose Original Frames to export on this Mac.");
 }
 
 TEST_F(ProgramTest, BadDestinationsGetOneSentence) {

@@ -1,0 +1,38 @@
+// A rectangular array of values, one for each pixel of a level.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+namespace flowtide::flow {
+
+template <typename Value>
+class Field {
+public:
+    Field() = default;
+    Field(int width, int height, Value value = Value())
+        : width_(width)
+        , height_(height)
+        , values_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), value) {}
+
+    int width() const { return width_; }
+    int height() const { return height_; }
+    Value* row(int y) { return values_.data() + static_cast<std::ptrdiff_t>(y) * width_; }
+    const Value* row(int y) const { return values_.data() + static_cast<std::ptrdiff_t>(y) * width_; }
+    Value& operator()(int x, int y) { return row(y)[x]; }
+    const Value& operator()(int x, int y) const { return row(y)[x]; }
+    /// The value at a place, or at the nearest place inside.
+    const Value& clamped(int x, int y) const {
+        return (*this)(std::clamp(x, 0, width_ - 1), std::clamp(y, 0, height_ - 1));
+    }
+    std::vector<Value>& values() { return values_; }
+    const std::vector<Value>& values() const { return values_; }
+
+private:
+    int width_ = 0;
+    int height_ = 0;
+    std::vector<Value> values_;
+};
+
+} // namespace flowtide::flow

@@ -1,0 +1,14 @@
+// Draws an in-between frame.
+#pragma once
+
+#include "media/flow/phase_field.h"
+#include "media/frame_pool.h"
+#include "media/video_frame.h"
+
+namespace flowtide::flow {
+
+/// Blends both frames, each moved along the field to the phase, in every plane and in the frames' own bit depth.
+VideoFrame warped(const VideoFrame& first, const VideoFrame& second, const PhaseField& field, float phase,
+                  FramePool& pool);
+
+} // namespace flowtide::flow
