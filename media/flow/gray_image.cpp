@@ -2,7 +2,6 @@
 #include "media/flow/gray_image.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 
 namespace flowtide::flow {
@@ -38,20 +37,6 @@ GrayImage::GrayImage(int width, int height)
     , height_(height)
     , stride_((width + 2 * padding + 15) / 16 * 16)
     , data_(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height + 2 * padding)) {}
-
-float GrayImage::at(float x, float y) const {
-    const float px = std::clamp(x, 0.0F, static_cast<float>(width_ - 1));
-    const float py = std::clamp(y, 0.0F, static_cast<float>(height_ - 1));
-    const int ix = static_cast<int>(px);
-    const int iy = static_cast<int>(py);
-    const float fx = px - static_cast<float>(ix);
-    const float fy = py - static_cast<float>(iy);
-    const std::uint8_t* a = row(iy) + ix;
-    const std::uint8_t* b = a + stride_;
-    const float top = static_cast<float>(a[0]) + fx * static_cast<float>(a[1] - a[0]);
-    const float bottom = static_cast<float>(b[0]) + fx * static_cast<float>(b[1] - b[0]);
-    return top + fy * (bottom - top);
-}
 
 void GrayImage::pad() {
     for (int y = 0; y < height_; ++y) {

@@ -3,6 +3,7 @@
 
 #include "media/video_frame.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -34,7 +35,19 @@ public:
     const std::uint8_t* row(int y) const { return data_.data() + (y + padding) * stride_ + padding; }
     std::uint8_t* row(int y) { return data_.data() + (y + padding) * stride_ + padding; }
     /// Bilinear value at a point (pixel centres at whole numbers), the edge's value outside.
-    float at(float x, float y) const;
+    float at(float x, float y) const {
+        const float px = std::clamp(x, 0.0F, static_cast<float>(width_ - 1));
+        const float py = std::clamp(y, 0.0F, static_cast<float>(height_ - 1));
+        const int ix = static_cast<int>(px);
+        const int iy = static_cast<int>(py);
+        const float fx = px - static_cast<float>(ix);
+        const float fy = py - static_cast<float>(iy);
+        const std::uint8_t* a = row(iy) + ix;
+        const std::uint8_t* b = a + stride_;
+        const float top = static_cast<float>(a[0]) + fx * static_cast<float>(a[1] - a[0]);
+        const float bottom = static_cast<float>(b[0]) + fx * static_cast<float>(b[1] - b[0]);
+        return top + fy * (bottom - top);
+    }
     /// Copies the edges outwards; to be called once the inside is filled.
     void pad();
 

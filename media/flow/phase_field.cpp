@@ -2,9 +2,11 @@
 #include "media/flow/phase_field.h"
 
 #include "media/flow/box_mean.h"
+#include "media/flow/parallel_rows.h"
 
 #include <array>
 #include <cmath>
+#include <future>
 
 namespace flowtide::flow {
 
@@ -100,47 +102,63 @@ Field<float> candidateCost(const FlowPair& pair, float phase, const Projection& 
     return cost;
 }
 
+/// A projection and how badly the frames agree on it.
+struct Candidate {
+    Projection projection;
+    Field<float> cost;
+};
+
 Field<Vector> chosen(const FlowPair& pair, float phase) {
-    const Projection one = projected(pair.forward, phase, 1);
-    const Projection other = projected(pair.backward, 1 - phase, -1);
-    const Field<float> costOfOne = candidateCost(pair, phase, one);
-    const Field<float> costOfOther = candidateCost(pair, phase, other);
-    Field<Vector> motion = one.motion;
+    const auto candidate = [&](const DirectedFlow& flow, float share, float sign) {
+        Candidate result{projected(flow, share, sign), {}};
+        result.cost = candidateCost(pair, phase, result.projection);
+        return result;
+    };
+    auto otherTask = std::async(std::launch::async, [&] { return candidate(pair.backward, 1 - phase, -1); });
+    const Candidate one = candidate(pair.forward, phase, 1);
+    const Candidate other = otherTask.get();
+    Field<Vector> motion = one.projection.motion;
     for (int y = 0; y < motion.height(); ++y)
         for (int x = 0; x < motion.width(); ++x) {
-            const Vector a = one.motion(x, y);
-            const Vector b = other.motion(x, y);
+            const Vector a = one.projection.motion(x, y);
+            const Vector b = other.projection.motion(x, y);
             if ((a - b).squared() < sameMotion * sameMotion)
                 motion(x, y) = 0.5F * (a + b);
-            else if (costOfOther(x, y) < costOfOne(x, y))
+            else if (other.cost(x, y) < one.cost(x, y))
                 motion(x, y) = b;
         }
     return motion;
 }
 
-float medianOfFive(std::array<float, 5> values) {
-    std::nth_element(values.begin(), values.begin() + 2, values.end());
-    return values[2];
+float medianOfFive(std::array<float, 5> v) {
+    // Drops the least and the greatest of four; the median is the middle one of the rest and the fifth.
+    const float low = std::max(std::min(v[0], v[1]), std::min(v[2], v[3]));
+    const float high = std::min(std::max(v[0], v[1]), std::max(v[2], v[3]));
+    return std::max(std::min(low, high), std::min(std::max(low, high), v[4]));
 }
 
 /// The median of each pixel and its four neighbours, for both components.
 Field<Vector> crossMedian(const Field<Vector>& field) {
     Field<Vector> result = field;
-    for (int y = 0; y < field.height(); ++y)
-        for (int x = 0; x < field.width(); ++x) {
-            const std::array around{field(x, y), field.clamped(x - 1, y), field.clamped(x + 1, y),
-                                    field.clamped(x, y - 1), field.clamped(x, y + 1)};
-            result(x, y) = {medianOfFive({around[0].x, around[1].x, around[2].x, around[3].x, around[4].x}),
-                            medianOfFive({around[0].y, around[1].y, around[2].y, around[3].y, around[4].y})};
-        }
+    parallelRows(field.height(), [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            for (int x = 0; x < field.width(); ++x) {
+                const std::array around{field(x, y), field.clamped(x - 1, y), field.clamped(x + 1, y),
+                                        field.clamped(x, y - 1), field.clamped(x, y + 1)};
+                result(x, y) = {medianOfFive({around[0].x, around[1].x, around[2].x, around[3].x, around[4].x}),
+                                medianOfFive({around[0].y, around[1].y, around[2].y, around[3].y, around[4].y})};
+            }
+    });
     return result;
 }
 
 /// How much a frame's pixel can be trusted to be visible in between: less where there-and-back misses.
 float visibility(const DirectedFlow& flow, float x, float y, Vector v) {
-    const int ix = static_cast<int>(std::lround(x));
-    const int iy = static_cast<int>(std::lround(y));
-    if (ix < 0 || iy < 0 || ix >= flow.mismatch.width() || iy >= flow.mismatch.height()) return outsideWeight;
+    const auto width = static_cast<float>(flow.mismatch.width());
+    const auto height = static_cast<float>(flow.mismatch.height());
+    if (!(x > -0.5F && y > -0.5F && x < width - 0.5F && y < height - 0.5F)) return outsideWeight;
+    const int ix = static_cast<int>(x + 0.5F);
+    const int iy = static_cast<int>(y + 0.5F);
     const float tolerance = 16 * (1 + 0.005F * v.squared());
     const float likely = std::min(1.0F, tolerance / std::max(flow.mismatch(ix, iy), 1e-6F));
     return likely * likely + leastWeight;
@@ -152,21 +170,24 @@ PhaseField phaseField(const FlowPair& pair, float phase) {
     PhaseField result;
     result.motion = crossMedian(chosen(pair, phase));
     result.secondShare = Field<float>(result.motion.width(), result.motion.height());
-    for (int y = 0; y < result.motion.height(); ++y)
-        for (int x = 0; x < result.motion.width(); ++x) {
-            const Vector v = result.motion(x, y);
-            const float px = static_cast<float>(x);
-            const float py = static_cast<float>(y);
-            const float apart = difference(pair, phase, px, py, v);
-            const float matters = apart / (apart + photometricHalf);
-            const auto weight = [&](float seen) {
-                return seen <= outsideWeight ? seen : 1 + (seen - 1) * matters * matters;
-            };
-            const float first = (1 - phase) * weight(visibility(pair.forward, px - phase * v.x, py - phase * v.y, v));
-            const float second =
-                phase * weight(visibility(pair.backward, px + (1 - phase) * v.x, py + (1 - phase) * v.y, v));
-            result.secondShare(x, y) = second / (first + second);
-        }
+    parallelRows(result.motion.height(), [&](int begin, int end) {
+        for (int y = begin; y < end; ++y)
+            for (int x = 0; x < result.motion.width(); ++x) {
+                const Vector v = result.motion(x, y);
+                const float px = static_cast<float>(x);
+                const float py = static_cast<float>(y);
+                const float apart = difference(pair, phase, px, py, v);
+                const float matters = apart / (apart + photometricHalf);
+                const auto weight = [&](float seen) {
+                    return seen <= outsideWeight ? seen : 1 + (seen - 1) * matters * matters;
+                };
+                const float first =
+                    (1 - phase) * weight(visibility(pair.forward, px - phase * v.x, py - phase * v.y, v));
+                const float second =
+                    phase * weight(visibility(pair.backward, px + (1 - phase) * v.x, py + (1 - phase) * v.y, v));
+                result.secondShare(x, y) = second / (first + second);
+            }
+    });
     return result;
 }
 
