@@ -78,7 +78,7 @@ void writeRaw(std::ofstream& file, const VideoFrame& frame) {
                        planeWidth(frame.layout, frame.width, plane));
 }
 
-/// The frames that minterpolate makes of every `step`th frame, as luma.
+/// The frames that minterpolate makes of every `step`th frame; luma alone is kept hold of.
 std::vector<VideoFrame> peerFrames(const std::vector<VideoFrame>& frames, int step, double& cpu) {
     const auto folder = std::filesystem::temp_directory_path() / ("flowtide-bench-" + std::to_string(::getpid()));
     std::filesystem::create_directories(folder);
@@ -98,12 +98,13 @@ std::vector<VideoFrame> peerFrames(const std::vector<VideoFrame>& frames, int st
                                          "10", "-i", folder / "in.yuv", "-vf",
                                          "minterpolate=fps=" + std::to_string(10 * step) +
                                              ":mi_mode=mci:mc_mode=aobmc:me_mode=bidir:vsbmc=1:"
-                                             "scd=none,format=gray",
+                                             "scd=none,format=yuv420p",
                                          "-f", "rawvideo", folder / "out.yuv"});
     cpu = cost.cpuSeconds;
     std::ifstream file(folder / "out.yuv", std::ios::binary);
     std::vector<VideoFrame> result;
-    const auto bytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+    const auto bytes = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) +
+                       2 * static_cast<std::size_t>((width + 1) / 2) * static_cast<std::size_t>((height + 1) / 2);
     for (;;) {
         auto luma = std::make_shared<std::vector<std::uint8_t>>(bytes);
         if (!file.read(reinterpret_cast<char*>(luma->data()), static_cast<std::streamsize>(bytes))) break;

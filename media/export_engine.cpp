@@ -36,10 +36,6 @@ void requireWritableDestination(const std::filesystem::path& destination) {
         throw FlowtideError::writerFailed("The destination is not a regular file. Choose another file name.");
 }
 
-std::filesystem::path folderOf(const std::filesystem::path& path) {
-    return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
-}
-
 void replaceFinalExport(TemporaryExport& file) {
     try {
         file.moveIntoPlace();
@@ -85,7 +81,7 @@ ExportValidationReport ExportEngine::run(const ExportRequest& request, const Pro
     const auto renderer = makeRenderer(plan.interpolation, static_cast<int>(request.clip.encodedWidth),
                                        static_cast<int>(request.clip.encodedHeight), plan.video.layout);
 
-    removeStaleTemporaryExports(folderOf(request.outputURL));
+    removeStaleTemporaryExports(request.outputURL);
     const auto file = [&] {
         try {
             return std::make_unique<TemporaryExport>(request.outputURL);

@@ -10,16 +10,19 @@ namespace flowtide {
 
 namespace {
 
-struct AlignedDelete {
-    void operator()(std::uint8_t* bytes) const { ::operator delete(bytes, std::align_val_t(FramePool::alignment)); }
-};
-using AlignedBytes = std::unique_ptr<std::uint8_t, AlignedDelete>;
-
 std::size_t aligned(std::size_t size) {
     return (size + FramePool::alignment - 1) / FramePool::alignment * FramePool::alignment;
 }
 
 } // namespace
+
+void AlignedDelete::operator()(std::uint8_t* bytes) const {
+    ::operator delete(bytes, std::align_val_t(FramePool::alignment));
+}
+
+AlignedBytes alignedBytes(std::size_t size) {
+    return AlignedBytes(static_cast<std::uint8_t*>(::operator new(size, std::align_val_t(FramePool::alignment))));
+}
 
 struct FramePool::Memory {
     std::mutex lock; ///< guards everything below
@@ -51,7 +54,7 @@ WritableFrame FramePool::take() {
             memory_->free.pop_back();
         }
     }
-    if (!bytes) bytes.reset(static_cast<std::uint8_t*>(::operator new(size_, std::align_val_t(alignment))));
+    if (!bytes) bytes = alignedBytes(size_);
 
     WritableFrame result;
     result.frame.layout = layout_;

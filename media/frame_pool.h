@@ -8,6 +8,13 @@
 
 namespace flowtide {
 
+/// Uninitialised memory that begins on a FramePool::alignment boundary.
+struct AlignedDelete {
+    void operator()(std::uint8_t* bytes) const;
+};
+using AlignedBytes = std::unique_ptr<std::uint8_t, AlignedDelete>;
+AlignedBytes alignedBytes(std::size_t size);
+
 /// Where a writable frame's planes are.
 struct WritableFrame {
     VideoFrame frame;

@@ -80,9 +80,9 @@ std::filesystem::path temporaryExportURL(const std::filesystem::path& destinatio
     return folderOf(destination) / ("." + name + std::string(marker) + Uuid::random().text() + extension);
 }
 
-void removeStaleTemporaryExports(const std::filesystem::path& folder) {
+void removeStaleTemporaryExports(const std::filesystem::path& destination) {
     std::error_code ignored;
-    for (std::filesystem::directory_iterator entry(folder, ignored), end; !ignored && entry != end;
+    for (std::filesystem::directory_iterator entry(folderOf(destination), ignored), end; !ignored && entry != end;
          entry.increment(ignored)) {
         const auto& path = entry->path();
         if (!isTemporaryExportName(path.filename())) continue;

@@ -11,9 +11,9 @@ namespace flowtide {
 /// ".<name>-export-<UUID>.<extension>" in the destination's folder; "mov" when the destination has no extension.
 std::filesystem::path temporaryExportURL(const std::filesystem::path& destination);
 
-/// Deletes the temporary exports of dead processes in a folder. Those that a live process writes hold a lock and stay.
-/// Best effort.
-void removeStaleTemporaryExports(const std::filesystem::path& folder);
+/// Deletes the temporary exports that dead processes left in the destination's folder. Those that a live process writes
+/// hold a lock and stay. Best effort.
+void removeStaleTemporaryExports(const std::filesystem::path& destination);
 
 /// Owns one temporary export: created exclusively and locked, deleted on destruction unless moved into place.
 class TemporaryExport : public OutputFile {

@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cstring>
-#include <new>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -23,11 +22,6 @@ struct GraphDelete {
     void operator()(zimg_filter_graph* graph) const { zimg_filter_graph_free(graph); }
 };
 using GraphPtr = std::unique_ptr<zimg_filter_graph, GraphDelete>;
-
-struct AlignedDelete {
-    void operator()(std::uint8_t* bytes) const { ::operator delete(bytes, std::align_val_t(FramePool::alignment)); }
-};
-using AlignedBytes = std::unique_ptr<std::uint8_t, AlignedDelete>;
 
 /// What a graph is built for.
 struct GraphKey {
@@ -135,7 +129,7 @@ private:
         if (zimg_filter_graph_get_tmp_size(&graph, &size) != ZIMG_ERROR_SUCCESS)
             throw FlowtideError::writerFailed(scalerFailure);
         if (size > scratchSize_) {
-            scratch_.reset(static_cast<std::uint8_t*>(::operator new(size, std::align_val_t(FramePool::alignment))));
+            scratch_ = alignedBytes(size);
             scratchSize_ = size;
         }
         return scratch_.get();

@@ -55,7 +55,7 @@ TEST(TemporaryExport, CleanUpTakesOnlyWhatNoLiveProcessHolds) {
     for (const char* other : others)
         writeFile(folder / other, "somebody's");
     std::filesystem::create_symlink(".notes", folder / ".l-export-3F2504E0-4F89-41D3-9A0C-0305E82C3302.mov");
-    removeStaleTemporaryExports(folder.path());
+    removeStaleTemporaryExports(folder / "out.mov");
     EXPECT_FALSE(std::filesystem::exists(folder.path() / stale));
     EXPECT_TRUE(std::filesystem::exists(live.path()));
     for (const char* other : others)
