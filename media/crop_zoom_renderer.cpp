@@ -19,7 +19,7 @@ VideoFrame croppedView(const VideoFrame& frame, int left, int width, int height)
     view.height = height;
     for (std::size_t plane = 0; plane < view.planes.size(); ++plane) {
         const int shift = plane == 0 ? 0 : frame.layout.horizontalChromaShift();
-        view.planes[plane].data += (left >> shift) * frame.layout.bytesPerSample();
+        view.planes[plane].data += static_cast<std::ptrdiff_t>(left >> shift) * frame.layout.bytesPerSample();
     }
     return view;
 }

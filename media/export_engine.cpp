@@ -74,9 +74,11 @@ bool ExportEngine::isCancelled() const {
     return isCancelled_;
 }
 
-ExportValidationReport ExportEngine::run(const ExportRequest& request, const ProgressHandler& onProgress) {
-    LocalFileSafety::requireDistinct(request.clip.url, request.outputURL);
-    requireWritableDestination(request.outputURL);
+ExportValidationReport ExportEngine::run(const ExportRequest& wanted, const ProgressHandler& onProgress) {
+    LocalFileSafety::requireDistinct(wanted.clip.url, wanted.outputURL);
+    requireWritableDestination(wanted.outputURL);
+    ExportRequest request = wanted;
+    if (request.previewResolution == PreviewResolution::quick) request.clip = request.clip.previewSized();
     const ExportPlan plan = planExport(request, log_);
     const auto renderer = makeRenderer(plan.interpolation, static_cast<int>(request.clip.encodedWidth),
                                        static_cast<int>(request.clip.encodedHeight), plan.video.layout);

@@ -15,6 +15,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace flowtide {
 
@@ -28,6 +29,14 @@ struct ExportValidationReport {
     std::string details; ///< one line per property
 };
 
+/// How large a preview is drawn.
+enum class PreviewResolution { quick, full };
+
+/// The choice's name: "720p" or "Full resolution".
+constexpr std::string_view rawValue(PreviewResolution resolution) {
+    return resolution == PreviewResolution::quick ? "720p" : "Full resolution";
+}
+
 /// One export, as the editor and the command line ask for it.
 struct ExportRequest {
     ImportedClip clip;
@@ -38,6 +47,8 @@ struct ExportRequest {
     std::optional<SourceRanges> opticalFlowRanges; ///< source seconds
     std::optional<VerticalCropSettings> verticalCrop;
     std::optional<ZoomSettings> zoom;
+    std::optional<TimeMap> previewTimeMap; ///< used instead of building one; its timing agrees with the whole clip's
+    std::optional<PreviewResolution> previewResolution; ///< absent: the clip's own size
     std::filesystem::path outputURL;
 };
 

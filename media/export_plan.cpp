@@ -52,8 +52,10 @@ void logCrop(const ExportRequest& request, const std::optional<CropPlan>& crop, 
 ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
     const ImportedClip& clip = request.clip;
     ExportPlan plan;
-    plan.timeMap = CurveEngine::buildTimeMap(request.keyframes, clip.duration, request.sourceRange,
-                                             CurveEngine::exportTimeMapSteps, request.smoothing);
+    plan.timeMap = request.previewTimeMap
+                       ? *request.previewTimeMap
+                       : CurveEngine::buildTimeMap(request.keyframes, clip.duration, request.sourceRange,
+                                                   CurveEngine::exportTimeMapSteps, request.smoothing);
     const double outputDuration = plan.timeMap.outputDuration();
     const SourceRange range = plan.timeMap.sourceRange();
     const std::optional<CropPlan> crop = planCrop(request);

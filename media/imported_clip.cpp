@@ -1,6 +1,7 @@
 // The rules by which a file's track descriptions become the probe record, or are refused.
 #include "media/imported_clip.h"
 
+#include "core/output_size.h"
 #include "media/flowtide_error.h"
 #include "media/media_io.h"
 #include "project/local_file_safety.h"
@@ -157,6 +158,18 @@ ImportedClip ImportedClip::load(const MediaBackend& backend, const std::filesyst
         std::abs(1.0 / interval->seconds() - clip.frameRate) <= frameRateTolerance)
         clip.frameDuration = *interval;
     if (clip.videoCodecFourCC) clip.videoCodecType = flowtide::videoCodecType(*clip.videoCodecFourCC);
+    return clip;
+}
+
+ImportedClip ImportedClip::previewSized() const {
+    constexpr double previewWidth = 1280;
+    constexpr double previewHeight = 720;
+    const double scale =
+        std::min({previewWidth / static_cast<double>(width), previewHeight / static_cast<double>(height), 1.0});
+    ImportedClip clip = *this;
+    if (scale >= 1) return clip;
+    for (std::int64_t* side : {&clip.width, &clip.height, &clip.encodedWidth, &clip.encodedHeight})
+        *side = OutputSize::capped(scale, static_cast<double>(*side));
     return clip;
 }
 

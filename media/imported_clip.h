@@ -125,6 +125,9 @@ struct ImportedClip {
     /// Probes the file. Throws FlowtideError or ProjectError with the sentence for what is wrong with it.
     static ImportedClip load(const MediaBackend& backend, const std::filesystem::path& path);
 
+    /// The record of the same clip drawn to fit 1280 × 720, never enlarged; for quick previews.
+    ImportedClip previewSized() const;
+
     /// The codec's name in warnings and messages.
     std::string videoCodecDisplayName() const;
 };

@@ -152,6 +152,30 @@ TEST_F(ExportFormatsTest, WhatTheEncodersCannotWriteIsRefusedAndLeavesNothing) {
     EXPECT_TRUE(folder_.names().empty());
 }
 
+TEST_F(ExportFormatsTest, QuickPreviewsFit720pAndFollowTheirTimeMap) {
+    ClipRecipe recipe;
+    recipe.width = 1920;
+    recipe.height = 1080;
+    recipe.frameCount = 25;
+    ExportRequest request;
+    request.clip = make("in.mov", recipe);
+    request.outputURL = folder_ / "preview.mov";
+    request.previewResolution = PreviewResolution::quick;
+    // Frames 10 to 19 at half speed, whatever the keyframes say.
+    request.previewTimeMap = TimeMap({{0.4, 0}, {0.8, 0.8}}, {0.4, 0.8}, 0.8);
+    ExportEngine(*backend_, [](std::string_view) {}).run(request, [](double) {});
+    const ImportedClip preview = ImportedClip::load(*backend_, request.outputURL);
+    EXPECT_EQ(preview.encodedWidth, 1280);
+    EXPECT_EQ(preview.encodedHeight, 720);
+    const auto numbers = frameNumbers(*backend_, preview);
+    ASSERT_EQ(numbers.size(), 20U);
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        EXPECT_EQ(numbers[i], static_cast<std::int64_t>(10 + i / 2));
+    recipe.width = 90;
+    recipe.height = 160;
+    EXPECT_EQ(make("small.mov", recipe).previewSized().width, 90); // never enlarged
+}
+
 TEST_F(ExportFormatsTest, HighRateLinearPCM) {
     ClipRecipe recipe;
     recipe.sampleRate = 192'000;
