@@ -43,7 +43,7 @@ struct HeadlessExportJob {
 namespace HeadlessExport {
 
 /// Reads options and positional arguments from a process's whole argument list. Throws FlowtideError.
-HeadlessExportArguments parseArguments(Arguments arguments);
+HeadlessExportArguments parseArguments(Arguments list);
 
 /// Reads the texts against the clip's duration in seconds. Throws FlowtideError.
 HeadlessExportJob parseJob(const HeadlessExportArguments& arguments, double duration, const WarningSink& warn);

@@ -35,8 +35,7 @@ FramePool::FramePool(PixelLayout layout, int width, int height)
     , height_(height)
     , memory_(std::make_shared<Memory>()) {
     for (std::size_t plane = 0; plane < offsets_.size(); ++plane) {
-        const std::size_t stride =
-            aligned(static_cast<std::size_t>(planeWidth(layout, width, plane) * layout.bytesPerSample()));
+        const std::size_t stride = aligned(planeRowBytes(layout, width, plane));
         strides_[plane] = static_cast<std::ptrdiff_t>(stride);
         offsets_[plane] = size_;
         size_ += aligned(stride * static_cast<std::size_t>(planeHeight(layout, height, plane)));

@@ -34,6 +34,12 @@ constexpr int planeHeight(PixelLayout layout, int height, std::size_t plane) {
     return (height + (1 << shift) - 1) >> shift;
 }
 
+/// Bytes of the samples in a row of a plane.
+constexpr std::size_t planeRowBytes(PixelLayout layout, int width, std::size_t plane) {
+    return static_cast<std::size_t>(planeWidth(layout, width, plane)) *
+           static_cast<std::size_t>(layout.bytesPerSample());
+}
+
 /// Three planes and a share in the memory behind them. Copies are cheap and show the same pixels; nobody writes to a
 /// frame once it has been handed on.
 struct VideoFrame {

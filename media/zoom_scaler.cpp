@@ -146,8 +146,7 @@ private:
             input_.emplace(frame.layout, frame.width, frame.height);
         WritableFrame copy = input_->take();
         for (std::size_t plane = 0; plane < copy.planes.size(); ++plane) {
-            const auto bytes =
-                static_cast<std::size_t>(planeWidth(frame.layout, frame.width, plane) * frame.layout.bytesPerSample());
+            const std::size_t bytes = planeRowBytes(frame.layout, frame.width, plane);
             for (int row = 0; row < planeHeight(frame.layout, frame.height, plane); ++row)
                 std::memcpy(copy.planes[plane] + row * copy.frame.planes[plane].stride,
                             frame.planes[plane].data + row * frame.planes[plane].stride, bytes);

@@ -15,7 +15,7 @@ constexpr double samePhase = 0.000001; // nearer to a frame than this, the frame
 
 bool samePixels(const VideoFrame& a, const VideoFrame& b) {
     for (std::size_t plane = 0; plane < a.planes.size(); ++plane) {
-        const auto bytes = static_cast<std::size_t>(planeWidth(a.layout, a.width, plane) * a.layout.bytesPerSample());
+        const std::size_t bytes = planeRowBytes(a.layout, a.width, plane);
         for (int y = 0; y < planeHeight(a.layout, a.height, plane); ++y)
             if (std::memcmp(a.planes[plane].data + y * a.planes[plane].stride,
                             b.planes[plane].data + y * b.planes[plane].stride, bytes) != 0)
