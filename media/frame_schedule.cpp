@@ -16,6 +16,7 @@ void HeldFrames::advanceTo(SourceSeconds time) {
         previous_ = reader_.next();
         next_ = reader_.next();
     }
+    if (next_ && next_->time.value <= time.value) reader_.skipTo(time);
     while (next_ && next_->time.value <= time.value + frameReachedGraceSeconds) {
         previous_ = std::move(next_);
         next_ = reader_.next();

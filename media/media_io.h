@@ -37,6 +37,9 @@ public:
     /// The next frame: first the last one at or before the range's start (or the track's first one), at the end the
     /// first one after the range's end. Nothing when there are no more. Throws FlowtideError::readerFailed.
     virtual std::optional<TimedFrame> next() = 0;
+    /// Says that of the frames before `time` only the last one at or before it will be looked at; the reader may leave
+    /// the others out.
+    virtual void skipTo(SourceSeconds time) { static_cast<void>(time); }
     /// How many of the frames handed on were damaged and are only approximations.
     virtual int concealedFrameCount() const = 0;
 };

@@ -35,7 +35,12 @@ public:
     }
 
     std::optional<TimedFrame> next() override {
-        if (!std::exchange(started_, true)) seekToStart();
+        if (!std::exchange(started_, true)) {
+            if (range_.lower > 0)
+                seekTo(range_.lower);
+            else
+                findFrameAt(range_.lower);
+        }
         if (waiting_.empty()) {
             auto frame = decodeNext();
             if (!frame) return std::nullopt;
@@ -47,6 +52,14 @@ public:
         return TimedFrame{importer_.import(std::move(decoded.frame)), time};
     }
 
+    void skipTo(SourceSeconds time) override {
+        const double seconds = std::min(time.value, range_.upper);
+        const int found = av_index_search_timestamp(movie_.video, timestampAt(seconds), AVSEEK_FLAG_BACKWARD);
+        const AVIndexEntry* keyFrame = found < 0 ? nullptr : avformat_index_get_entry(movie_.video, found);
+        // Jumping pays only past frames that the decoder has not been fed yet.
+        if (keyFrame && lastDecodeTime_ != AV_NOPTS_VALUE && keyFrame->timestamp > lastDecodeTime_) seekTo(seconds);
+    }
+
     int concealedFrameCount() const override { return damagedFrames_; }
 
 private:
@@ -55,25 +68,30 @@ private:
         double seconds;
     };
 
-    double limit() const { return range_.lower + frameReachedGraceSeconds; }
+    std::int64_t timestampAt(double seconds) const {
+        const AVRational base = movie_.video->time_base;
+        return static_cast<std::int64_t>(std::floor(seconds * base.den / base.num));
+    }
 
-    /// Leaves in waiting_ the last frame at or before the range's start and the one after it.
-    void seekToStart() {
-        if (range_.lower <= 0) return findStart();
-        double target = range_.lower;
+    /// Goes to a time by way of a key frame before it; see findFrameAt().
+    void seekTo(double time) {
+        const int damagedBefore = damagedFrames_;
+        double target = time;
         double backOff = firstBackOffSeconds;
         for (;;) {
+            damagedFrames_ = damagedBefore;
             seek(std::max(target, 0.0));
-            findStart();
-            const bool found = !waiting_.empty() && waiting_.front().seconds <= limit();
+            findFrameAt(time);
+            const bool found = !waiting_.empty() && waiting_.front().seconds <= time + frameReachedGraceSeconds;
             if (found || target <= 0) return;
             target -= std::exchange(backOff, furtherBackOffSeconds);
         }
     }
 
-    void findStart() {
+    /// Decodes on until waiting_ holds the last frame at or before a time and the one after it.
+    void findFrameAt(double time) {
         while (auto frame = decodeNext()) {
-            const bool reached = frame->seconds > limit();
+            const bool reached = frame->seconds > time + frameReachedGraceSeconds;
             if (!reached) waiting_.clear();
             waiting_.push_back(std::move(*frame));
             if (reached) return;
@@ -81,16 +99,14 @@ private:
     }
 
     void seek(double seconds) {
-        const AVRational base = movie_.video->time_base;
-        const auto timestamp = static_cast<std::int64_t>(std::floor(seconds * base.den / base.num));
         // A file that cannot seek is read from where it stands: slower, and never wrong, since times are compared.
-        av_seek_frame(movie_.format.get(), movie_.video->index, timestamp, AVSEEK_FLAG_BACKWARD);
+        av_seek_frame(movie_.format.get(), movie_.video->index, timestampAt(seconds), AVSEEK_FLAG_BACKWARD);
         avcodec_flush_buffers(decoder_.get());
         waiting_.clear();
         lastDecodeTime_ = AV_NOPTS_VALUE;
         fedPastEnd_ = false;
         draining_ = false;
-        damagedFrames_ = 0;
+        truncated_ = false;
     }
 
     std::optional<Decoded> decodeNext() {

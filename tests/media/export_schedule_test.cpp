@@ -90,6 +90,31 @@ INSTANTIATE_TEST_SUITE_P(Rates, ExportScheduleTest,
                                     std::to_string(rate.param.denominator);
                          });
 
+TEST(ExportSchedule, JumpsOverKeyFramesLandOnTheSameFrames) {
+    const auto backend = makeFFmpegBackend();
+    const TemporaryFolder folder;
+    ClipRecipe recipe;
+    recipe.frameCount = 1300; // a key frame at least every 250
+    makeClip(*backend, folder / "in.mov", recipe);
+    const ImportedClip clip = ImportedClip::load(*backend, folder / "in.mov");
+    const double end = clip.duration;
+    const std::pair<SpeedKeyframes, std::optional<SourceRange>> cases[] = {
+        {curve({{0, 100}, {end, 100}}), std::nullopt},
+        {curve({{0, 100}, {end * 0.5, 1}, {end, 100}}), SourceRange{3.3, end - 1}},
+        {curve({{0, 37}, {end, 37}}), SourceRange{0.5, end}},
+    };
+    for (const auto& [keyframes, range] : cases) {
+        ExportRequest request;
+        request.clip = clip;
+        request.keyframes = keyframes;
+        request.sourceRange = range;
+        request.outputURL = folder / "out.mov";
+        ExportEngine(*backend, [](std::string_view) {}).run(request, [](double) {});
+        EXPECT_EQ(frameNumbers(*backend, ImportedClip::load(*backend, request.outputURL)),
+                  expectedNumbers(clip, keyframes, range, recipe.frameCount));
+    }
+}
+
 class CountingReader : public VideoReader {
 public:
     std::optional<TimedFrame> next() override {
