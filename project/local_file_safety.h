@@ -1,9 +1,19 @@
-// Checks on the files that a user chooses, before anything is read or written.
+// Safe reading of the files that a user chooses, and the checks before anything is written.
 #pragma once
 
+#include "project/url.h"
+
+#include <cstddef>
 #include <filesystem>
+#include <string>
 
 namespace flowtide::LocalFileSafety {
+
+/// The bytes of a regular file of at most `maximumBytes`. Throws ProjectError for anything else, symbolic links and
+/// files that grow beyond the limit meanwhile included; never blocks on a pipe or a device.
+std::string read(const std::filesystem::path& path, std::size_t maximumBytes);
+/// The same for a URL, which must be a file's.
+std::string read(const Url& url, std::size_t maximumBytes);
 
 /// Throws ProjectError unless the path, symbolic links followed, names a regular file. Never opens it, so that a
 /// pipe or a device cannot block.

@@ -1,0 +1,90 @@
+// Percent-encoding of file paths.
+#include "project/url.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace flowtide {
+namespace {
+
+constexpr std::string_view scheme = "file:";
+constexpr std::string_view hexDigits = "0123456789ABCDEF";
+
+bool isLetterOrDigit(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+/// RFC 3986, pchar and the slash; without ";", which some readers take for the start of parameters.
+bool staysPlain(char c) {
+    return isLetterOrDigit(c) || std::string_view("-._~/!$&'()*+,=:@").find(c) != std::string_view::npos;
+}
+
+std::optional<unsigned> hexDigit(char c) {
+    if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
+    if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
+    if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
+    return std::nullopt;
+}
+
+bool startsWithIgnoringCase(std::string_view text, std::string_view lowerCasePrefix) {
+    if (text.size() < lowerCasePrefix.size()) return false;
+    for (std::size_t i = 0; i < lowerCasePrefix.size(); ++i) {
+        const char c = text[i];
+        const char lower = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+        if (lower != lowerCasePrefix[i]) return false;
+    }
+    return true;
+}
+
+std::optional<std::string> percentDecoded(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        char c = text[i];
+        if (c == '%') {
+            if (text.size() - i < 3) return std::nullopt;
+            const auto high = hexDigit(text[i + 1]);
+            const auto low = hexDigit(text[i + 2]);
+            if (!high || !low) return std::nullopt;
+            c = static_cast<char>((*high << 4) | *low);
+            i += 2;
+        }
+        if (c == '\0') return std::nullopt;
+        result += c;
+    }
+    return result;
+}
+
+} // namespace
+
+Url Url::ofFile(const std::filesystem::path& path) {
+    std::string text = "file://";
+    for (const char c : std::filesystem::absolute(path).string()) {
+        if (staysPlain(c)) {
+            text += c;
+        } else {
+            const auto byte = static_cast<unsigned char>(c);
+            text += '%';
+            text += hexDigits[byte >> 4];
+            text += hexDigits[byte & 0x0Fu];
+        }
+    }
+    return {text};
+}
+
+std::optional<std::filesystem::path> Url::filePath() const {
+    if (!startsWithIgnoringCase(text, scheme)) return std::nullopt;
+    std::string_view rest = std::string_view(text).substr(scheme.size());
+    rest = rest.substr(0, rest.find_first_of("?#"));
+    if (rest.starts_with("//")) {
+        rest.remove_prefix(2);
+        constexpr std::string_view ownHost = "localhost/";
+        if (startsWithIgnoringCase(rest, ownHost)) rest.remove_prefix(ownHost.size() - 1);
+    }
+    if (!rest.starts_with('/')) return std::nullopt;
+    const auto path = percentDecoded(rest);
+    if (!path) return std::nullopt;
+    return *path;
+}
+
+} // namespace flowtide
