@@ -110,7 +110,8 @@ void makePrivateFolders(FileOperations& operations, const fs::path& path) {
     if (operations.makeFolder(path, privateFolder) < 0) {
         // Another process may have been quicker.
         const int error = errno;
-        if (error != EEXIST || !fs::is_directory(path, ignored)) throwSystemError(error);
+        if (error != EEXIST) throwSystemError(error);
+        if (!fs::is_directory(path, ignored)) throwSystemError(ENOTDIR);
         return;
     }
     flushFolder(operations, parent);

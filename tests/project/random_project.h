@@ -58,7 +58,7 @@ public:
         std::vector<ZoomBlock> blocks;
         for (std::size_t i = 0; i < count; ++i) {
             const auto at = [&](std::size_t index) {
-                return duration * static_cast<double>(index) / static_cast<double>(count);
+                return std::min(duration, duration * static_cast<double>(index) / static_cast<double>(count));
             };
             ZoomBlock block{uuid(),
                             at(i),
