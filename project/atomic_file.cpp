@@ -13,8 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr mode_t privateFile = 0600;
-constexpr mode_t privateFolder = 0700;
 constexpr std::string_view temporaryPrefix = ".saving-";
 constexpr std::size_t uuidLength = 36;
 
@@ -92,7 +90,7 @@ bool isTemporaryName(const std::string& name) {
 void writeAtomically(FileOperations& operations, const fs::path& path, std::string_view bytes) {
     const fs::path folder = folderOf(path);
     const fs::path temporary = folder / (std::string(temporaryPrefix) + Uuid::random().text());
-    Descriptor file(operations, operations.createFile(temporary, privateFile));
+    Descriptor file(operations, operations.createFile(temporary));
     Removal removal(operations, temporary);
     writeAll(operations, file.get(), bytes);
     check(operations.flush(file.get()));
@@ -107,7 +105,7 @@ void makePrivateFolders(FileOperations& operations, const fs::path& path) {
     if (path.empty() || fs::is_directory(path, ignored)) return;
     const fs::path parent = folderOf(path);
     if (parent != path) makePrivateFolders(operations, parent);
-    if (operations.makeFolder(path, privateFolder) < 0) {
+    if (operations.makeFolder(path) < 0) {
         // Another process may have been quicker.
         const int error = errno;
         if (error != EEXIST) throwSystemError(error);

@@ -5,6 +5,7 @@
 #include "project/project_error.h"
 #include "project/read_only_file.h"
 
+#include <fmt/format.h>
 #include <openssl/evp.h>
 
 #include <array>
@@ -28,13 +29,7 @@ public:
     std::string hexDigest() {
         std::array<unsigned char, digestBytes> digest{};
         check(EVP_DigestFinal_ex(context_.get(), digest.data(), nullptr) == 1);
-        constexpr std::string_view digits = "0123456789abcdef";
-        std::string text;
-        for (const unsigned char byte : digest) {
-            text += digits[byte >> 4];
-            text += digits[byte & 0x0Fu];
-        }
-        return text;
+        return fmt::format("{:02x}", fmt::join(digest, ""));
     }
 
 private:

@@ -4,13 +4,13 @@
 #include "project/project_error.h"
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
-#include <string>
 #include <system_error>
 
 namespace flowtide {
@@ -24,15 +24,28 @@ auto retried(Call call) {
     return result;
 }
 
+constexpr mode_t privateFile = 0600;
+constexpr mode_t privateFolder = 0700;
+
+/// A umask can take rights away that the user needs, hence the second step. Best effort: the file may be another's.
+int openPrivate(const std::filesystem::path& path, int flags) {
+    const int descriptor = retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC, privateFile); });
+    if (descriptor >= 0) ::fchmod(descriptor, privateFile);
+    return descriptor;
+}
+
 class SystemFileOperations : public FileOperations {
 public:
-    int makeFolder(const std::filesystem::path& path, mode_t mode) override { return ::mkdir(path.c_str(), mode); }
-    int createFile(const std::filesystem::path& path, mode_t mode) override {
-        return retried([&] { return ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode); });
+    int makeFolder(const std::filesystem::path& path) override {
+        const int result = ::mkdir(path.c_str(), privateFolder);
+        if (result == 0) ::chmod(path.c_str(), privateFolder);
+        return result;
+    }
+    int createFile(const std::filesystem::path& path) override {
+        return openPrivate(path, O_WRONLY | O_CREAT | O_EXCL);
     }
     int openLockFile(const std::filesystem::path& path) override {
-        constexpr int flags = O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-        return retried([&] { return ::open(path.c_str(), flags, 0600); });
+        return openPrivate(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK);
     }
     int openFolder(const std::filesystem::path& path) override {
         return retried([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
@@ -62,7 +75,7 @@ FileOperations& systemFileOperations() {
 }
 
 void throwSystemError(int error) {
-    throw ProjectError::invalid(std::generic_category().message(error) + " (error " + std::to_string(error) + ")");
+    throw ProjectError::invalid(fmt::format("{} (error {})", std::generic_category().message(error), error));
 }
 
 } // namespace flowtide

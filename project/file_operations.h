@@ -8,16 +8,16 @@
 
 namespace flowtide {
 
-/// Each function makes one system call (again when a signal interrupts it) and returns what that returns: -1 with errno
-/// set on failure.
+/// Each function is one system call (made again when a signal interrupts it) and returns what that returns: -1 with
+/// errno set on failure. What is created is private to the user, whatever the umask: files 0600, folders 0700.
 class FileOperations {
 public:
     virtual ~FileOperations() = default;
 
-    virtual int makeFolder(const std::filesystem::path& path, mode_t mode) = 0;
+    virtual int makeFolder(const std::filesystem::path& path) = 0;
     /// A new file for writing; fails when anything of that name exists.
-    virtual int createFile(const std::filesystem::path& path, mode_t mode) = 0;
-    /// A file to lock, created when missing, private to the user.
+    virtual int createFile(const std::filesystem::path& path) = 0;
+    /// A file to lock, created when missing.
     virtual int openLockFile(const std::filesystem::path& path) = 0;
     virtual int openFolder(const std::filesystem::path& path) = 0;
     /// Waits for the exclusive lock. It ends with the descriptor, hence with its process, however that ends.

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "core/crop_framing.h"
-#include "core/frame_interpolation.h"
 #include "core/optical_flow_ranges.h"
+#include "core/render_choices.h"
 #include "core/speed_keyframe.h"
 #include "core/subject_tracking_range.h"
 #include "core/uuid.h"
@@ -14,18 +14,9 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace flowtide {
-
-/// The quality that previews are rendered in.
-enum class PreviewResolution { quick, full };
-
-/// The stored name: "720p" or "Full resolution".
-constexpr std::string_view rawValue(PreviewResolution resolution) {
-    return resolution == PreviewResolution::quick ? "720p" : "Full resolution";
-}
 
 /// An opaque key to the clip that the operating system made; its Base64 text, kept as it was read.
 struct Bookmark {

@@ -1,9 +1,11 @@
-// The keys of every stored record, listed once for reading and writing: in alphabetical order, the order on disk.
+// What records are made of in JSON text, listed once for reading and writing: the keys of each, and the values of the
+// enumerations, which are stored by name (rawValue).
 #pragma once
 
 #include "project/flowtide_project.h"
 #include "project/recent_project.h"
 
+#include <array>
 #include <concepts>
 #include <type_traits>
 
@@ -103,5 +105,22 @@ void describe(Is<RecentProject> auto& recent, auto&& visit) {
     visit("projectURL", recent.projectURL);
     visit("savedAt", recent.savedAt);
 }
+
+/// Every value of an enumeration.
+template <typename Enum>
+constexpr int allCases = 0;
+template <>
+constexpr auto allCases<SpeedKeyframeRole> =
+    std::array{SpeedKeyframeRole::curve, SpeedKeyframeRole::trimStart, SpeedKeyframeRole::trimEnd};
+template <>
+constexpr auto allCases<CropAspectRatio> =
+    std::array{CropAspectRatio::nineBySixteen, CropAspectRatio::square, CropAspectRatio::fourByFive};
+template <>
+constexpr auto allCases<ZoomMode> =
+    std::array{ZoomMode::inOut, ZoomMode::zoomIn, ZoomMode::zoomOut, ZoomMode::constant};
+template <>
+constexpr auto allCases<FrameInterpolation> = std::array{FrameInterpolation::opticalFlow, FrameInterpolation::nearest};
+template <>
+constexpr auto allCases<PreviewResolution> = std::array{PreviewResolution::quick, PreviewResolution::full};
 
 } // namespace flowtide::json

@@ -39,7 +39,8 @@ public:
         return true;
     }
     bool boolean(bool value) { return scalar(value); }
-    bool number_integer(Json::number_integer_t value) { return scalar(value); }
+    /// Numbers with a minus. The only zero among them is the negative one, which an integer cannot hold.
+    bool number_integer(Json::number_integer_t value) { return value == 0 ? scalar(-0.0) : scalar(value); }
     bool number_unsigned(Json::number_unsigned_t value) { return scalar(value); }
     bool number_float(Json::number_float_t value, const std::string&) { return scalar(value); }
     bool string(const std::string& value) { return scalar(std::string_view(value)); }

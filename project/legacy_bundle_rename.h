@@ -22,8 +22,6 @@ public:
     virtual bool move(const std::filesystem::path& from, const std::filesystem::path& to) = 0;
     /// Starts a program that outlives this process.
     virtual void start(const std::filesystem::path& program, const std::vector<std::string>& arguments) = 0;
-    /// Ends this process; returns in tests only.
-    virtual void exitProcess() = 0;
 };
 
 namespace LegacyBundleRename {
@@ -31,9 +29,10 @@ namespace LegacyBundleRename {
 /// The bundle's file name before the product was renamed.
 constexpr const char* formerBundleName = "Flowtide.app";
 
-/// When the running bundle still has its former file name: moves it to its present one, lets a shell open it half a
-/// second later, and ends this process. Does nothing when the present name is taken or the move fails.
-void renameAndRelaunchIfNeeded(BundleHost& host);
+/// When the running bundle still has its former file name: moves it to its present one and lets a shell open it half a
+/// second later. Does nothing when the present name is taken or the move fails. Returns whether the program was started
+/// anew; this process is then to exit with status 0 at once.
+[[nodiscard]] bool renameAndRelaunchIfNeeded(BundleHost& host);
 
 } // namespace LegacyBundleRename
 } // namespace flowtide

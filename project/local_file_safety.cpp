@@ -19,6 +19,12 @@ std::filesystem::path resolved(const std::filesystem::path& path) {
     return error ? absolute.lexically_normal() : canonical;
 }
 
+std::filesystem::path fileOf(const Url& url, const char* refusal) {
+    const auto path = url.filePath();
+    if (!path) throw ProjectError::invalid(refusal);
+    return *path;
+}
+
 constexpr std::size_t chunkBytes = 65'536;
 
 } // namespace
@@ -43,9 +49,7 @@ std::string read(const std::filesystem::path& path, std::size_t maximumBytes) {
 }
 
 std::string read(const Url& url, std::size_t maximumBytes) {
-    const auto path = url.filePath();
-    if (!path) throw ProjectError::invalid("Choose a file on your Mac.");
-    return read(*path, maximumBytes);
+    return read(fileOf(url, "Choose a file on your Mac."), maximumBytes);
 }
 
 void requireRegularFile(const std::filesystem::path& path) {
@@ -53,11 +57,20 @@ void requireRegularFile(const std::filesystem::path& path) {
     if (!std::filesystem::is_regular_file(path, error)) throw ProjectError::invalid("Choose a regular video file.");
 }
 
+void requireRegularFile(const Url& url) {
+    requireRegularFile(fileOf(url, "Choose a video file on your Mac."));
+}
+
 void requireDistinct(const std::filesystem::path& source, const std::filesystem::path& destination) {
     std::error_code error;
     if (resolved(source) == resolved(destination) || std::filesystem::equivalent(source, destination, error))
         throw ProjectError::invalid(
             "Choose a different output file. Loftwell Video keeps your original video unchanged.");
+}
+
+void requireDistinct(const Url& source, const Url& destination) {
+    constexpr const char* refusal = "Choose a destination on your Mac.";
+    requireDistinct(fileOf(source, refusal), fileOf(destination, refusal));
 }
 
 } // namespace flowtide::LocalFileSafety

@@ -29,15 +29,14 @@ std::string clipName(const FlowtideProject& project) {
     return project.source.url.filePath().value_or(fs::path()).filename().string();
 }
 
-/// Adds the project's entry or replaces it where it stands.
-void putInFront(RecentProjects& list, const RecentProject& entry) {
+/// Replaces the project's entry where it stands; a new one comes to the front.
+void enter(RecentProjects& list, const RecentProject& entry) {
     const auto same =
         std::find_if(list.begin(), list.end(), [&](const RecentProject& each) { return each.id == entry.id; });
-    if (same != list.end()) {
+    if (same != list.end())
         *same = entry;
-        return;
-    }
-    list.insert(list.begin(), entry);
+    else
+        list.insert(list.begin(), entry);
 }
 
 } // namespace
@@ -57,10 +56,10 @@ fs::path ProjectStore::indexFile() const {
 void ProjectStore::save(const FlowtideProject& project) {
     const std::string document = encodeProject(project);
     const fs::path file = projectFile(project.id);
+    makePrivateFolders(operations_, directory_);
     changeRecent([&](RecentProjects& list) {
         writeAtomically(operations_, file, document);
-        putInFront(list,
-                   {project.id, clipName(project), Url::ofFile(file), project.source.fingerprint, project.savedAt});
+        enter(list, {project.id, clipName(project), Url::ofFile(file), project.source.fingerprint, project.savedAt});
         return true;
     });
     removeLegacySidecar(project);
@@ -70,19 +69,31 @@ RecentProjects ProjectStore::recent() const {
     try {
         auto list = decodeRecentProjects(LocalFileSafety::read(indexFile(), largestRecentIndex));
         std::erase_if(list, [](const RecentProject& entry) { return !entry.projectURL.filePath(); });
+        for (RecentProject& entry : list)
+            findMoved(entry);
         return list;
     } catch (const ProjectError&) {
         return {};
     }
 }
 
+/// After the whole folder was moved the list still names the files' old places.
+void ProjectStore::findMoved(RecentProject& entry) const {
+    const fs::path own = projectFile(entry.id);
+    const fs::path listed = *entry.projectURL.filePath();
+    std::error_code ignored;
+    if (listed != own && fs::exists(own, ignored) && !fs::exists(listed, ignored)) entry.projectURL = Url::ofFile(own);
+}
+
 void ProjectStore::removeFromRecent(const Uuid& id) {
+    if (recent().empty()) return;
     changeRecent([&](RecentProjects& list) {
         return std::erase_if(list, [&](const RecentProject& entry) { return entry.id == id; }) > 0;
     });
 }
 
 void ProjectStore::repoint(const fs::path& from, const fs::path& to) {
+    if (recent().empty()) return;
     const fs::path old = standardized(from);
     changeRecent([&](RecentProjects& list) {
         bool changed = false;
@@ -97,7 +108,6 @@ void ProjectStore::repoint(const fs::path& from, const fs::path& to) {
 
 /// Reads, changes and writes the list while no other process can; `change` returns whether there is anything to write.
 void ProjectStore::changeRecent(const std::function<bool(RecentProjects&)>& change) {
-    makePrivateFolders(operations_, directory_);
     const FolderLock lock(operations_, directory_);
     if (lock.holds()) removeAbandonedFiles(operations_, directory_);
     RecentProjects list = recent();
@@ -121,7 +131,7 @@ std::optional<FlowtideProject> ProjectStore::loadFor(const std::string& fingerpr
     for (fs::directory_iterator entry(directory_, ignored), end; !ignored && entry != end; entry.increment(ignored))
         if (entry->path().extension() == projectExtension) files.insert(standardized(entry->path()));
     for (const RecentProject& entry : recent())
-        if (entry.fingerprint == fingerprint) files.insert(standardized(*entry.projectURL.filePath()));
+        files.insert(standardized(*entry.projectURL.filePath()));
 
     std::optional<FlowtideProject> newest;
     for (const fs::path& file : files) {
@@ -157,6 +167,7 @@ FlowtideProject ProjectStore::relink(FlowtideProject project, const fs::path& cl
     project.source.url = Url::ofFile(clip);
     // It leads to the old place.
     project.source.bookmark.reset();
+    project.savedAt = ReferenceDate::now();
     save(project);
     return project;
 }

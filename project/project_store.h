@@ -31,7 +31,8 @@ public:
     /// front) and drops the file that former versions kept beside the clip. Throws ProjectError.
     void save(const FlowtideProject& project);
 
-    /// The recent projects; empty when there is no readable list.
+    /// The recent projects; empty when there is no readable list. A project whose listed file is gone is listed with
+    /// the folder's own file, when there is one.
     RecentProjects recent() const;
     /// Takes a project out of the list; its file stays. Throws ProjectError.
     void removeFromRecent(const Uuid& id);
@@ -49,6 +50,7 @@ public:
     FlowtideProject relink(FlowtideProject project, const std::filesystem::path& clip);
 
 private:
+    void findMoved(RecentProject& entry) const;
     void changeRecent(const std::function<bool(RecentProjects&)>& change);
     void removeLegacySidecar(const FlowtideProject& project);
     std::filesystem::path indexFile() const;

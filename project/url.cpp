@@ -1,6 +1,9 @@
 // Percent-encoding of file paths.
 #include "project/url.h"
 
+#include <fmt/format.h>
+
+#include <charconv>
 #include <cstddef>
 #include <string_view>
 
@@ -8,7 +11,6 @@ namespace flowtide {
 namespace {
 
 constexpr std::string_view scheme = "file:";
-constexpr std::string_view hexDigits = "0123456789ABCDEF";
 
 bool isLetterOrDigit(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
@@ -17,13 +19,6 @@ bool isLetterOrDigit(char c) {
 /// RFC 3986, pchar and the slash; without ";", which some readers take for the start of parameters.
 bool staysPlain(char c) {
     return isLetterOrDigit(c) || std::string_view("-._~/!$&'()*+,=:@").find(c) != std::string_view::npos;
-}
-
-std::optional<unsigned> hexDigit(char c) {
-    if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0');
-    if (c >= 'a' && c <= 'f') return static_cast<unsigned>(c - 'a') + 10;
-    if (c >= 'A' && c <= 'F') return static_cast<unsigned>(c - 'A') + 10;
-    return std::nullopt;
 }
 
 bool startsWithIgnoringCase(std::string_view text, std::string_view lowerCasePrefix) {
@@ -42,11 +37,11 @@ std::optional<std::string> percentDecoded(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         char c = text[i];
         if (c == '%') {
-            if (text.size() - i < 3) return std::nullopt;
-            const auto high = hexDigit(text[i + 1]);
-            const auto low = hexDigit(text[i + 2]);
-            if (!high || !low) return std::nullopt;
-            c = static_cast<char>((*high << 4) | *low);
+            const std::string_view digits = text.substr(i + 1, 2);
+            unsigned byte = 0;
+            const auto end = std::from_chars(digits.data(), digits.data() + digits.size(), byte, 16).ptr;
+            if (end - digits.data() != 2) return std::nullopt;
+            c = static_cast<char>(byte);
             i += 2;
         }
         if (c == '\0') return std::nullopt;
@@ -60,14 +55,10 @@ std::optional<std::string> percentDecoded(std::string_view text) {
 Url Url::ofFile(const std::filesystem::path& path) {
     std::string text = "file://";
     for (const char c : std::filesystem::absolute(path).string()) {
-        if (staysPlain(c)) {
+        if (staysPlain(c))
             text += c;
-        } else {
-            const auto byte = static_cast<unsigned char>(c);
-            text += '%';
-            text += hexDigits[byte >> 4];
-            text += hexDigits[byte & 0x0Fu];
-        }
+        else
+            text += fmt::format("%{:02X}", static_cast<unsigned char>(c));
     }
     return {text};
 }

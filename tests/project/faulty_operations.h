@@ -31,11 +31,11 @@ public:
     int count() const { return count_; }
     int flushes() const { return flushes_; }
 
-    int makeFolder(const std::filesystem::path& path, mode_t mode) override {
-        return passed([&] { return system_.makeFolder(path, mode); });
+    int makeFolder(const std::filesystem::path& path) override {
+        return passed([&] { return system_.makeFolder(path); });
     }
-    int createFile(const std::filesystem::path& path, mode_t mode) override {
-        return passed([&] { return system_.createFile(path, mode); });
+    int createFile(const std::filesystem::path& path) override {
+        return passed([&] { return system_.createFile(path); });
     }
     int openLockFile(const std::filesystem::path& path) override {
         return passed([&] { return system_.openLockFile(path); });

@@ -32,7 +32,25 @@ TEST(LocalFileSafety, ReadsUpToTheLimit) {
             EXPECT_EQ(readingRefused(folder / "file", size - 1), notRegular);
         }
     }
-    EXPECT_EQ(refusal([] { LocalFileSafety::read(Url{"https://example.org/file"}, 1); }), "Choose a file on your Mac.");
+}
+
+TEST(LocalFileSafety, OnlyFilesAmongURLs) {
+    const TemporaryFolder folder;
+    writeFile(folder / "clip #1.mov", "x");
+    const Url file = Url::ofFile(folder / "clip #1.mov");
+    const Url web{"https://example.org/clip.mov"};
+    const auto refusals = [](const Url& source, const Url& destination) {
+        return std::vector{refusal([&] { LocalFileSafety::read(source, 1); }),
+                           refusal([&] { LocalFileSafety::requireRegularFile(source); }),
+                           refusal([&] { LocalFileSafety::requireDistinct(source, destination); })};
+    };
+    EXPECT_EQ(refusals(file, Url::ofFile(folder / "new.mov")), (std::vector<std::string>(3)));
+    EXPECT_EQ(refusals(web, file),
+              (std::vector<std::string>{"Choose a file on your Mac.", "Choose a video file on your Mac.",
+                                        "Choose a destination on your Mac."}));
+    EXPECT_EQ(refusals(file, web)[2], "Choose a destination on your Mac.");
+    EXPECT_EQ(refusals(file, file)[2],
+              "Choose a different output file. Loftwell Video keeps your original video unchanged.");
 }
 
 TEST(LocalFileSafety, SpecialFilesAreRefusedWithoutBlocking) {

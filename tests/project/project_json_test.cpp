@@ -113,11 +113,16 @@ TEST(ProjectJson, ReadsWhatOtherBuildsWrite) {
     EXPECT_FALSE(project.edits.previewStart);
     EXPECT_FALSE(project.edits.opticalFlowRanges);
     EXPECT_TRUE(project.edits.trackedRanges);
-    // Slashes may be escaped.
-    std::string text = minimalDocument().dump();
+    // Slashes may be escaped, whole numbers lack a fraction, zeros have a sign, and what is not ours to know is kept.
+    auto replaced = [text = minimalDocument().dump()](const std::string& from, const std::string& to) mutable {
+        return decodeProject(text.replace(text.find(from), from.size(), to));
+    };
     const std::string url = "file:///Users/me/My%20Clip.mov";
-    text.replace(text.find(url), url.size(), R"(file:\/\/\/Users\/me\/My%20Clip.mov)");
-    EXPECT_EQ(decodeProject(text).source.url.text, url);
+    EXPECT_EQ(replaced(url, R"(file:\/\/\/Users\/me\/My%20Clip.mov","bookmark":"Ym9v\/w==)").source.url.text, url);
+    EXPECT_TRUE(std::signbit(replaced("\"playhead\":0", "\"playhead\":-0").edits.playhead));
+    const FlowtideProject whole = replaced("700000000.25", "700000000");
+    EXPECT_EQ(whole.savedAt.seconds, 7e8);
+    EXPECT_EQ(Json::parse(encodeProject(whole))["source"]["bookmark"], "Ym9v/w==");
 }
 
 TEST(ProjectJson, EveryRequiredKeyIsMissed) {

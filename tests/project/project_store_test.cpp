@@ -34,23 +34,35 @@ mode_t modeOf(const fs::path& path) {
     return status.st_mode & 07777;
 }
 
-TEST_F(ProjectStoreTest, FilesAreNamedByIdAndPrivate) {
-    const mode_t umask = ::umask(0);
+TEST_F(ProjectStoreTest, FilesAreNamedById) {
     FlowtideProject project = random.project();
     project.id = *Uuid::parse("3f2504e0-4f89-41d3-9a0c-0305e82c3301");
     project.source.url = Url::ofFile("/clips/My clip #1.mov");
     store.save(project);
-    ::umask(umask);
     const fs::path file = store.directory() / "3F2504E0-4F89-41D3-9A0C-0305E82C3301.flowtide";
     EXPECT_EQ(readFile(file), encodeProject(project));
     EXPECT_EQ(ProjectStore::load(file), project);
     const RecentProject entry{project.id, "My clip #1.mov", Url::ofFile(file), project.source.fingerprint,
                               project.savedAt};
     EXPECT_EQ(store.recent(), RecentProjects{entry});
-    for (const char* name : {"deep", "deep/er", "deep/er/state"})
-        EXPECT_EQ(modeOf(folder / name), 0700U) << name;
-    for (const auto& each : fs::directory_iterator(store.directory()))
-        EXPECT_EQ(modeOf(each.path()), 0600U) << each.path();
+}
+
+TEST_F(ProjectStoreTest, WhatItCreatesIsPrivateWhateverTheUmask) {
+    for (const mode_t mask : {0U, 0022U, 0777U}) {
+        const fs::path top = folder / std::to_string(mask).c_str();
+        const mode_t before = ::umask(mask);
+        const std::string sentence = refusal([&] { ProjectStore(top / "state").save(random.project()); });
+        ::umask(before);
+        EXPECT_EQ(sentence, "");
+        EXPECT_EQ(modeOf(top), 0700U) << mask;
+        EXPECT_EQ(modeOf(top / "state"), 0700U) << mask;
+        std::size_t files = 0;
+        for (const auto& each : fs::directory_iterator(top / "state")) {
+            EXPECT_EQ(modeOf(each.path()), 0600U) << each.path();
+            ++files;
+        }
+        EXPECT_EQ(files, 3U) << "project, list, lock";
+    }
 }
 
 TEST_F(ProjectStoreTest, InvalidProjectsTouchNothing) {
@@ -141,17 +153,38 @@ TEST_F(ProjectStoreTest, TheNewestValidProjectOfAClip) {
     EXPECT_EQ(store.loadFor("wanted"), newest);
 }
 
+TEST_F(ProjectStoreTest, TheListFollowsAMovedFolder) {
+    const FlowtideProject project = random.project();
+    store.save(project);
+    store.removeFromRecent(Uuid::random());
+    const fs::path moved = folder / "moved";
+    fs::rename(store.directory(), moved);
+    EXPECT_TRUE(store.recent().empty());
+    store.removeFromRecent(project.id);
+    store.repoint(moved, folder.path());
+    EXPECT_FALSE(fs::exists(store.directory())) << "only saving creates the folder";
+    const ProjectStore there(moved);
+    ASSERT_EQ(there.recent().size(), 1U);
+    EXPECT_EQ(there.recent()[0].projectURL, Url::ofFile(there.projectFile(project.id)));
+    EXPECT_EQ(there.loadFor(project.source.fingerprint), project);
+}
+
 TEST_F(ProjectStoreTest, ChosenFiles) {
-    writeFile(folder / "project", encodeProject(random.project()));
+    const FlowtideProject project = random.project();
+    writeFile(folder / "project", encodeProject(project));
     fs::create_symlink("project", folder / "link");
     EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "project"); }), "");
     EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "link"); }),
               "The file could not be opened. Choose a regular file, not a symbolic link.");
-    fs::resize_file(folder / "project", 20 << 20);
-    EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "project"); }),
-              "The file is not a regular file or exceeds the supported size.");
-    fs::resize_file(folder / "project", largestProjectFile);
-    EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "project"); }).find("The project file is damaged"), 0U);
+    std::string text = encodeProject(project);
+    text.resize(largestProjectFile, ' ');
+    writeFile(folder / "project", text);
+    EXPECT_EQ(ProjectStore::load(folder / "project"), project);
+    for (const std::uintmax_t size : {std::uintmax_t{largestProjectFile} + 1, std::uintmax_t{20} << 20}) {
+        fs::resize_file(folder / "project", size);
+        EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "project"); }),
+                  "The file is not a regular file or exceeds the supported size.");
+    }
 }
 
 TEST_F(ProjectStoreTest, ClipsAreFoundAndRelinkedByContent) {
