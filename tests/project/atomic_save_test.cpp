@@ -37,6 +37,13 @@ int statusOf(pid_t child) {
     return WEXITSTATUS(status);
 }
 
+/// Leaves it to statusOf() to collect the child.
+bool isRunning(pid_t child) {
+    siginfo_t ended{};
+    EXPECT_EQ(::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOHANG | WNOWAIT), 0);
+    return ended.si_pid == 0;
+}
+
 /// One save into a folder, with what the folder held before and what it is to hold then.
 struct Scenario {
     std::string name;
@@ -209,11 +216,12 @@ TEST(AtomicSave, ProcessesThatSaveTogetherLoseNothing) {
     // Meanwhile a reader never sees the list shrink, as a torn one would, and always finds whole projects.
     const ProjectStore store(folder.path());
     std::size_t seen = 0;
-    while (::waitpid(children[0], nullptr, WNOHANG | WNOWAIT) == 0) {
+    while (isRunning(children[0])) {
         const RecentProjects list = store.recent();
         ASSERT_GE(list.size(), seen);
         seen = list.size();
-        if (seen > 0) ASSERT_EQ(ProjectStore::load(*list[0].projectURL.filePath()).id, list[0].id);
+        for (const RecentProject& entry : list)
+            ASSERT_EQ(ProjectStore::load(*entry.projectURL.filePath()).id, entry.id);
     }
     for (const pid_t child : children)
         EXPECT_EQ(statusOf(child), 0);
