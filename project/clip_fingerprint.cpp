@@ -45,17 +45,17 @@ private:
 
 } // namespace
 
-std::string clipFingerprint(const std::filesystem::path& path) {
-    const ReadOnlyFile file(path, ReadOnlyFile::Links::followed);
-    if (!file.isOpen()) throwSystemError(errno);
-    const auto size = file.regularFileSize();
+std::string clipFingerprint(const std::filesystem::path& file) {
+    const ReadOnlyFile clip(file, ReadOnlyFile::Links::followed);
+    if (!clip.isOpen()) throwSystemError(errno);
+    const auto size = clip.regularFileSize();
     if (!size) throw ProjectError::invalid("Choose a regular video file.");
 
     Sha256 digest;
     digest.add(std::to_string(*size));
     std::array<char, windowBytes> window;
     for (const std::uint64_t offset : {std::uint64_t{0}, *size / 2, *size < windowBytes ? 0 : *size - windowBytes}) {
-        const auto count = file.readAt(offset, window);
+        const auto count = clip.readAt(offset, window);
         if (!count) throwSystemError(errno);
         digest.add({window.data(), *count});
     }

@@ -106,21 +106,22 @@ void describe(Is<RecentProject> auto& recent, auto&& visit) {
     visit("savedAt", recent.savedAt);
 }
 
-/// Every value of an enumeration.
-template <typename Enum>
-constexpr int allCases = 0;
-template <>
-constexpr auto allCases<SpeedKeyframeRole> =
-    std::array{SpeedKeyframeRole::curve, SpeedKeyframeRole::trimStart, SpeedKeyframeRole::trimEnd};
-template <>
-constexpr auto allCases<CropAspectRatio> =
-    std::array{CropAspectRatio::nineBySixteen, CropAspectRatio::square, CropAspectRatio::fourByFive};
-template <>
-constexpr auto allCases<ZoomMode> =
-    std::array{ZoomMode::inOut, ZoomMode::zoomIn, ZoomMode::zoomOut, ZoomMode::constant};
-template <>
-constexpr auto allCases<FrameInterpolation> = std::array{FrameInterpolation::opticalFlow, FrameInterpolation::nearest};
-template <>
-constexpr auto allCases<PreviewResolution> = std::array{PreviewResolution::quick, PreviewResolution::full};
+// allCases(any): every value of an enumeration.
+
+constexpr auto allCases(SpeedKeyframeRole) {
+    return std::array{SpeedKeyframeRole::curve, SpeedKeyframeRole::trimStart, SpeedKeyframeRole::trimEnd};
+}
+constexpr auto allCases(CropAspectRatio) {
+    return std::array{CropAspectRatio::nineBySixteen, CropAspectRatio::square, CropAspectRatio::fourByFive};
+}
+constexpr auto allCases(ZoomMode) {
+    return std::array{ZoomMode::inOut, ZoomMode::zoomIn, ZoomMode::zoomOut, ZoomMode::constant};
+}
+constexpr auto allCases(FrameInterpolation) {
+    return std::array{FrameInterpolation::opticalFlow, FrameInterpolation::nearest};
+}
+constexpr auto allCases(PreviewResolution) {
+    return std::array{PreviewResolution::quick, PreviewResolution::full};
+}
 
 } // namespace flowtide::json

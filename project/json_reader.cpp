@@ -40,8 +40,8 @@ public:
     }
     bool boolean(bool value) { return scalar(value); }
     /// Numbers with a minus. The only zero among them is the negative one, which an integer cannot hold.
-    bool number_integer(Json::number_integer_t value) { return value == 0 ? scalar(-0.0) : scalar(value); }
-    bool number_unsigned(Json::number_unsigned_t value) { return scalar(value); }
+    bool number_integer(Json::number_integer_t value) { return scalar(value == 0 ? -0.0 : static_cast<double>(value)); }
+    bool number_unsigned(Json::number_unsigned_t value) { return scalar(static_cast<double>(value)); }
     bool number_float(Json::number_float_t value, const std::string&) { return scalar(value); }
     bool string(const std::string& value) { return scalar(std::string_view(value)); }
     bool binary(const Json::binary_t&) { return false; }
@@ -106,12 +106,11 @@ private:
         return list.isIgnored() ? Place{} : list.operations->element(list.target);
     }
 
-    template <typename Value>
-    bool scalar(Value value) {
+    bool scalar(const Scalar& value) {
         Place place = placeForValue();
         if (place.isIgnored()) return true;
         if (place.operations->inner) place = place.operations->inner(place.target);
-        if (!place.operations->take || !place.operations->take(place.target, Scalar(value))) refuseType();
+        if (!place.operations->take || !place.operations->take(place.target, value)) refuseType();
         return true;
     }
 

@@ -16,8 +16,8 @@
 
 namespace flowtide::json {
 
-/// A value without parts, as the parser reports it. The monostate is null.
-using Scalar = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string_view>;
+/// A value without parts; null apart.
+using Scalar = std::variant<bool, double, std::string_view>;
 
 struct Operations;
 
@@ -44,39 +44,33 @@ struct Operations {
     std::string_view (*missing)(void* target, std::uint64_t seen) = nullptr;
 };
 
-template <typename Number>
-std::optional<Number> numberIn(const Scalar& value) {
-    if (const auto* number = std::get_if<double>(&value)) return static_cast<Number>(*number);
-    if (const auto* number = std::get_if<std::int64_t>(&value)) return static_cast<Number>(*number);
-    if (const auto* number = std::get_if<std::uint64_t>(&value)) return static_cast<Number>(*number);
-    return std::nullopt;
+/// Whether the value is a `Kind`; then it is in the field.
+template <typename Kind, typename Field>
+bool takeAs(Field& field, const Scalar& value) {
+    const auto* held = std::get_if<Kind>(&value);
+    if (held) field = *held;
+    return held != nullptr;
+}
+
+inline bool takeInto(bool& field, const Scalar& value) {
+    return takeAs<bool>(field, value);
 }
 
 inline bool takeInto(double& field, const Scalar& value) {
-    const auto number = numberIn<double>(value);
-    field = number.value_or(0);
-    return number.has_value();
+    return takeAs<double>(field, value);
 }
 
 /// Takes whole numbers however they are written, as 1.0 for 1.
 inline bool takeInto(std::int64_t& field, const Scalar& value) {
     constexpr double limit = 9'007'199'254'740'992; // 2^53: below it a double holds whole numbers exactly
-    const auto number = numberIn<double>(value);
-    if (!number || !(std::abs(*number) < limit) || std::trunc(*number) != *number) return false;
-    field = static_cast<std::int64_t>(*number);
+    double number = 0;
+    if (!takeInto(number, value) || !(std::abs(number) < limit) || std::trunc(number) != number) return false;
+    field = static_cast<std::int64_t>(number);
     return true;
 }
 
-inline bool takeInto(bool& field, const Scalar& value) {
-    const auto* flag = std::get_if<bool>(&value);
-    if (flag) field = *flag;
-    return flag != nullptr;
-}
-
 inline bool takeInto(std::string& field, const Scalar& value) {
-    const auto* text = std::get_if<std::string_view>(&value);
-    if (text) field = *text;
-    return text != nullptr;
+    return takeAs<std::string_view>(field, value);
 }
 
 inline bool takeInto(Uuid& field, const Scalar& value) {
@@ -112,7 +106,7 @@ requires std::is_enum_v<Enum>
 bool takeInto(Enum& field, const Scalar& value) {
     const auto* text = std::get_if<std::string_view>(&value);
     if (!text) return false;
-    for (const Enum each : allCases<Enum>) {
+    for (const Enum each : allCases(field)) {
         if (rawValue(each) != *text) continue;
         field = each;
         return true;
@@ -152,9 +146,9 @@ struct OperationsOf<std::optional<Field>> {
 };
 
 template <typename Field>
-constexpr bool isOptional = false;
+inline constexpr bool isOptional = false;
 template <typename Field>
-constexpr bool isOptional<std::optional<Field>> = true;
+inline constexpr bool isOptional<std::optional<Field>> = true;
 
 template <typename Record>
 struct OperationsOf {
