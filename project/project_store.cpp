@@ -151,7 +151,7 @@ FlowtideProject ProjectStore::load(const fs::path& file) {
 }
 
 std::optional<fs::path> ProjectStore::resolve(const FlowtideProject& project) {
-    const auto clip = project.source.url.filePath();
+    auto clip = project.source.url.filePath();
     try {
         if (clip && clipFingerprint(*clip) == project.source.fingerprint) return clip;
     } catch (const ProjectError&) {

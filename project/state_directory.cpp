@@ -57,7 +57,7 @@ fs::path stateDirectory(const Environment& environment) {
 
 fs::path defaultDirectory(const Environment& environment, FileOperations& operations) {
     const fs::path parent = dataFolder(environment);
-    const fs::path folder = parent / folderName;
+    fs::path folder = parent / folderName;
     makePrivateFolders(operations, folder);
     for (const char* name : formerFolderNames)
         migrateDirectory(parent / name, folder);

@@ -39,7 +39,7 @@ const std::string move = "move /Apps/Flowtide.app to /Apps/Loftwell Video.app";
 Calls callsWith(const std::function<void(FakeHost&)>& change) {
     FakeHost host;
     change(host);
-    if (LegacyBundleRename::renameAndRelaunchIfNeeded(host)) host.calls.push_back("exit");
+    if (LegacyBundleRename::renameAndRelaunchIfNeeded(host)) host.calls.emplace_back("exit");
     return host.calls;
 }
 
