@@ -99,7 +99,7 @@ private:
         const auto& next = held.next();
         if (inputs_.renderer && next && previous.time < time && time < next->time &&
             OpticalFlowScope::contains(inputs_.plan.opticalFlowRanges, time))
-            return inputs_.renderer->render(previous.frame, previous.time, next->frame, next->time, time);
+            return inputs_.renderer->render({previous, *next, {}, {}}, time);
         return previous.frame;
     }
 

@@ -39,8 +39,9 @@ OpticalFlowInterpolator::OpticalFlowInterpolator(int width, int height, PixelLay
 
 OpticalFlowInterpolator::~OpticalFlowInterpolator() = default;
 
-VideoFrame OpticalFlowInterpolator::render(const VideoFrame& previous, SourceSeconds previousTime,
-                                           const VideoFrame& next, SourceSeconds nextTime, SourceSeconds time) {
+VideoFrame OpticalFlowInterpolator::render(const FramePair& frames, SourceSeconds time) {
+    const auto& [previous, previousTime] = frames.first;
+    const auto& [next, nextTime] = frames.second;
     const double phase = (time.value - previousTime.value) / (nextTime.value - previousTime.value);
     if (!(phase > samePhase)) return previous;
     if (phase >= 1 - samePhase) return next;

@@ -18,8 +18,7 @@ public:
     OpticalFlowInterpolator(int width, int height, PixelLayout layout);
     ~OpticalFlowInterpolator() override;
 
-    VideoFrame render(const VideoFrame& previous, SourceSeconds previousTime, const VideoFrame& next,
-                      SourceSeconds nextTime, SourceSeconds time) override;
+    VideoFrame render(const FramePair& pair, SourceSeconds time) override;
 
 private:
     /// What is known of the last pair.

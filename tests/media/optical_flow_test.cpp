@@ -81,7 +81,7 @@ TEST(OpticalFlow, ATranslationLandsWhereThePhaseSays) {
         };
         OpticalFlowInterpolator interpolator(321, 201, layout);
         for (const double phase : {0.1, 0.37, 0.5, 0.9}) {
-            const VideoFrame frame = interpolator.render(moved(0), {1}, moved(1), {2}, {1 + phase});
+            const VideoFrame frame = interpolator.render({{moved(0), {1}}, {moved(1), {2}}, {}, {}}, {1 + phase});
             const double right = psnr(frame, moved(phase), 0, 16);
             EXPECT_GT(right, 38) << layout.bitDepth << " at " << phase;
             EXPECT_GT(psnr(frame, moved(phase), 1, 16), 35) << layout.bitDepth << " at " << phase;
@@ -101,11 +101,11 @@ TEST(OpticalFlow, EndsStillPairsAndCutsAreTheFramesThemselves) {
     const VideoFrame other =
         drawn(layouts[0], 160, 120, [](double x, double y) { return std::fmod(x * x * 0.37 + y * 91.3 * x, 220); });
     OpticalFlowInterpolator interpolator(160, 120, layouts[0]);
-    EXPECT_EQ(interpolator.render(a, {0}, b, {1}, {0}).planes[0].data, a.planes[0].data);
-    EXPECT_EQ(interpolator.render(a, {0}, b, {1}, {1}).planes[0].data, b.planes[0].data);
-    EXPECT_TRUE(samePixels(interpolator.render(a, {2}, copy, {3}, {2.4}), a));
-    EXPECT_EQ(interpolator.render(a, {4}, other, {5}, {4.4}).planes[0].data, a.planes[0].data);
-    EXPECT_EQ(interpolator.render(a, {4}, other, {5}, {4.6}).planes[0].data, other.planes[0].data);
+    EXPECT_EQ(interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {0}).planes[0].data, a.planes[0].data);
+    EXPECT_EQ(interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {1}).planes[0].data, b.planes[0].data);
+    EXPECT_TRUE(samePixels(interpolator.render({{a, {2}}, {copy, {3}}, {}, {}}, {2.4}), a));
+    EXPECT_EQ(interpolator.render({{a, {4}}, {other, {5}}, {}, {}}, {4.4}).planes[0].data, a.planes[0].data);
+    EXPECT_EQ(interpolator.render({{a, {4}}, {other, {5}}, {}, {}}, {4.6}).planes[0].data, other.planes[0].data);
 }
 
 TEST(OpticalFlow, AFadeFades) {
@@ -113,7 +113,7 @@ TEST(OpticalFlow, AFadeFades) {
     const VideoFrame bright = drawn(layouts[0], 160, 120, texture);
     const VideoFrame middle = drawn(layouts[0], 160, 120, [](double x, double y) { return 0.925 * texture(x, y); });
     OpticalFlowInterpolator interpolator(160, 120, layouts[0]);
-    EXPECT_GT(psnr(interpolator.render(dark, {0}, bright, {1}, {0.5}), middle, 0, 8), 30);
+    EXPECT_GT(psnr(interpolator.render({{dark, {0}}, {bright, {1}}, {}, {}}, {0.5}), middle, 0, 8), 30);
 }
 
 TEST(OpticalFlow, TheSameArgumentsGiveTheSamePixelsWhateverCameBefore) {
@@ -122,10 +122,10 @@ TEST(OpticalFlow, TheSameArgumentsGiveTheSamePixelsWhateverCameBefore) {
     };
     const VideoFrame frames[] = {at(0), at(5), at(11)};
     OpticalFlowInterpolator walked(200, 140, layouts[0]);
-    walked.render(frames[0], {0}, frames[1], {1}, {0.3});
-    const VideoFrame inside = walked.render(frames[1], {1}, frames[2], {2}, {1.7});
+    walked.render({{frames[0], {0}}, {frames[1], {1}}, {}, {}}, {0.3});
+    const VideoFrame inside = walked.render({{frames[1], {1}}, {frames[2], {2}}, {}, {}}, {1.7});
     OpticalFlowInterpolator alone(200, 140, layouts[0]);
-    EXPECT_TRUE(samePixels(inside, alone.render(frames[1], {1}, frames[2], {2}, {1.7})));
+    EXPECT_TRUE(samePixels(inside, alone.render({{frames[1], {1}}, {frames[2], {2}}, {}, {}}, {1.7})));
 }
 
 TEST(OpticalFlow, AnySizeWorks) {
@@ -135,7 +135,7 @@ TEST(OpticalFlow, AnySizeWorks) {
             const VideoFrame b =
                 drawn(layout, width, height, [](double x, double y) { return texture(x + 90, y - 50); });
             OpticalFlowInterpolator interpolator(width, height, layout);
-            const VideoFrame frame = interpolator.render(a, {0}, b, {1}, {0.5});
+            const VideoFrame frame = interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {0.5});
             EXPECT_EQ(frame.width, width);
             EXPECT_EQ(frame.height, height);
         }
