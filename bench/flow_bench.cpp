@@ -149,11 +149,9 @@ Tallies measured(const std::vector<VideoFrame>& frames, int step) {
             const VideoFrame& truth = frames[i + k];
             const double share = static_cast<double>(k) / step;
             const double start = cpuSeconds();
-            const VideoFrame own = interpolator.render({{frames[i], {static_cast<double>(i)}},
-                                                        {frames[i + every], {static_cast<double>(i + every)}},
-                                                        {},
-                                                        {}},
-                                                       {static_cast<double>(i + k)});
+            const VideoFrame own = interpolator.render(
+                {{frames[i], {static_cast<double>(i)}}, {frames[i + every], {static_cast<double>(i + every)}}, {}, {}},
+                {static_cast<double>(i + k)});
             tallies["ours"].add(bench::quality(own, truth), cpuSeconds() - start);
             tallies["blend"].add(bench::quality(blend(frames[i], frames[i + every], share), truth), 0);
             tallies["repeat"].add(bench::quality(frames[i], truth), 0);

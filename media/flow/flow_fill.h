@@ -1,13 +1,13 @@
-// Replaces motion that cannot be trusted by what surrounds it.
+// Filling of vectors that cannot be trusted.
 #pragma once
 
 #include "media/flow/flow_pair.h"
 
 namespace flowtide::flow {
 
-/// Fills `flow.motion` where its confidence is low from trusted motion around it, across likes in luma rather than
-/// unlikes, unless the vector there explains the picture far better than the filling. `from` is where the motion
-/// starts, `to` where it leads.
-void fillUntrusted(DirectedFlow& flow, const GrayImage& from, const GrayImage& to);
+/// Replaces vectors of low confidence by what surrounds them, likely luma counting more; found vectors that fit the
+/// images far better than the filling stay.
+void fillUntrusted(DirectedFlow& flow, const GrayImage& from, const GrayImage& to, const Kernels& kernels,
+                   WorkerPool& workers);
 
 } // namespace flowtide::flow

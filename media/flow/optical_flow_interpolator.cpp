@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace flowtide {
 
@@ -28,43 +29,46 @@ bool samePixels(const VideoFrame& a, const VideoFrame& b) {
 
 struct OpticalFlowInterpolator::CachedPair {
     SourceSeconds firstTime;
-    SourceSeconds nextTime;
+    SourceSeconds secondTime;
     bool isStill = false;
-    std::vector<flow::GrayImage> nextLuma; // the next pair's first
-    std::optional<flow::FlowPair> flow;    // absent for a still pair
+    std::shared_ptr<const flow::Pyramid> secondLuma; // the next pair's first
+    std::optional<flow::FlowPair> flow;              // absent for a still pair
 };
 
-OpticalFlowInterpolator::OpticalFlowInterpolator(int width, int height, PixelLayout layout)
-    : pool_(layout, width, height) {}
+OpticalFlowInterpolator::OpticalFlowInterpolator(int width, int height, PixelLayout layout,
+                                                 const OpticalFlowOptions& options)
+    : pool_(layout, width, height)
+    , kernels_(flow::kernelsFor(options.instructions))
+    , workers_(options.threads) {}
 
 OpticalFlowInterpolator::~OpticalFlowInterpolator() = default;
 
 VideoFrame OpticalFlowInterpolator::render(const FramePair& frames, SourceSeconds time) {
-    const auto& [previous, previousTime] = frames.first;
-    const auto& [next, nextTime] = frames.second;
-    const double phase = (time.value - previousTime.value) / (nextTime.value - previousTime.value);
-    if (!(phase > samePhase)) return previous;
-    if (phase >= 1 - samePhase) return next;
-    CachedPair& pair = pairOf(previous, previousTime, next, nextTime);
-    if (pair.isStill) return previous;
-    if (pair.flow->isCut) return phase < 0.5 ? previous : next;
-    const auto position = static_cast<float>(phase);
-    return flow::warped(previous, next, flow::phaseField(*pair.flow, position), position, pool_);
+    const auto& [first, firstTime] = frames.first;
+    const auto& [second, secondTime] = frames.second;
+    const double phase = (time.value - firstTime.value) / (secondTime.value - firstTime.value);
+    if (!(phase > samePhase)) return first;
+    if (phase >= 1 - samePhase) return second;
+    CachedPair& pair = pairOf(frames.first, frames.second);
+    if (pair.isStill) return first;
+    if (pair.flow->isCut) return phase < 0.5 ? first : second;
+    flow::PhaseField field = flow::phaseField(*pair.flow, phase, kernels_, workers_);
+    return flow::warped(first, second, field, phase, pool_, kernels_, workers_);
 }
 
-OpticalFlowInterpolator::CachedPair& OpticalFlowInterpolator::pairOf(const VideoFrame& previous,
-                                                                     SourceSeconds previousTime, const VideoFrame& next,
-                                                                     SourceSeconds nextTime) {
-    if (lastPair_ && lastPair_->firstTime == previousTime && lastPair_->nextTime == nextTime) return *lastPair_;
+OpticalFlowInterpolator::CachedPair& OpticalFlowInterpolator::pairOf(const TimedFrame& first,
+                                                                     const TimedFrame& second) {
+    if (lastPair_ && lastPair_->firstTime == first.time && lastPair_->secondTime == second.time) return *lastPair_;
     auto pair = std::make_unique<CachedPair>();
-    pair->firstTime = previousTime;
-    pair->nextTime = nextTime;
-    pair->isStill = samePixels(previous, next);
+    pair->firstTime = first.time;
+    pair->secondTime = second.time;
+    pair->isStill = samePixels(first.frame, second.frame);
     if (!pair->isStill) {
-        const bool follows = lastPair_ && !lastPair_->nextLuma.empty() && lastPair_->nextTime == previousTime;
-        const auto firstLuma = follows ? std::move(lastPair_->nextLuma) : flow::lumaPyramid(previous);
-        pair->nextLuma = flow::lumaPyramid(next);
-        pair->flow = flow::estimateFlow(firstLuma, pair->nextLuma);
+        const bool follows = lastPair_ && lastPair_->secondLuma && lastPair_->secondTime == first.time;
+        const auto firstLuma =
+            follows ? lastPair_->secondLuma : std::make_shared<const flow::Pyramid>(flow::lumaPyramid(first.frame));
+        pair->secondLuma = std::make_shared<const flow::Pyramid>(flow::lumaPyramid(second.frame));
+        pair->flow = flow::estimateFlow(firstLuma, pair->secondLuma, kernels_, workers_);
     }
     lastPair_ = std::move(pair);
     return *lastPair_;

@@ -3,13 +3,21 @@
 
 #include "media/flow/field.h"
 #include "media/flow/gray_image.h"
+#include "media/flow/kernels/kernels.h"
+#include "media/flow/worker_pool.h"
 
 #include <vector>
 
 namespace flowtide::flow {
 
-/// For each pixel of `from`'s finest level, where it lies in `to`, as a displacement in that level's pixels. Both
-/// pyramids have the same sizes.
-Field<Vector> patchFlow(const std::vector<GrayImage>& from, const std::vector<GrayImage>& to);
+/// For each pixel of one image's finest level, where it lies in the other.
+struct PairMotion {
+    Field<MotionVector> forward; ///< from the first image to the second
+    Field<MotionVector> backward;
+};
+
+/// Both pyramids have the same sizes. The result does not depend on the number of workers.
+PairMotion patchFlow(const std::vector<GrayImage>& first, const std::vector<GrayImage>& second, const Kernels& kernels,
+                     WorkerPool& workers);
 
 } // namespace flowtide::flow

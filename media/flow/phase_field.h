@@ -8,11 +8,17 @@ namespace flowtide::flow {
 /// For one phase, at half resolution: the motion from the first frame to the second through each pixel of the
 /// in-between frame, and how much of the pixel the second frame gives.
 struct PhaseField {
-    Field<Vector> motion;
-    Field<float> secondShare; ///< 0...1
+    Field<MotionVector> motion;
+    Field<MotionVector> shift;       ///< by which both places lie beside the straight line; empty: nowhere
+    Field<std::int16_t> secondShare; ///< in shareUnits
+
+    PhasePlanes planes() {
+        return {motion.width(), motion.height(), motion.row(0), shift.width() > 0 ? shift.row(0) : nullptr,
+                secondShare.row(0)};
+    }
 };
 
 /// `phase`: 0 (the first frame) to 1 (the second), exclusive.
-PhaseField phaseField(const FlowPair& pair, float phase);
+PhaseField phaseField(FlowPair& pair, double phase, const Kernels& kernels, WorkerPool& workers);
 
 } // namespace flowtide::flow
