@@ -30,7 +30,7 @@ VideoFrame warped(const VideoFrame& first, const VideoFrame& second, PhaseField&
                              result.planes[plane],
                              result.frame.planes[plane].stride};
         workers.runBands(warp.first.height, [&](int begin, int end) {
-            std::vector<std::int32_t> scratch(warpScratchSize(warp.field.width));
+            std::vector<float> scratch(warpScratchSize(warp.field.width));
             kernels.warp(warp, scratch.data(), begin, end);
         });
     }

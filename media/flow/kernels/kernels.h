@@ -133,7 +133,7 @@ struct PlaneWarp {
     std::ptrdiff_t outStride; ///< bytes
 };
 
-/// Four-byte values of scratch that drawing a row takes.
+/// Floats of scratch that drawing a row takes.
 constexpr std::size_t warpScratchSize(int fieldWidth) {
     return 5 * (static_cast<std::size_t>(fieldWidth) + 32);
 }
@@ -186,7 +186,7 @@ struct Kernels {
     void (*shares)(const PhaseImages& images, const MotionView& forward, const MotionView& backward,
                    const PhasePlanes& field, int begin, int end);
     /// Draws rows of a plane: bicubic samples of both frames, blended. `scratch`: warpScratchSize() values.
-    void (*warp)(const PlaneWarp& warp, std::int32_t* scratch, int begin, int end);
+    void (*warp)(const PlaneWarp& warp, float* scratch, int begin, int end);
 };
 
 /// Instructions that a machine may have beyond what every one of its kind has.

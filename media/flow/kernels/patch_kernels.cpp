@@ -444,7 +444,7 @@ void vote(const PatchSearch& search, int i, int j, int half, const Vote& votes) 
         const Short8 found = sampledRow(upper, lower, above, below);
         upper = lower;
         const Short8 error = found - (widened(load<Byte8>(pixelAt(search.from, left, top + row))) << 2);
-        const Float8 apart = __builtin_convertvector(error, Float8) * 0.25F;
+        const Float8 apart = toFloat(toInt(error)) * 0.25F;
         const Float8 squared = apart * apart;
         const Float8 weight = 1 / greatest(squared, Float8{} + 1.0F);
         float* w = votes.weight + row * votes.stride + patchStride * i;
@@ -458,8 +458,7 @@ void vote(const PatchSearch& search, int i, int j, int half, const Vote& votes) 
 
 inline Short8 motionUnitsOf(Float8 pixels) {
     const Float8 bounded = between(pixels, Float8{} - farthest, Float8{} + farthest) * motionUnits;
-    return __builtin_convertvector(
-        toInt(bounded + farthest * motionUnits + 0.5F) - static_cast<int>(farthest) * motionUnits, Short8);
+    return toShort(toInt(bounded + farthest * motionUnits + 0.5F) - static_cast<int>(farthest) * motionUnits);
 }
 
 void densify(const PatchSearch& search, float* scratch, MotionVector* motion, std::ptrdiff_t stride, int begin,

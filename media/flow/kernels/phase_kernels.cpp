@@ -22,6 +22,19 @@ inline Int8 scaled(Int8 units, int share) {
 constexpr int nearnessBits = 14;
 constexpr int farthestSquared = 2 * motionUnits * motionUnits;
 
+using Long4 = std::int64_t __attribute__((vector_size(32)));
+
+/// Keeps the greater of four cells and four values.
+inline void keepGreater(std::uint64_t* cells, Long4 values) {
+    store(cells, greatest(load<Long4>(cells), values));
+}
+
+/// What eight neighbouring vectors bring to one corner each, where the corners lie side by side too.
+inline void keepGreater(std::uint64_t* cells, Int8 ranks, Int8 vectors) {
+    keepGreater(cells, reinterpret_cast<Long4>(__builtin_shufflevector(vectors, ranks, 0, 8, 1, 9, 2, 10, 3, 11)));
+    keepGreater(cells + 4, reinterpret_cast<Long4>(__builtin_shufflevector(vectors, ranks, 4, 12, 5, 13, 6, 14, 7, 15)));
+}
+
 void splat(const MotionView& flow, int share, bool reversed, std::uint64_t* cells) {
     const int width = flow.width;
     const int height = flow.height;
@@ -43,6 +56,19 @@ void splat(const MotionView& flow, int share, bool reversed, std::uint64_t* cell
             const Int8 base = farthestSquared + ranks;
             const Int8 corner[4] = {base - fx * fx - fy * fy, base - gx * gx - fy * fy, base - fx * fx - gy * gy,
                                     base - gx * gx - gy * gy};
+            const int firstColumn = columns[0];
+            const int firstRow = rows[0];
+            const bool sideBySide = count == 8 && firstColumn >= 0 && firstRow >= 0 && firstColumn + 8 < width &&
+                                    firstRow + 1 < height &&
+                                    !any((columns - laneNumbers() != firstColumn) | (rows != firstRow));
+            if (sideBySide) {
+                std::uint64_t* cell = cells + static_cast<std::ptrdiff_t>(firstRow) * width + firstColumn;
+                keepGreater(cell, corner[0], vectors);
+                keepGreater(cell + 1, corner[1], vectors);
+                keepGreater(cell + width, corner[2], vectors);
+                keepGreater(cell + width + 1, corner[3], vectors);
+                continue;
+            }
             for (int lane = 0; lane < count; ++lane) {
                 const int column = columns[lane];
                 const int row = rows[lane];
@@ -247,8 +273,11 @@ void shares(const PhaseImages& images, const MotionView& forward, const MotionVi
                 const Int8 weighed = toInt(second / (first + second) * shareUnits + 0.5F);
                 share = sure ? share : weighed;
             }
-            const Short8 shortShare = __builtin_convertvector(share, Short8);
-            std::memcpy(field.secondShare + at, &shortShare, static_cast<std::size_t>(count) * sizeof(std::int16_t));
+            const Short8 shortShare = toShort(share);
+            if (count == 8)
+                store(field.secondShare + at, shortShare);
+            else
+                std::memcpy(field.secondShare + at, &shortShare, static_cast<std::size_t>(count) * sizeof(std::int16_t));
         }
 }
 

@@ -51,11 +51,14 @@ inline void storeFirst(void* to, Int8 values, int count) {
 }
 /// Stores the low bytes of the first `count` of eight values.
 inline void storeBytes(std::uint8_t* to, Int8 values, int count) {
-    const Byte8 bytes = __builtin_convertvector(values, Byte8);
-    std::memcpy(to, &bytes, static_cast<std::size_t>(least(count, 8)));
+    const Byte8 bytes = toByte(values);
+    if (count >= 8)
+        store(to, bytes);
+    else
+        std::memcpy(to, &bytes, static_cast<std::size_t>(count));
 }
 inline Int8 loadBytes(const std::uint8_t* from) {
-    return __builtin_convertvector(load<Byte8>(from), Int8);
+    return toInt(load<Byte8>(from));
 }
 
 inline bool any(Int8 lanes) {
