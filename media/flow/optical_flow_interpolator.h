@@ -6,9 +6,8 @@
 #include "media/frame_interpolation.h"
 #include "media/frame_pool.h"
 
+#include <deque>
 #include <memory>
-#include <optional>
-#include <utility>
 
 namespace flowtide {
 
@@ -19,7 +18,8 @@ struct OpticalFlowOptions {
 };
 
 /// Renders frames between two frames of one layout and size. Frames of the same pair share the motion that was
-/// estimated for it. Used by one worker at a time; what it returns depends on its arguments alone.
+/// estimated for it, and neighbouring pairs share theirs as context. Used by one worker at a time; what it returns
+/// depends on its arguments alone, as long as one time always means the same frame.
 class OpticalFlowInterpolator : public FrameInterpolating {
 public:
     OpticalFlowInterpolator(int width, int height, PixelLayout layout, const OpticalFlowOptions& options = {});
@@ -28,15 +28,20 @@ public:
     VideoFrame render(const FramePair& frames, SourceSeconds time) override;
 
 private:
-    /// What is known of the last pair.
-    struct CachedPair;
+    struct KnownFrame;
+    struct KnownPair;
+    struct CurrentPair;
 
-    CachedPair& pairOf(const TimedFrame& first, const TimedFrame& second);
+    std::shared_ptr<const flow::Pyramid> lumaOf(const TimedFrame& frame);
+    std::shared_ptr<KnownPair> pairOf(const TimedFrame& first, const TimedFrame& second);
+    void moveTo(const FramePair& frames);
 
     FramePool pool_;
     const flow::Kernels& kernels_;
     flow::WorkerPool workers_;
-    std::unique_ptr<CachedPair> lastPair_;
+    std::deque<KnownFrame> frames_; ///< those of the last pairs, newest last
+    std::deque<std::shared_ptr<KnownPair>> pairs_;
+    std::unique_ptr<CurrentPair> current_;
 };
 
 } // namespace flowtide

@@ -29,7 +29,7 @@ public:
         patches.columns = (from.width() - 1) / patchStride + 2;
         patches.rows = (from.height() - 1) / patchStride + 2;
         patches.stride = patches.columns + 2 + lanesBeyond;
-        const std::size_t size = static_cast<std::size_t>(patches.stride) * static_cast<std::size_t>(patches.rows + 2);
+        const std::size_t size = static_cast<std::size_t>(patches.stride) * static_cast<std::size_t>(patches.rows + 3);
         memory_.resize(planes * size);
         float* next = memory_.data();
         for (float** plane :
@@ -59,6 +59,23 @@ public:
         clearBorder(nextY_);
         std::swap(search_.patches.x, nextX_);
         std::swap(search_.patches.y, nextY_);
+    }
+
+    /// Repeats the displacements on the border, where the next level's patches may look for parents.
+    void finish() {
+        const PatchPlanes& patches = search_.patches;
+        for (float* plane : {patches.x, patches.y}) {
+            for (int j = 1; j <= patches.rows; ++j) {
+                float* row = plane + j * patches.stride;
+                row[0] = row[1];
+                std::fill_n(row + patches.columns + 1, 2, row[patches.columns]);
+            }
+            std::copy_n(plane + patches.stride, patches.columns + 3, plane);
+            for (int beyond = 1; beyond <= 2; ++beyond) {
+                const float* last = plane + patches.rows * patches.stride;
+                std::copy_n(last, patches.columns + 3, plane + (patches.rows + beyond) * patches.stride);
+            }
+        }
     }
 
 private:
@@ -109,6 +126,8 @@ PairMotion patchFlow(const std::vector<GrayImage>& first, const std::vector<Gray
             for (Level& level : now)
                 level.endSweep();
         }
+        for (Level& level : now)
+            level.finish();
     }
     return {densified(levels.back()[0], kernels, workers), densified(levels.back()[1], kernels, workers)};
 }

@@ -27,7 +27,8 @@ Projected projected(DirectedFlow& flow, int share, bool reversed, const Kernels&
 
 } // namespace
 
-PhaseField phaseField(FlowPair& pair, double phase, const Kernels& kernels, WorkerPool& workers) {
+PhaseField phaseField(FlowPair& pair, const std::optional<Bend>& bend, double phase, const Kernels& kernels,
+                      WorkerPool& workers) {
     const int share = static_cast<int>(std::lround(phase * shareUnits));
     const PhaseImages images{pair.first->front().view(), pair.second->front().view(), share};
     const int width = images.first.width;
@@ -47,6 +48,9 @@ PhaseField phaseField(FlowPair& pair, double phase, const Kernels& kernels, Work
     PhaseField result{Field<MotionVector>(width, height), {}, Field<std::int16_t>(width, height)};
     workers.runBands(height, [&](int begin, int end) {
         kernels.crossMedian(chosen.row(0), width, height, result.motion.row(0), begin, end);
+    });
+    if (bend) result.shift = shiftAt(*bend, result.motion, phase, workers);
+    workers.runBands(height, [&](int begin, int end) {
         kernels.shares(images, pair.forward.view(), pair.backward.view(), result.planes(), begin, end);
     });
     return result;

@@ -1,7 +1,10 @@
 // Where each pixel of an in-between frame comes from.
 #pragma once
 
+#include "media/flow/bend.h"
 #include "media/flow/flow_pair.h"
+
+#include <optional>
 
 namespace flowtide::flow {
 
@@ -19,6 +22,7 @@ struct PhaseField {
 };
 
 /// `phase`: 0 (the first frame) to 1 (the second), exclusive.
-PhaseField phaseField(FlowPair& pair, double phase, const Kernels& kernels, WorkerPool& workers);
+PhaseField phaseField(FlowPair& pair, const std::optional<Bend>& bend, double phase, const Kernels& kernels,
+                      WorkerPool& workers);
 
 } // namespace flowtide::flow

@@ -25,8 +25,8 @@ struct ImageView {
     int height;
 };
 
-/// What is known of one level's patches. Every plane has a border of one patch around it; entry (i, j) lies at
-/// (j + 1) · stride + i + 1.
+/// What is known of one level's patches. Every plane has a border of one patch left and above and of two right and
+/// below; entry (i, j) lies at (j + 1) · stride + i + 1.
 struct PatchPlanes {
     int columns;
     int rows;
@@ -48,7 +48,7 @@ struct PatchSearch {
     ImageView from;
     ImageView to;
     PatchPlanes patches;
-    PatchPlanes parents; ///< of the level of half the size; not looked at on the coarsest
+    PatchPlanes parents; ///< of the level of half the size, repeated on the border; not looked at on the coarsest
     bool isCoarsest;
 };
 

@@ -1,6 +1,6 @@
 // Patch matching: candidate search, sub-pixel refinement, sweeps, densification.
 #include "media/flow/kernels/kernel_sets.h"
-#include "media/flow/kernels/lanes.h"
+#include "media/flow/kernels/sampling.h"
 
 namespace flowtide::flow::FLOWTIDE_LANES {
 
@@ -16,7 +16,7 @@ constexpr int refinementSteps = 3;
 constexpr float damping = 0.2F * patchPixels;
 constexpr float longestStep = 2; // pixels; a longer refinement is a failed one
 constexpr float priorWeight = 2000;
-constexpr float linearReach = 0.15F; // pixels that a patch may move before its slope is measured anew
+constexpr float linearReach = 0.15F; // pixels that a patch may move before its slope has to be measured anew
 constexpr float leastVote = 1e-6F;   // less than any pixel gets
 constexpr float farthest = 500;      // pixels; a MotionVector holds this much
 
@@ -220,55 +220,89 @@ public:
 
     /// The best of what the coarser level predicts here and around, and of what the neighbours found.
     Motion bestCandidate() {
+        const PatchPlanes& parents = search_.parents;
+        const std::ptrdiff_t parent = (j_ / 2 + 1) * parents.stride + i_ / 2 + 1;
+        const std::ptrdiff_t below = parents.stride;
+        // The four parents, then four around them, then neighbours.
+        const std::ptrdiff_t places[8] = {0, 1, below, below + 1, -1, below + 2, 1 - below, 2 * below};
+        alignas(32) float x[16] = {};
+        alignas(32) float y[16] = {};
+        for (int n = 0; n < 8; ++n) {
+            x[n] = 2 * parents.x[parent + places[n]];
+            y[n] = 2 * parents.y[parent + places[n]];
+        }
         // Patch centres lie at 4i, their parents' at 8i of the same pixels.
-        const Motion near[4] = {parent(0, 0), parent(1, 0), parent(0, 1), parent(1, 1)};
         const float fx = i_ % 2 ? 0.5F : 0.0F;
         const float fy = j_ % 2 ? 0.5F : 0.0F;
-        prediction_.x =
-            (1 - fy) * ((1 - fx) * near[0].x + fx * near[1].x) + fy * ((1 - fx) * near[2].x + fx * near[3].x);
-        prediction_.y =
-            (1 - fy) * ((1 - fx) * near[0].y + fx * near[1].y) + fy * ((1 - fx) * near[2].y + fx * near[3].y);
-        best_ = prediction_;
-        least_ = static_cast<float>(knownDifference(rounded(best_.x), rounded(best_.y)));
-        for (const Motion motion : near)
-            consider(motion);
-        consider(parent(-1, 0));
-        consider(parent(2, 1));
-        consider(parent(1, -1));
-        consider(parent(0, 2));
+        const auto mean = [&](const float* of) {
+            return (1 - fy) * ((1 - fx) * of[0] + fx * of[1]) + fy * ((1 - fx) * of[2] + fx * of[3]);
+        };
+        Motion best{mean(x), mean(y)};
+        auto least = static_cast<float>(knownDifference(best));
+
         const PatchPlanes& patches = search_.patches;
-        if (i_ > 0) consider(neighbour(-1, 0));
+        const std::ptrdiff_t at = (j_ + 1) * patches.stride + i_ + 1;
+        int count = 8;
+        const auto add = [&](std::ptrdiff_t neighbour) {
+            x[count] = patches.x[neighbour];
+            y[count++] = patches.y[neighbour];
+        };
+        if (i_ > 0) add(at - 1);
         if (j_ % searchBand > 0) {
-            consider(neighbour(0, -1));
-            if (i_ + 1 < patches.columns) consider(neighbour(1, -1));
+            add(at - patches.stride);
+            if (i_ + 1 < patches.columns) add(at - patches.stride + 1);
         }
-        return best_;
+        const Motion prediction = best;
+        for (int first = 0; first < count; first += 8) {
+            alignas(32) float penalties[8];
+            const Float8 distance =
+                absolute(load<Float8>(x + first) - prediction.x) + absolute(load<Float8>(y + first) - prediction.y);
+            const Float8 penalty = strangerCost + strangerSlope * between(distance, Float8{}, Float8{} + strangerReach);
+            store(penalties, penalty);
+            // Most are out of the question already.
+            unsigned worthy = bits((penalty < least) & (laneNumbers() < count - first));
+            for (; worthy != 0; worthy &= worthy - 1) {
+                const int lane = __builtin_ctz(worthy);
+                if (penalties[lane] >= least) continue;
+                const Motion motion{x[first + lane], y[first + lane]};
+                const float cost = static_cast<float>(knownDifference(motion)) + penalties[lane];
+                if (cost >= least) continue;
+                least = cost;
+                best = motion;
+            }
+        }
+        return best;
     }
 
     /// Refines a whole-pixel match and records what the sweeps need.
     void refine(Motion start) {
         const Template patch(search_.from, left_, top_);
         const float determinant = patch.xx * patch.yy - patch.xy * patch.xy;
+        Motion measured = start;
         Motion motion = start;
-        Residual here = residual(patch, motion);
+        Residual here = residual(patch, start);
         for (int step = 0; step < refinementSteps; ++step) {
             const Motion down{(patch.yy * here.alongX - patch.xy * here.alongY) / determinant,
                               (patch.xx * here.alongY - patch.xy * here.alongX) / determinant};
-            const Motion moved{motion.x - down.x, motion.y - down.y};
+            const Motion moved{measured.x - down.x, measured.y - down.y};
             const float strayX = moved.x - start.x;
             const float strayY = moved.y - start.y;
             if (!(strayX * strayX + strayY * strayY <= longestStep * longestStep)) break;
-            const Residual there = residual(patch, moved);
-            if (there.squared >= here.squared) break;
             motion = moved;
+            if (down.x * down.x + down.y * down.y < linearReach * linearReach) break;
+            const Residual there = residual(patch, moved);
+            if (there.squared >= here.squared) {
+                motion = measured;
+                break;
+            }
+            measured = moved;
             here = there;
-            if (down.x * down.x + down.y * down.y < 1e-4F) break;
         }
         const PatchPlanes& patches = search_.patches;
         const std::ptrdiff_t at = (j_ + 1) * patches.stride + i_ + 1;
         patches.x[at] = motion.x;
         patches.y[at] = motion.y;
-        recordSlope(motion, here);
+        recordSlope(measured, here);
         patches.xx[at] = patch.xx;
         patches.xy[at] = patch.xy;
         patches.yy[at] = patch.yy;
@@ -289,25 +323,15 @@ private:
         patches.slopeY[at] = here.alongY;
     }
 
-    Motion parent(int di, int dj) const {
-        const PatchPlanes& parents = search_.parents;
-        const int i = between(i_ / 2 + di, 0, parents.columns - 1);
-        const int j = between(j_ / 2 + dj, 0, parents.rows - 1);
-        const std::ptrdiff_t at = (j + 1) * parents.stride + i + 1;
-        return {2 * parents.x[at], 2 * parents.y[at]};
-    }
-    Motion neighbour(int di, int dj) const {
-        const std::ptrdiff_t at = (j_ + dj + 1) * search_.patches.stride + i_ + di + 1;
-        return {search_.patches.x[at], search_.patches.y[at]};
-    }
-
     int difference(int dx, int dy) const {
         const ImageView& to = search_.to;
         return patch_.difference(pixelAt(to, insideX(to, left_ + dx), insideY(to, top_ + dy)), to.stride);
     }
 
     /// The same few places come up again and again.
-    int knownDifference(int dx, int dy) {
+    int knownDifference(Motion motion) {
+        const int dx = rounded(motion.x);
+        const int dy = rounded(motion.y);
         const int key = dy * (1 << 16) + dx;
         for (int n = 0; n < tried_; ++n)
             if (keys_[n] == key) return differences_[n];
@@ -315,17 +339,6 @@ private:
         differences_[tried_] = difference(dx, dy);
         return differences_[tried_++];
     }
-
-    void consider(Motion motion) {
-        const float distance = absoluteOf(motion.x - prediction_.x) + absoluteOf(motion.y - prediction_.y);
-        const float penalty = strangerCost + strangerSlope * least(distance, strangerReach);
-        if (penalty >= least_) return;
-        const float cost = static_cast<float>(knownDifference(rounded(motion.x), rounded(motion.y))) + penalty;
-        if (cost >= least_) return;
-        least_ = cost;
-        best_ = motion;
-    }
-    static float absoluteOf(float value) { return value < 0 ? -value : value; }
 
     Residual residual(const Template& patch, Motion motion) const {
         return patch.residual(placeIn(search_.to, left_, top_, motion), search_.to.stride);
@@ -337,9 +350,6 @@ private:
     int left_;
     int top_;
     WholePatch patch_;
-    Motion prediction_{0, 0};
-    Motion best_{0, 0};
-    float least_ = 0;
     int tried_ = 0;
     int keys_[12];
     int differences_[12];

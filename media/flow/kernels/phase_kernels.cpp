@@ -32,7 +32,8 @@ inline void keepGreater(std::uint64_t* cells, Long4 values) {
 /// What eight neighbouring vectors bring to one corner each, where the corners lie side by side too.
 inline void keepGreater(std::uint64_t* cells, Int8 ranks, Int8 vectors) {
     keepGreater(cells, reinterpret_cast<Long4>(__builtin_shufflevector(vectors, ranks, 0, 8, 1, 9, 2, 10, 3, 11)));
-    keepGreater(cells + 4, reinterpret_cast<Long4>(__builtin_shufflevector(vectors, ranks, 4, 12, 5, 13, 6, 14, 7, 15)));
+    keepGreater(cells + 4,
+                reinterpret_cast<Long4>(__builtin_shufflevector(vectors, ranks, 4, 12, 5, 13, 6, 14, 7, 15)));
 }
 
 void splat(const MotionView& flow, int share, bool reversed, std::uint64_t* cells) {
@@ -277,7 +278,8 @@ void shares(const PhaseImages& images, const MotionView& forward, const MotionVi
             if (count == 8)
                 store(field.secondShare + at, shortShare);
             else
-                std::memcpy(field.secondShare + at, &shortShare, static_cast<std::size_t>(count) * sizeof(std::int16_t));
+                std::memcpy(field.secondShare + at, &shortShare,
+                            static_cast<std::size_t>(count) * sizeof(std::int16_t));
         }
 }
 

@@ -61,6 +61,17 @@ inline Int8 loadBytes(const std::uint8_t* from) {
     return toInt(load<Byte8>(from));
 }
 
+/// One bit for each lane of a comparison.
+inline unsigned bits(Int8 lanes) {
+#if defined(__AVX2__)
+    return static_cast<unsigned>(_mm256_movemask_ps(reinterpret_cast<__m256>(lanes)));
+#else
+    unsigned result = 0;
+    for (int i = 0; i < 8; ++i)
+        result |= lanes[i] ? 1U << i : 0U;
+    return result;
+#endif
+}
 inline bool any(Int8 lanes) {
 #if defined(__AVX2__)
     return _mm256_movemask_epi8(reinterpret_cast<__m256i>(lanes)) != 0;

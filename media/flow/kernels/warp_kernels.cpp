@@ -6,16 +6,17 @@ namespace flowtide::flow::FLOWTIDE_LANES {
 
 namespace {
 
-constexpr int fractions = 16; // sub-pixel positions a pixel
-constexpr int outside = 8;    // pixels beyond the edge after which every place looks like the edge
+constexpr int fractions = 16;      // sub-pixel positions a pixel
+constexpr int outside = 8;         // pixels beyond the edge after which every place looks like the edge
 constexpr float alikeReach = 1.0F; // sixteenths by which neighbours may lie apart that are sampled together
 constexpr int middleLane = 3;
-constexpr int tapBits = 13;   // Catmull–Rom taps at sixteenths are whole numbers then
+constexpr int tapBits = 13;    // Catmull–Rom taps at sixteenths are whole numbers then
 constexpr int middleBits = 14; // of a value between the sums across and down
 
 /// Eight pairs of 16-bit values in 32-bit lanes.
 inline Int8 pairs(int low, int high) {
-    return Int8{} + static_cast<std::int32_t>((static_cast<std::uint32_t>(high) << 16) | (static_cast<std::uint32_t>(low) & 0xFFFFU));
+    return Int8{} + static_cast<std::int32_t>((static_cast<std::uint32_t>(high) << 16) |
+                                              (static_cast<std::uint32_t>(low) & 0xFFFFU));
 }
 inline Short16 shorts(Int8 lanes) {
     return reinterpret_cast<Short16>(lanes);
@@ -151,7 +152,8 @@ private:
         for (int k = 0; k < 4; ++k) {
             Sample samples[8][4];
             for (int lane = 0; lane < 8; ++lane) {
-                const std::uint8_t* line = plane_.data + between(row[lane] - 1 + k, 0, plane_.height - 1) * plane_.stride;
+                const std::uint8_t* line =
+                    plane_.data + between(row[lane] - 1 + k, 0, plane_.height - 1) * plane_.stride;
                 for (int i = 0; i < 4; ++i)
                     samples[lane][i] = load<Sample>(line + between(column[lane] - 1 + i, 0, plane_.width - 1) * bytes);
             }
