@@ -55,7 +55,8 @@ Acceleration acceleration(const DirectedFlow& onwards, const DirectedFlow& backw
     return cells;
 }
 
-Field<MotionVector> shiftAt(const Bend& bend, const Field<MotionVector>& motion, double phase, WorkerPool& workers) {
+void shiftAt(const Bend& bend, const Field<MotionVector>& motion, double phase, WorkerPool& workers,
+             Field<MotionVector>& shift) {
     const int width = motion.width();
     const int height = motion.height();
     const auto share = static_cast<float>(phase);
@@ -72,7 +73,7 @@ Field<MotionVector> shiftAt(const Bend& bend, const Field<MotionVector>& motion,
             coarse(i, j) = scale * (between(bend.first, x - share * v.x, y - share * v.y) +
                                     between(bend.second, x + (1 - share) * v.x, y + (1 - share) * v.y));
         }
-    Field<MotionVector> shift(width, height);
+    shift.resize(width, height);
     workers.runBands(height, [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             const int j = y / shiftCell;
@@ -89,7 +90,6 @@ Field<MotionVector> shiftAt(const Bend& bend, const Field<MotionVector>& motion,
             }
         }
     });
-    return shift;
 }
 
 } // namespace flowtide::flow

@@ -20,6 +20,7 @@ struct Bend {
 };
 
 /// By how much both places of each pixel lie beside the straight line at a phase; `motion` is the pixels' motion.
-Field<MotionVector> shiftAt(const Bend& bend, const Field<MotionVector>& motion, double phase, WorkerPool& workers);
+void shiftAt(const Bend& bend, const Field<MotionVector>& motion, double phase, WorkerPool& workers,
+             Field<MotionVector>& shift);
 
 } // namespace flowtide::flow

@@ -16,6 +16,11 @@ public:
         , height_(height)
         , values_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) + slack, value) {}
 
+    /// Makes room for a size; what the values are then is undefined unless the size is the one that it was.
+    void resize(int width, int height) {
+        if (width != width_ || height != height_) *this = Field(width, height);
+    }
+
     int width() const { return width_; }
     int height() const { return height_; }
     Value* row(int y) { return values_.data() + static_cast<std::ptrdiff_t>(y) * width_; }

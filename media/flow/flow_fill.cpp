@@ -1,6 +1,7 @@
 // Confidence-weighted pull and push.
 #include "media/flow/flow_fill.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace flowtide::flow {
@@ -9,10 +10,12 @@ namespace {
 
 constexpr int lanesBeyond = 16; // kernels read and write whole vectors past the last column
 
-/// The memory of one fill level.
-class FillLevel {
+} // namespace
+
+/// The memory of one level.
+class FlowFill::Level {
 public:
-    FillLevel(int width, int height)
+    Level(int width, int height)
         : planes_{width, height, width + 1 + lanesBeyond, nullptr, nullptr, nullptr, nullptr} {
         const auto size = static_cast<std::size_t>(planes_.stride) * static_cast<std::size_t>(height);
         memory_.resize(4 * size + lanesBeyond);
@@ -28,35 +31,40 @@ private:
     std::vector<float> memory_;
 };
 
-} // namespace
+FlowFill::FlowFill() = default;
+FlowFill::~FlowFill() = default;
 
-void fillUntrusted(DirectedFlow& flow, const GrayImage& from, const GrayImage& to, const Kernels& kernels,
-                   WorkerPool& workers) {
-    const MotionView view = flow.view();
-    std::vector<FillLevel> levels;
-    levels.emplace_back((view.width + 1) / 2, (view.height + 1) / 2);
-    workers.runBands(levels[0].planes().height, [&](int begin, int end) {
-        kernels.pullMotion(view, from.view(), levels[0].planes(), begin, end);
-    });
-    while (std::max(levels.back().planes().width, levels.back().planes().height) > 1) {
-        const FillPlanes fine = levels.back().planes();
-        levels.emplace_back((fine.width + 1) / 2, (fine.height + 1) / 2);
-        const FillPlanes& coarse = levels.back().planes();
-        workers.runBands(coarse.height, [&](int begin, int end) { kernels.pull(fine, coarse, begin, end); });
+void FlowFill::fill(const MotionView& flow, const GrayImage& from, const GrayImage& to, const Kernels& kernels,
+                    WorkerPool& workers, Field<MotionVector>& result) {
+    if (filled_.width() != flow.width || filled_.height() != flow.height) {
+        filled_.resize(flow.width, flow.height);
+        levels_.clear();
+        int width = flow.width;
+        int height = flow.height;
+        do {
+            width = (width + 1) / 2;
+            height = (height + 1) / 2;
+            levels_.emplace_back(width, height);
+        } while (std::max(width, height) > 1);
     }
-    for (std::size_t i = levels.size() - 1; i-- > 0;)
-        workers.runBands(levels[i].planes().height, [&](int begin, int end) {
-            kernels.push(levels[i].planes(), levels[i + 1].planes(), begin, end);
+    workers.runBands(levels_[0].planes().height, [&](int begin, int end) {
+        kernels.pullMotion(flow, from.view(), levels_[0].planes(), begin, end);
+    });
+    for (std::size_t i = 1; i < levels_.size(); ++i)
+        workers.runBands(levels_[i].planes().height, [&](int begin, int end) {
+            kernels.pull(levels_[i - 1].planes(), levels_[i].planes(), begin, end);
         });
-    Field<MotionVector> filled(view.width, view.height);
-    workers.runBands(view.height, [&](int begin, int end) {
-        kernels.pushMotion(view, from.view(), levels[0].planes(), filled.row(0), begin, end);
+    for (std::size_t i = levels_.size() - 1; i-- > 0;)
+        workers.runBands(levels_[i].planes().height, [&](int begin, int end) {
+            kernels.push(levels_[i].planes(), levels_[i + 1].planes(), begin, end);
+        });
+    workers.runBands(flow.height, [&](int begin, int end) {
+        kernels.pushMotion(flow, from.view(), levels_[0].planes(), filled_.row(0), begin, end);
     });
-    Field<MotionVector> result(view.width, view.height);
-    workers.run((view.height + tileSize - 1) / tileSize, [&](int tile) {
-        kernels.restoreGood(view, from.view(), to.view(), filled.row(0), result.row(0), tile, tile + 1);
+    result.resize(flow.width, flow.height);
+    workers.run((flow.height + tileSize - 1) / tileSize, [&](int tile) {
+        kernels.restoreGood(flow, from.view(), to.view(), filled_.row(0), result.row(0), tile, tile + 1);
     });
-    flow.motion = std::move(result);
 }
 
 } // namespace flowtide::flow

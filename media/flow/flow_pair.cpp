@@ -1,9 +1,6 @@
 // Matching both ways, consistency, filling.
 #include "media/flow/flow_pair.h"
 
-#include "media/flow/flow_fill.h"
-#include "media/flow/patch_flow.h"
-
 #include <numeric>
 #include <utility>
 
@@ -14,12 +11,6 @@ namespace {
 // Ordinary pairs have a mean confidence of at least 0.26, cuts at most 0.06.
 constexpr double cutConfidence = 0.12;
 
-DirectedFlow unjudged(Field<MotionVector> motion) {
-    const int width = motion.width();
-    const int height = motion.height();
-    return {std::move(motion), Field<std::uint8_t>(width, height), Field<std::uint8_t>(width, height)};
-}
-
 double meanConfidence(const Field<std::uint8_t>& confidence) {
     const std::size_t count =
         static_cast<std::size_t>(confidence.width()) * static_cast<std::size_t>(confidence.height());
@@ -29,23 +20,35 @@ double meanConfidence(const Field<std::uint8_t>& confidence) {
 
 } // namespace
 
-FlowPair estimateFlow(std::shared_ptr<const Pyramid> first, std::shared_ptr<const Pyramid> second,
-                      const Kernels& kernels, WorkerPool& workers) {
-    PairMotion found = patchFlow(*first, *second, kernels, workers);
-    FlowPair pair{std::move(first), std::move(second), unjudged(std::move(found.forward)),
-                  unjudged(std::move(found.backward)), false};
+void FlowEstimator::estimate(std::shared_ptr<const Pyramid> first, std::shared_ptr<const Pyramid> second,
+                             FlowPair& pair) {
+    pair.first = std::move(first);
+    pair.second = std::move(second);
+    patchFlow_.estimate(*pair.first, *pair.second, kernels_, workers_, pair.forward.motion, pair.backward.motion);
+    judge(pair);
+    const double confidence = (meanConfidence(pair.forward.confidence) + meanConfidence(pair.backward.confidence)) / 2;
+    pair.isCut = confidence < cutConfidence;
+    if (pair.isCut) return;
+    fill(pair.forward, *pair.first, *pair.second);
+    fill(pair.backward, *pair.second, *pair.first);
+}
+
+void FlowEstimator::judge(FlowPair& pair) {
+    for (DirectedFlow* flow : {&pair.forward, &pair.backward}) {
+        flow->confidence.resize(flow->motion.width(), flow->motion.height());
+        flow->visibility.resize(flow->motion.width(), flow->motion.height());
+    }
     const MotionView forward = pair.forward.view();
     const MotionView backward = pair.backward.view();
-    workers.runBands(forward.height, [&](int begin, int end) {
-        kernels.judge(forward, backward.motion, begin, end);
-        kernels.judge(backward, forward.motion, begin, end);
+    workers_.runBands(forward.height, [&](int begin, int end) {
+        kernels_.judge(forward, backward.motion, begin, end);
+        kernels_.judge(backward, forward.motion, begin, end);
     });
-    pair.isCut =
-        (meanConfidence(pair.forward.confidence) + meanConfidence(pair.backward.confidence)) / 2 < cutConfidence;
-    if (pair.isCut) return pair;
-    fillUntrusted(pair.forward, pair.first->front(), pair.second->front(), kernels, workers);
-    fillUntrusted(pair.backward, pair.second->front(), pair.first->front(), kernels, workers);
-    return pair;
+}
+
+void FlowEstimator::fill(DirectedFlow& flow, const Pyramid& from, const Pyramid& to) {
+    fill_.fill(flow.view(), from.front(), to.front(), kernels_, workers_, filled_);
+    std::swap(flow.motion, filled_);
 }
 
 } // namespace flowtide::flow

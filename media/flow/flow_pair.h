@@ -2,8 +2,10 @@
 #pragma once
 
 #include "media/flow/field.h"
+#include "media/flow/flow_fill.h"
 #include "media/flow/gray_image.h"
 #include "media/flow/kernels/kernels.h"
+#include "media/flow/patch_flow.h"
 #include "media/flow/worker_pool.h"
 
 #include <cstdint>
@@ -33,8 +35,25 @@ struct FlowPair {
     bool isCut = false;    ///< the frames show different scenes
 };
 
-/// Estimates both directions. The result does not depend on the number of workers.
-FlowPair estimateFlow(std::shared_ptr<const Pyramid> first, std::shared_ptr<const Pyramid> second,
-                      const Kernels& kernels, WorkerPool& workers);
+/// Estimates the motion of pairs of one size; keeps its memory from one pair to the next.
+class FlowEstimator {
+public:
+    FlowEstimator(const Kernels& kernels, WorkerPool& workers)
+        : kernels_(kernels)
+        , workers_(workers) {}
+
+    /// Both directions, into a pair whose memory is used again. The result does not depend on the number of workers.
+    void estimate(std::shared_ptr<const Pyramid> first, std::shared_ptr<const Pyramid> second, FlowPair& pair);
+
+private:
+    void judge(FlowPair& pair);
+    void fill(DirectedFlow& flow, const Pyramid& from, const Pyramid& to);
+
+    const Kernels& kernels_;
+    WorkerPool& workers_;
+    PatchFlow patchFlow_;
+    FlowFill fill_;
+    Field<MotionVector> filled_;
+};
 
 } // namespace flowtide::flow

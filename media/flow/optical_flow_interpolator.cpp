@@ -63,7 +63,9 @@ OpticalFlowInterpolator::OpticalFlowInterpolator(int width, int height, PixelLay
                                                  const OpticalFlowOptions& options)
     : pool_(layout, width, height)
     , kernels_(flow::kernelsFor(options.instructions))
-    , workers_(options.threads) {}
+    , workers_(options.threads)
+    , estimator_(kernels_, workers_)
+    , phases_(kernels_, workers_) {}
 
 OpticalFlowInterpolator::~OpticalFlowInterpolator() = default;
 
@@ -77,7 +79,7 @@ VideoFrame OpticalFlowInterpolator::render(const FramePair& frames, SourceSecond
     KnownPair& pair = *current_->pair;
     if (pair.isStill) return first;
     if (pair.flow.isCut) return phase < 0.5 ? first : second;
-    flow::PhaseField field = flow::phaseField(pair.flow, current_->bend, phase, kernels_, workers_);
+    flow::PhaseField& field = phases_.at(pair.flow, current_->bend, phase);
     return flow::warped(first, second, field, phase, pool_, kernels_, workers_);
 }
 
@@ -110,15 +112,25 @@ void OpticalFlowInterpolator::moveTo(const FramePair& frames) {
 
 std::shared_ptr<OpticalFlowInterpolator::KnownPair> OpticalFlowInterpolator::pairOf(const TimedFrame& first,
                                                                                     const TimedFrame& second) {
-    for (const auto& pair : pairs_)
-        if (pair->firstTime == first.time && pair->secondTime == second.time) return pair;
-    auto pair = std::make_shared<KnownPair>();
+    const auto known = std::find_if(pairs_.begin(), pairs_.end(), [&](const auto& pair) {
+        return pair->firstTime == first.time && pair->secondTime == second.time;
+    });
+    if (known != pairs_.end()) {
+        std::rotate(known, known + 1, pairs_.end());
+        return pairs_.back();
+    }
+    std::shared_ptr<KnownPair> pair;
+    if (pairs_.size() == pairsKept) {
+        pair = std::move(pairs_.front()); // for its memory
+        pairs_.pop_front();
+    } else {
+        pair = std::make_shared<KnownPair>();
+    }
     pair->firstTime = first.time;
     pair->secondTime = second.time;
     pair->isStill = samePixels(first.frame, second.frame);
-    if (!pair->isStill) pair->flow = flow::estimateFlow(lumaOf(first), lumaOf(second), kernels_, workers_);
+    if (!pair->isStill) estimator_.estimate(lumaOf(first), lumaOf(second), pair->flow);
     pairs_.push_back(pair);
-    if (pairs_.size() > pairsKept) pairs_.pop_front();
     return pair;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "media/flow/flow_pair.h"
+#include "media/flow/phase_field.h"
 #include "media/flow/worker_pool.h"
 #include "media/frame_interpolation.h"
 #include "media/frame_pool.h"
@@ -39,8 +40,10 @@ private:
     FramePool pool_;
     const flow::Kernels& kernels_;
     flow::WorkerPool workers_;
-    std::deque<KnownFrame> frames_; ///< those of the last pairs, newest last
-    std::deque<std::shared_ptr<KnownPair>> pairs_;
+    flow::FlowEstimator estimator_;
+    flow::PhaseEstimator phases_;
+    std::deque<KnownFrame> frames_;                ///< those of the last pairs, newest last
+    std::deque<std::shared_ptr<KnownPair>> pairs_; ///< the last used last
     std::unique_ptr<CurrentPair> current_;
 };
 

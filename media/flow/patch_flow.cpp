@@ -14,17 +14,20 @@ constexpr int finestSweeps = 3;
 constexpr int densifyBand = 8;     // rows of cells
 constexpr float noLuma = 1e9F;     // of the border: as unlike to anything as can be
 constexpr int lanesBeyond = 16;    // kernels read and write whole vectors past the last column
-constexpr std::size_t planes = 14; // of PatchPlanes, and two for the sweeps to write to
+constexpr std::size_t planes = 12; // of PatchPlanes, and two for the sweeps to write to
 
 int bandsOf(int rows, int band) {
     return (rows + band - 1) / band;
 }
 
+} // namespace
+
 /// One level of one direction.
-class Level {
+class PatchFlow::Level {
 public:
-    Level(const GrayImage& from, const GrayImage& to)
-        : search_{from.view(), to.view(), {}, {}, true} {
+    /// Starts afresh with two images.
+    void begin(const GrayImage& from, const GrayImage& to) {
+        search_ = {from.view(), to.view(), {}, {}, true};
         PatchPlanes& patches = search_.patches;
         patches.columns = (from.width() - 1) / patchStride + 2;
         patches.rows = (from.height() - 1) / patchStride + 2;
@@ -32,10 +35,10 @@ public:
         const std::size_t size = static_cast<std::size_t>(patches.stride) * static_cast<std::size_t>(patches.rows + 3);
         memory_.resize(planes * size);
         float* next = memory_.data();
-        for (float** plane :
-             {&patches.x, &patches.y, &patches.luma, &patches.slopeX, &patches.slopeY, &patches.slopeAtX,
-              &patches.slopeAtY, &patches.xx, &patches.xy, &patches.yy, &nextX_, &nextY_})
+        for (float** plane : {&patches.x, &patches.y, &nextX_, &nextY_, &patches.luma, &patches.slopeX, &patches.slopeY,
+                              &patches.slopeAtX, &patches.slopeAtY, &patches.xx, &patches.xy, &patches.yy})
             *plane = std::exchange(next, next + size);
+        std::fill_n(patches.x, 4 * size, 0.0F);
         std::fill_n(patches.luma, size, noLuma);
     }
 
@@ -50,9 +53,9 @@ public:
         kernels.searchPatches(search_, band * searchBand, std::min((band + 1) * searchBand, rows()));
     }
     void sweepBandAt(const Kernels& kernels, int band) {
-        kernels.refreshSlopes(search_, band * searchBand, std::min((band + 1) * searchBand, rows()));
-        kernels.sweepPatches(search_.patches, nextX_, nextY_, band * searchBand,
-                             std::min((band + 1) * searchBand, rows()));
+        const int end = std::min((band + 1) * searchBand, rows());
+        kernels.refreshSlopes(search_, band * searchBand, end);
+        kernels.sweepPatches(search_.patches, nextX_, nextY_, band * searchBand, end);
     }
     void endSweep() {
         clearBorder(nextX_);
@@ -60,7 +63,6 @@ public:
         std::swap(search_.patches.x, nextX_);
         std::swap(search_.patches.y, nextY_);
     }
-
     /// Repeats the displacements on the border, where the next level's patches may look for parents.
     void finish() {
         const PatchPlanes& patches = search_.patches;
@@ -71,10 +73,9 @@ public:
                 std::fill_n(row + patches.columns + 1, 2, row[patches.columns]);
             }
             std::copy_n(plane + patches.stride, patches.columns + 3, plane);
-            for (int beyond = 1; beyond <= 2; ++beyond) {
-                const float* last = plane + patches.rows * patches.stride;
+            const float* last = plane + patches.rows * patches.stride;
+            for (int beyond = 1; beyond <= 2; ++beyond)
                 std::copy_n(last, patches.columns + 3, plane + (patches.rows + beyond) * patches.stride);
-            }
         }
     }
 
@@ -86,36 +87,30 @@ private:
             std::fill_n(plane + (j + 1) * patches.stride + patches.columns + 1, lanesBeyond, 0.0F);
     }
 
-    PatchSearch search_;
+    PatchSearch search_{};
     float* nextX_ = nullptr;
     float* nextY_ = nullptr;
     std::vector<float> memory_;
 };
 
-Field<MotionVector> densified(const Level& level, const Kernels& kernels, WorkerPool& workers) {
-    const PatchSearch& search = level.search();
-    Field<MotionVector> motion(search.from.width, search.from.height);
-    const int cells = search.patches.rows - 1;
-    workers.run(bandsOf(cells, densifyBand), [&](int band) {
-        std::vector<float> scratch(densifyScratchSize(search.patches.columns));
-        kernels.densify(search, scratch.data(), motion.row(0), motion.width(), band * densifyBand,
-                        std::min((band + 1) * densifyBand, cells));
-    });
-    return motion;
-}
+struct PatchFlow::LevelPair {
+    std::array<Level, 2> directions;
+};
 
-} // namespace
+PatchFlow::PatchFlow() = default;
+PatchFlow::~PatchFlow() = default;
 
-PairMotion patchFlow(const std::vector<GrayImage>& first, const std::vector<GrayImage>& second, const Kernels& kernels,
-                     WorkerPool& workers) {
-    std::vector<std::array<Level, 2>> levels;
+void PatchFlow::estimate(const std::vector<GrayImage>& first, const std::vector<GrayImage>& second,
+                         const Kernels& kernels, WorkerPool& workers, Field<MotionVector>& forward,
+                         Field<MotionVector>& backward) {
+    levels_.resize(first.size());
     for (std::size_t i = first.size(); i-- > 0;) {
-        std::array<Level, 2> both{Level(first[i], second[i]), Level(second[i], first[i])};
-        if (!levels.empty())
-            for (std::size_t direction : {0U, 1U})
-                both[direction].setParents(levels.back()[direction]);
-        levels.push_back(std::move(both));
-        std::array<Level, 2>& now = levels.back();
+        std::array<Level, 2>& now = levels_[i].directions;
+        now[0].begin(first[i], second[i]);
+        now[1].begin(second[i], first[i]);
+        if (i + 1 < levels_.size())
+            for (const std::size_t direction : {0U, 1U})
+                now[direction].setParents(levels_[i + 1].directions[direction]);
         const int bands = bandsOf(now[0].rows(), searchBand);
         const auto forBoth = [&](auto&& work) {
             workers.run(2 * bands, [&](int task) { work(now[static_cast<std::size_t>(task % 2)], task / 2); });
@@ -129,7 +124,22 @@ PairMotion patchFlow(const std::vector<GrayImage>& first, const std::vector<Gray
         for (Level& level : now)
             level.finish();
     }
-    return {densified(levels.back()[0], kernels, workers), densified(levels.back()[1], kernels, workers)};
+
+    const std::array<Level, 2>& finest = levels_.front().directions;
+    const std::array<Field<MotionVector>*, 2> results{&forward, &backward};
+    for (Field<MotionVector>* result : results)
+        result->resize(first.front().width(), first.front().height());
+    const int cells = finest[0].rows() - 1;
+    const int bands = bandsOf(cells, densifyBand);
+    const std::size_t scratch = densifyScratchSize(finest[0].search().patches.columns);
+    votes_.resize(static_cast<std::size_t>(2 * bands) * scratch);
+    workers.run(2 * bands, [&](int task) {
+        Field<MotionVector>& result = *results[static_cast<std::size_t>(task % 2)];
+        const int band = task / 2;
+        kernels.densify(finest[static_cast<std::size_t>(task % 2)].search(),
+                        votes_.data() + static_cast<std::size_t>(task) * scratch, result.row(0), result.width(),
+                        band * densifyBand, std::min((band + 1) * densifyBand, cells));
+    });
 }
 
 } // namespace flowtide::flow

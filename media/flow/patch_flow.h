@@ -10,14 +10,24 @@
 
 namespace flowtide::flow {
 
-/// For each pixel of one image's finest level, where it lies in the other.
-struct PairMotion {
-    Field<MotionVector> forward; ///< from the first image to the second
-    Field<MotionVector> backward;
-};
+/// Finds the motion between images of one size; keeps its memory from one pair to the next.
+class PatchFlow {
+public:
+    PatchFlow();
+    ~PatchFlow();
 
-/// Both pyramids have the same sizes. The result does not depend on the number of workers.
-PairMotion patchFlow(const std::vector<GrayImage>& first, const std::vector<GrayImage>& second, const Kernels& kernels,
-                     WorkerPool& workers);
+    /// For each pixel of one pyramid's finest level, where it lies in the other: `forward` from the first to the
+    /// second. Both pyramids have the same sizes. The result does not depend on the number of workers.
+    void estimate(const std::vector<GrayImage>& first, const std::vector<GrayImage>& second, const Kernels& kernels,
+                  WorkerPool& workers, Field<MotionVector>& forward, Field<MotionVector>& backward);
+
+private:
+    class Level;
+    /// Both directions of one level, the first image's first.
+    struct LevelPair;
+
+    std::vector<LevelPair> levels_; ///< finest first
+    std::vector<float> votes_;
+};
 
 } // namespace flowtide::flow

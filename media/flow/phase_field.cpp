@@ -1,59 +1,48 @@
 // Both directions' motion, brought to a phase and weighed.
 #include "media/flow/phase_field.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace flowtide::flow {
 
-namespace {
-
-/// One direction's motion at a phase.
-struct Projected {
-    Field<MotionVector> motion;
-    Field<std::uint8_t> confidence;
-
-    Projection view() { return {motion.row(0), confidence.row(0)}; }
-};
-
-Projected projected(DirectedFlow& flow, int share, bool reversed, const Kernels& kernels) {
+void PhaseEstimator::project(DirectedFlow& flow, int share, bool reversed, Projected& result) {
     const int width = flow.motion.width();
     const int height = flow.motion.height();
-    Field<std::uint64_t> cells(width, height);
-    kernels.splat(flow.view(), share, reversed, cells.row(0));
-    Projected result{Field<MotionVector>(width, height), Field<std::uint8_t>(width, height)};
-    kernels.resolve(cells.row(0), width, result.view(), 0, height);
-    return result;
+    result.cells.resize(width, height);
+    result.motion.resize(width, height);
+    result.confidence.resize(width, height);
+    std::fill_n(result.cells.row(0), static_cast<std::ptrdiff_t>(width) * height, 0U);
+    kernels_.splat(flow.view(), share, reversed, result.cells.row(0));
+    kernels_.resolve(result.cells.row(0), width, result.view(), 0, height);
 }
 
-} // namespace
-
-PhaseField phaseField(FlowPair& pair, const std::optional<Bend>& bend, double phase, const Kernels& kernels,
-                      WorkerPool& workers) {
+PhaseField& PhaseEstimator::at(FlowPair& pair, const std::optional<Bend>& bend, double phase) {
     const int share = static_cast<int>(std::lround(phase * shareUnits));
     const PhaseImages images{pair.first->front().view(), pair.second->front().view(), share};
     const int width = images.first.width;
     const int height = images.first.height;
-    Projected one;
-    Projected other;
-    workers.run(2, [&](int task) {
+    workers_.run(2, [&](int task) {
         if (task == 0)
-            one = projected(pair.forward, share, false, kernels);
+            project(pair.forward, share, false, forward_);
         else
-            other = projected(pair.backward, shareUnits - share, true, kernels);
+            project(pair.backward, shareUnits - share, true, backward_);
     });
-    Field<MotionVector> chosen(width, height);
-    workers.run((height + tileSize - 1) / tileSize, [&](int tile) {
-        kernels.choose(images, one.view(), other.view(), width, height, chosen.row(0), tile, tile + 1);
+    chosen_.resize(width, height);
+    workers_.run((height + tileSize - 1) / tileSize, [&](int tile) {
+        kernels_.choose(images, forward_.view(), backward_.view(), width, height, chosen_.row(0), tile, tile + 1);
     });
-    PhaseField result{Field<MotionVector>(width, height), {}, Field<std::int16_t>(width, height)};
-    workers.runBands(height, [&](int begin, int end) {
-        kernels.crossMedian(chosen.row(0), width, height, result.motion.row(0), begin, end);
+    field_.motion.resize(width, height);
+    field_.secondShare.resize(width, height);
+    workers_.runBands(height, [&](int begin, int end) {
+        kernels_.crossMedian(chosen_.row(0), width, height, field_.motion.row(0), begin, end);
     });
-    if (bend) result.shift = shiftAt(*bend, result.motion, phase, workers);
-    workers.runBands(height, [&](int begin, int end) {
-        kernels.shares(images, pair.forward.view(), pair.backward.view(), result.planes(), begin, end);
+    field_.isShifted = bend.has_value();
+    if (bend) shiftAt(*bend, field_.motion, phase, workers_, field_.shift);
+    workers_.runBands(height, [&](int begin, int end) {
+        kernels_.shares(images, pair.forward.view(), pair.backward.view(), field_.planes(), begin, end);
     });
-    return result;
+    return field_;
 }
 
 } // namespace flowtide::flow
