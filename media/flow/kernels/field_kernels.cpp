@@ -51,7 +51,7 @@ void judge(const MotionView& flow, const MotionVector* back, int begin, int end)
             confidence *= confidence;
             confidence *= confidence;
             confidence *= confidence;
-            const Float8 tolerance = 16 + 0.08F * (vx * vx + vy * vy);
+            const Float8 tolerance = 2 + 0.02F * (vx * vx + vy * vy);
             const Float8 likely = least(tolerance / greatest(mismatch, Float8{} + 1e-6F), Float8{} + 1.0F);
             const Int8 zero{};
             storeBytes(flow.confidence + at, inside ? toInt(confidence * 255 + 0.5F) : zero, count);

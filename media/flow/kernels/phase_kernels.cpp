@@ -226,13 +226,19 @@ void crossMedian(const MotionVector* motion, int width, int height, MotionVector
     }
 }
 
-/// How much of a frame's pixel may be shown: 1.1 where it is surely seen in both frames.
-inline Float8 visible(const MotionView& flow, Int8 column, Int8 row, Int8 inside, Int8& sure) {
+/// Whether eight places of a frame lie inside it, and how far what they show is seen in the other frame too.
+struct Seen {
+    Int8 inside;
+    Float8 inOther; ///< 1: surely
+};
+
+inline Seen seenAt(const MotionView& flow, Int8 placeX, Int8 placeY) {
+    const Int8 column = (placeX + motionUnits / 2) >> 6;
+    const Int8 row = (placeY + motionUnits / 2) >> 6;
+    const Int8 inside = (column >= 0) & (row >= 0) & (column < flow.width) & (row < flow.height);
     const Int8 offset = (between(row, Int8{}, Int8{} + (flow.height - 1)) * flow.width) +
                         between(column, Int8{}, Int8{} + (flow.width - 1));
-    const Int8 seen = gathered(flow.visibility, offset) & 255;
-    sure &= inside & (seen == 255);
-    return inside ? toFloat(seen) * (1.0F / 255) + leastWeight : Float8{} + outsideWeight;
+    return {inside, toFloat(gathered(flow.visibility, offset) & 255) * (1.0F / 255)};
 }
 
 void shares(const PhaseImages& images, const MotionView& forward, const MotionView& backward, const PhasePlanes& field,
@@ -252,25 +258,20 @@ void shares(const PhaseImages& images, const MotionView& forward, const MotionVi
             }
             const Int8 firstX = px - scaled(motion.x, images.phase);
             const Int8 firstY = py - scaled(motion.y, images.phase);
-            Int8 sure = Int8{} - 1;
-            const auto seenIn = [&](const MotionView& flow, Int8 placeX, Int8 placeY) {
-                const Int8 column = (placeX + motionUnits / 2) >> 6;
-                const Int8 row = (placeY + motionUnits / 2) >> 6;
-                const Int8 inside = (column >= 0) & (row >= 0) & (column < flow.width) & (row < flow.height);
-                return visible(flow, column, row, inside, sure);
-            };
-            const Float8 firstSeen = seenIn(forward, firstX, firstY);
-            const Float8 secondSeen = seenIn(backward, firstX + motion.x, firstY + motion.y);
+            const Seen atFirst = seenAt(forward, firstX, firstY);
+            const Seen atSecond = seenAt(backward, firstX + motion.x, firstY + motion.y);
+            const Int8 sure = atFirst.inside & atSecond.inside & (atFirst.inOther >= 1) & (atSecond.inOther >= 1);
             Int8 share = Int8{} + images.phase;
             if (any(~sure)) {
                 const Float8 apart = difference(images, px, py, motion);
                 const Float8 matters = apart / (apart + photometricHalf);
                 const Float8 squared = matters * matters;
-                const auto weight = [&](Float8 seen) {
-                    return seen <= outsideWeight ? seen : 1 + (seen - 1) * squared;
+                // What one frame shows and the other doesn't must not be taken from the other.
+                const auto weight = [&](Int8 inside, Float8 seen) {
+                    return inside ? 1 + (seen + leastWeight - 1) * squared : Float8{} + outsideWeight;
                 };
-                const Float8 first = (1 - phase) * weight(firstSeen);
-                const Float8 second = phase * weight(secondSeen);
+                const Float8 first = (1 - phase) * weight(atFirst.inside, atSecond.inOther);
+                const Float8 second = phase * weight(atSecond.inside, atFirst.inOther);
                 const Int8 weighed = toInt(second / (first + second) * shareUnits + 0.5F);
                 share = sure ? share : weighed;
             }
