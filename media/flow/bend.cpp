@@ -9,10 +9,11 @@ namespace flowtide::flow {
 
 namespace {
 
-constexpr int cellSize = 16;  // half-resolution pixels
-constexpr int sampleStep = 2; // pixels between the vectors that are looked at
-constexpr float doubt = 1;    // as many certain vectors without acceleration count in every cell
-constexpr int shiftCell = 8;  // half-resolution pixels that share one place to look for accelerations
+constexpr int cellSize = 16;           // half-resolution pixels
+constexpr int sampleStep = 2;          // pixels between the vectors that are looked at
+constexpr float doubt = 1;             // as many certain vectors without acceleration count in every cell
+constexpr float farthestShift = 16000; // in MotionVector's units; leaves room beside the farthest motion
+constexpr int shiftCell = 8;           // half-resolution pixels that share one place to look for accelerations
 
 Vector inPixels(MotionVector v) {
     return {static_cast<float>(v.x) / motionUnits, static_cast<float>(v.y) / motionUnits};
@@ -30,6 +31,23 @@ Vector between(const Acceleration& cells, float x, float y) {
     const Vector bottom = (1 - fx) * cells.clamped(ix, iy + 1) + fx * cells.clamped(ix + 1, iy + 1);
     return (1 - fy) * top + fy * bottom;
 }
+
+/// Whole numbers on a straight line across a cell.
+class Ramp {
+public:
+    Ramp(float from, float to)
+        : start_(fixed(from) + (1 << (fractionBits - 1)))
+        , step_((fixed(to) - fixed(from)) / shiftCell) {}
+    std::int16_t at(int k) const { return static_cast<std::int16_t>((start_ + k * step_) >> fractionBits); }
+
+private:
+    static constexpr int fractionBits = 12;
+    static int fixed(float value) {
+        return static_cast<int>(std::clamp(value, -farthestShift, farthestShift) * (1 << fractionBits));
+    }
+    int start_;
+    int step_;
+};
 
 } // namespace
 
@@ -81,12 +99,12 @@ void shiftAt(const Bend& bend, const Field<MotionVector>& motion, double phase, 
             for (int i = 0; i * shiftCell < width; ++i) {
                 const Vector left = (1 - fy) * coarse(i, j) + fy * coarse(i, j + 1);
                 const Vector right = (1 - fy) * coarse(i + 1, j) + fy * coarse(i + 1, j + 1);
-                const Vector step = (1.0F / shiftCell) * (right - left);
-                for (int k = 0; k < std::min(shiftCell, width - i * shiftCell); ++k) {
-                    const Vector v = left + static_cast<float>(k) * step;
-                    shift(i * shiftCell + k, y) = {static_cast<std::int16_t>(std::lrint(v.x)),
-                                                   static_cast<std::int16_t>(std::lrint(v.y))};
-                }
+                const Ramp across(left.x, right.x);
+                const Ramp down(left.y, right.y);
+                MotionVector* out = &shift(i * shiftCell, y);
+                const int count = std::min(shiftCell, width - i * shiftCell);
+                for (int k = 0; k < count; ++k)
+                    out[k] = {across.at(k), down.at(k)};
             }
         }
     });
