@@ -147,8 +147,10 @@ TEST(OpticalFlow, ThreadsAndInstructionsChangeNoPixel) {
     for (const auto& layout : layouts)
         for (const auto& [width, height] : {std::pair{322, 181}, {97, 300}}) {
             const FramePair pair = sceneAround(layout, width, height, 4);
-            const auto render = [&](int threads, flow::InstructionSet instructions) {
-                return OpticalFlowInterpolator(width, height, layout, {threads, instructions}).render(pair, {4.3});
+            const auto render = [&pair](int threads, flow::InstructionSet instructions) {
+                const VideoFrame& first = pair.first.frame;
+                OpticalFlowInterpolator interpolator(first.width, first.height, first.layout, {threads, instructions});
+                return interpolator.render(pair, {4.3});
             };
             const VideoFrame frame = render(1, flow::InstructionSet::baseline);
             for (const int threads : {1, 2, 3})

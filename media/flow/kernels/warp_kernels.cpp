@@ -92,6 +92,7 @@ public:
     explicit Source(const PlaneView& plane)
         : plane_(plane)
         , middleShift_(tapBits + plane.bitDepth - middleBits)
+        , middleHalf_(1 << (middleShift_ - 1))
         , scale_(1.0F / static_cast<float>(1 << (2 * tapBits - middleShift_))) {}
 
     /// Whether togetherDown() may read from a sample on: its taps, and whole vectors.
@@ -176,10 +177,11 @@ private:
         return narrowed(dot(row.firstTwo, taps.some) + dot(row.lastTwo, taps.others));
     }
     /// Rounded to 16 bits.
-    Int8 narrowed(Int8 sum) const { return (sum + (1 << (middleShift_ - 1))) >> middleShift_; }
+    Int8 narrowed(Int8 sum) const { return (sum + middleHalf_) >> middleShift_; }
 
     PlaneView plane_;
     int middleShift_; // from a sum across to a middle value
+    int middleHalf_;
     float scale_;     // from a sum down to codes
 };
 
