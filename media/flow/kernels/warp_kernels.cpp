@@ -182,7 +182,7 @@ private:
     PlaneView plane_;
     int middleShift_; // from a sum across to a middle value
     int middleHalf_;
-    float scale_;     // from a sum down to codes
+    float scale_; // from a sum down to codes
 };
 
 /// A row of the field's values, brought to the plane's row: four times each, with the edges repeated.
