@@ -7,6 +7,7 @@ namespace flowtide::flow {
 
 namespace baseline {
 void addPatchKernels(Kernels& kernels);
+void addDensifyKernels(Kernels& kernels);
 void addFieldKernels(Kernels& kernels);
 void addPhaseKernels(Kernels& kernels);
 void addWarpKernels(Kernels& kernels);
@@ -14,6 +15,7 @@ void addWarpKernels(Kernels& kernels);
 
 namespace avx2 {
 void addPatchKernels(Kernels& kernels);
+void addDensifyKernels(Kernels& kernels);
 void addFieldKernels(Kernels& kernels);
 void addPhaseKernels(Kernels& kernels);
 void addWarpKernels(Kernels& kernels);

@@ -10,6 +10,7 @@ namespace {
 Kernels baselineKernels() {
     Kernels kernels{};
     baseline::addPatchKernels(kernels);
+    baseline::addDensifyKernels(kernels);
     baseline::addFieldKernels(kernels);
     baseline::addPhaseKernels(kernels);
     baseline::addWarpKernels(kernels);
@@ -20,6 +21,7 @@ Kernels baselineKernels() {
 Kernels avx2Kernels() {
     Kernels kernels{};
     avx2::addPatchKernels(kernels);
+    avx2::addDensifyKernels(kernels);
     avx2::addFieldKernels(kernels);
     avx2::addPhaseKernels(kernels);
     avx2::addWarpKernels(kernels);

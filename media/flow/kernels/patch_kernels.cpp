@@ -1,5 +1,6 @@
-// Patch matching: candidate search, sub-pixel refinement, sweeps, densification.
+// Patch matching: candidate search, sub-pixel refinement, sweeps.
 #include "media/flow/kernels/kernel_sets.h"
+#include "media/flow/kernels/patch_place.h"
 #include "media/flow/kernels/sampling.h"
 
 namespace flowtide::flow::FLOWTIDE_LANES {
@@ -17,41 +18,6 @@ constexpr float damping = 0.2F * patchPixels;
 constexpr float longestStep = 2; // pixels; a longer refinement is a failed one
 constexpr float priorWeight = 2000;
 constexpr float linearReach = 0.15F; // pixels that a patch may move before its slope has to be measured anew
-constexpr float leastVote = 1e-6F;   // less than any pixel gets
-constexpr float farthest = 500;      // pixels; a MotionVector holds this much
-
-struct Motion {
-    float x;
-    float y;
-};
-
-inline int rounded(float value) {
-    return static_cast<int>(value + (value < 0 ? -0.5F : 0.5F));
-}
-
-/// Keeps a patch, and the pixel that interpolation needs beside it, inside the padding.
-inline int insideX(const ImageView& image, int x) {
-    return between(x, -ImageView::padding, image.width + ImageView::padding - patchSize - 1);
-}
-inline int insideY(const ImageView& image, int y) {
-    return between(y, -ImageView::padding, image.height + ImageView::padding - patchSize - 1);
-}
-inline const std::uint8_t* pixelAt(const ImageView& image, int x, int y) {
-    return image.origin + y * image.stride + x;
-}
-
-/// Where a sampled patch starts: a whole pixel, and 64ths beyond it.
-struct SubPixelPlace {
-    const std::uint8_t* pixel;
-    std::int16_t fractionX;
-    std::int16_t fractionY;
-};
-inline SubPixelPlace placeIn(const ImageView& image, int left, int top, Motion motion) {
-    const int x = rounded(motion.x * motionUnits);
-    const int y = rounded(motion.y * motionUnits);
-    return {pixelAt(image, insideX(image, left + (x >> 6)), insideY(image, top + (y >> 6))),
-            static_cast<std::int16_t>(x & 63), static_cast<std::int16_t>(y & 63)};
-}
 
 /// Four times the patch at a sub-pixel place, bilinear; entry k holds its rows k and k + 4.
 struct Samples {
@@ -419,94 +385,12 @@ void sweepPatches(const PatchPlanes& patches, float* nextX, float* nextY, int be
         }
 }
 
-/// Adds one patch's say on eight by four pixels.
-struct Vote {
-    float* weight;
-    float* x;
-    float* y;
-    std::ptrdiff_t stride;
-};
-
-inline Short8 sampledRow(Word8 upper, Word8 lower, Word8 above, Word8 below) {
-    return reinterpret_cast<Short8>((upper * above + lower * below + 32) >> 6);
-}
-
-void vote(const PatchSearch& search, int i, int j, int half, const Vote& votes) {
-    const PatchPlanes& patches = search.patches;
-    const std::ptrdiff_t at = (j + 1) * patches.stride + i + 1;
-    const Motion motion{patches.x[at], patches.y[at]};
-    const int left = patchOrigin + patchStride * i;
-    const int top = patchOrigin + patchStride * j + half * patchStride;
-    const SubPixelPlace place = placeIn(search.to, left, top, motion);
-    const Word8 right = Word8{} + static_cast<std::uint16_t>(place.fractionX);
-    const Word8 leftShare = 64 - right;
-    const Word8 below = Word8{} + static_cast<std::uint16_t>(place.fractionY);
-    const Word8 above = 64 - below;
-    const auto across = [&](int row) {
-        const std::uint8_t* pixel = place.pixel + row * search.to.stride;
-        const auto a = reinterpret_cast<Word8>(widened(load<Byte8>(pixel)));
-        const auto b = reinterpret_cast<Word8>(widened(load<Byte8>(pixel + 1)));
-        return (a * leftShare + b * right + 8) >> 4;
-    };
-    Word8 upper = across(0);
-    for (int row = 0; row < patchStride; ++row) {
-        const Word8 lower = across(row + 1);
-        const Short8 found = sampledRow(upper, lower, above, below);
-        upper = lower;
-        const Short8 error = found - (widened(load<Byte8>(pixelAt(search.from, left, top + row))) << 2);
-        const Float8 apart = toFloat(toInt(error)) * 0.25F;
-        const Float8 squared = apart * apart;
-        const Float8 weight = 1 / greatest(squared, Float8{} + 1.0F);
-        float* w = votes.weight + row * votes.stride + patchStride * i;
-        float* x = votes.x + row * votes.stride + patchStride * i;
-        float* y = votes.y + row * votes.stride + patchStride * i;
-        store(w, load<Float8>(w) + weight);
-        store(x, load<Float8>(x) + weight * motion.x);
-        store(y, load<Float8>(y) + weight * motion.y);
-    }
-}
-
-inline Short8 motionUnitsOf(Float8 pixels) {
-    const Float8 bounded = between(pixels, Float8{} - farthest, Float8{} + farthest) * motionUnits;
-    return toShort(toInt(bounded + farthest * motionUnits + 0.5F) - static_cast<int>(farthest) * motionUnits);
-}
-
-void densify(const PatchSearch& search, float* scratch, MotionVector* motion, std::ptrdiff_t stride, int begin,
-             int end) {
-    const std::ptrdiff_t voteStride = patchStride * search.patches.columns + 2 * patchSize;
-    const std::ptrdiff_t votePlane = patchStride * voteStride;
-    const Vote votes{scratch, scratch + votePlane, scratch + 2 * votePlane, voteStride};
-    const int width = search.from.width;
-    for (int cell = begin; cell < end; ++cell) {
-        std::memset(scratch, 0, densifyScratchSize(search.patches.columns) * sizeof(float));
-        for (int i = 0; i < search.patches.columns; ++i) {
-            vote(search, i, cell, 1, votes);
-            vote(search, i, cell + 1, 0, votes);
-        }
-        const int rows = least(patchStride, search.from.height - patchStride * cell);
-        for (int row = 0; row < rows; ++row) {
-            MotionVector* line = motion + (patchStride * cell + row) * stride;
-            const std::ptrdiff_t at = row * votes.stride - patchOrigin;
-            for (int x = 0; x < width; x += 8) {
-                const Float8 share = 1 / greatest(load<Float8>(votes.weight + at + x), Float8{} + leastVote);
-                const Short8 vx = motionUnitsOf(load<Float8>(votes.x + at + x) * share);
-                const Short8 vy = motionUnitsOf(load<Float8>(votes.y + at + x) * share);
-                const Short16 pairs =
-                    __builtin_shufflevector(vx, vy, 0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15);
-                const int count = least(8, width - x);
-                std::memcpy(line + x, &pairs, static_cast<std::size_t>(count) * sizeof(MotionVector));
-            }
-        }
-    }
-}
-
 } // namespace
 
 void addPatchKernels(Kernels& kernels) {
     kernels.searchPatches = searchPatches;
     kernels.refreshSlopes = refreshSlopes;
     kernels.sweepPatches = sweepPatches;
-    kernels.densify = densify;
 }
 
 } // namespace flowtide::flow::FLOWTIDE_LANES
