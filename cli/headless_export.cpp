@@ -38,21 +38,8 @@ std::string pointText(const SpeedKeyframe& point) {
 }
 
 std::string zoomText(const ZoomBlock& block) {
-    const auto caseName = [&] {
-        switch (block.mode) {
-        case ZoomMode::zoomIn:
-            return "zoomIn";
-        case ZoomMode::zoomOut:
-            return "zoomOut";
-        case ZoomMode::constant:
-            return "constant";
-        case ZoomMode::inOut:
-            break;
-        }
-        return "inOut";
-    };
     return fmt::format("{}-{} ×{} {}", shortestDecimal(block.startTime), shortestDecimal(block.endTime),
-                       shortestDecimal(block.amount), caseName());
+                       shortestDecimal(block.amount), rawValue(block.mode));
 }
 
 void printJob(const HeadlessExportJob& job, RunDisplay& display) {

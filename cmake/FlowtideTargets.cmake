@@ -18,6 +18,10 @@ if(FLOWTIDE_SANITIZE)
     target_compile_options(flowtide_options INTERFACE -Wno-maybe-uninitialized)
   endif()
 endif()
+# The fuzzers are led by what they reach in the libraries.
+if(FLOWTIDE_BUILD_FUZZ)
+  target_compile_options(flowtide_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # flowtide_layer(name SOURCES ... LINKS ...): one static library per folder with the layers below that it may use.
 function(flowtide_layer name)

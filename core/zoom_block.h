@@ -3,12 +3,28 @@
 
 #include "core/uuid.h"
 
+#include <string_view>
 #include <vector>
 
 namespace flowtide {
 
 /// Which ramps a block has.
 enum class ZoomMode { inOut, zoomIn, zoomOut, constant };
+
+/// The mode's stored name, that of its case.
+constexpr std::string_view rawValue(ZoomMode mode) {
+    switch (mode) {
+    case ZoomMode::zoomIn:
+        return "zoomIn";
+    case ZoomMode::zoomOut:
+        return "zoomOut";
+    case ZoomMode::constant:
+        return "constant";
+    case ZoomMode::inOut:
+        break;
+    }
+    return "inOut";
+}
 
 /// A focal point at a position within the block.
 struct ZoomFocalKeyframe {

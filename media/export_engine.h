@@ -3,6 +3,7 @@
 
 #include "core/crop_framing.h"
 #include "core/optical_flow_ranges.h"
+#include "core/render_choices.h"
 #include "core/speed_keyframe.h"
 #include "core/time_map.h"
 #include "core/zoom_block.h"
@@ -15,7 +16,6 @@
 #include <mutex>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace flowtide {
 
@@ -28,14 +28,6 @@ struct ExportValidationReport {
     std::string summary; ///< the short items joined by " · "
     std::string details; ///< one line per property
 };
-
-/// How large a preview is drawn.
-enum class PreviewResolution { quick, full };
-
-/// The choice's name: "720p" or "Full resolution".
-constexpr std::string_view rawValue(PreviewResolution resolution) {
-    return resolution == PreviewResolution::quick ? "720p" : "Full resolution";
-}
 
 /// One export, as the editor and the command line ask for it.
 struct ExportRequest {

@@ -1,6 +1,7 @@
-// How frames between two source frames are made.
+// Makes the frames between two source frames.
 #pragma once
 
+#include "core/render_choices.h"
 #include "core/time.h"
 #include "media/video_frame.h"
 
@@ -9,9 +10,6 @@
 #include <string_view>
 
 namespace flowtide {
-
-/// The user's choice for stretches that are slower than the source has frames for.
-enum class FrameInterpolation { opticalFlow, nearest };
 
 /// "Optical Flow" or "Original Frames".
 std::string_view displayName(FrameInterpolation interpolation);

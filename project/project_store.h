@@ -1,0 +1,62 @@
+// Keeps every project in one folder, a file each, and the list of recent ones.
+#pragma once
+
+#include "project/file_operations.h"
+#include "project/flowtide_project.h"
+#include "project/recent_project.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace flowtide {
+
+/// The state folder. Every file in it is replaced in one step and flushed; changes are made under the folder's lock, so
+/// that several processes can use one folder. One thread at a time.
+class ProjectStore {
+public:
+    static constexpr std::size_t mostRecentProjects = 50;
+
+    /// `directory`: the folder; without one stateDirectory(), which can throw ProjectError. Folder and files are
+    /// created on the first save. `operations` must outlive the store.
+    explicit ProjectStore(std::optional<std::filesystem::path> directory = {},
+                          FileOperations& operations = systemFileOperations());
+
+    const std::filesystem::path& directory() const { return directory_; }
+    /// The file of the project with an id.
+    std::filesystem::path projectFile(const Uuid& id) const;
+
+    /// Validates the project, writes it, puts it in the recent list (where it stands, if it is there already, else in
+    /// front) and drops the file that former versions kept beside the clip. Throws ProjectError.
+    void save(const FlowtideProject& project);
+
+    /// The recent projects; empty when there is no readable list. A project whose listed file is gone is listed with
+    /// the folder's own file, when there is one.
+    RecentProjects recent() const;
+    /// Takes a project out of the list; its file stays. Throws ProjectError.
+    void removeFromRecent(const Uuid& id);
+    /// A project file was moved: corrects the list. Throws ProjectError.
+    void repoint(const std::filesystem::path& from, const std::filesystem::path& to);
+
+    /// The newest valid project of the clip with a fingerprint, among the folder's and the list's files.
+    std::optional<FlowtideProject> loadFor(const std::string& fingerprint) const;
+    /// A chosen project file. Throws ProjectError.
+    static FlowtideProject load(const std::filesystem::path& file);
+
+    /// The project's clip where it was last seen; nothing when it is not there or has another fingerprint.
+    static std::optional<std::filesystem::path> resolve(const FlowtideProject& project);
+    /// Points the project to its clip's new place and saves it. Throws ProjectError when the file is not that clip.
+    FlowtideProject relink(FlowtideProject project, const std::filesystem::path& clip);
+
+private:
+    void findMoved(RecentProject& entry) const;
+    void changeRecent(const std::function<bool(RecentProjects&)>& change);
+    void removeLegacySidecar(const FlowtideProject& project);
+    std::filesystem::path indexFile() const;
+
+    std::filesystem::path directory_;
+    FileOperations& operations_;
+};
+
+} // namespace flowtide

@@ -1,0 +1,25 @@
+// One line of the library's list.
+#pragma once
+
+#include "core/uuid.h"
+#include "project/reference_date.h"
+#include "project/url.h"
+
+#include <string>
+#include <vector>
+
+namespace flowtide {
+
+/// What the projects sidebar shows of a project, without opening it.
+struct RecentProject {
+    Uuid id;                 ///< the project's
+    std::string name;        ///< the clip's file name
+    Url projectURL;          ///< the project's file
+    std::string fingerprint; ///< the clip's
+    ReferenceDate savedAt;
+    friend bool operator==(const RecentProject&, const RecentProject&) = default;
+};
+
+using RecentProjects = std::vector<RecentProject>; ///< newest addition first
+
+} // namespace flowtide
