@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <ctime>
 
 namespace flowtide::bench {
 
@@ -49,6 +50,12 @@ ProcessCost runProcess(const std::vector<std::string>& words) {
     cost.peakMegabytes = static_cast<double>(usage.ru_maxrss) / 1024;
     cost.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
     return cost;
+}
+
+double cpuSeconds() {
+    timespec time{};
+    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
 double median(std::vector<double> values) {

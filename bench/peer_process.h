@@ -18,6 +18,9 @@ struct ProcessCost {
 /// Runs a program found on the PATH; its standard error is dropped.
 ProcessCost runProcess(const std::vector<std::string>& words);
 
+/// CPU time of this process so far, in seconds, all its threads included.
+double cpuSeconds();
+
 /// The middle one of several measurements.
 double median(std::vector<double> values);
 
