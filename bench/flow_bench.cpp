@@ -187,8 +187,7 @@ int main(int argc, char** argv) {
     std::printf("\n");
     for (const auto& [group, results] : groups)
         print("mean, " + group + ", " + std::to_string(results.size()) + " alike", mean(results));
-    if (options.only.empty() || options.only == "costs")
-        bench::printFlowCosts(*backend, options.folder, options.peerMode);
+    if (options.only.empty() || options.only == "costs") bench::printFlowCosts(*backend, options.folder);
     if (!groups.empty()) std::printf("\nverdict\n");
     for (const auto& [group, results] : groups)
         printVerdict(group, results);

@@ -10,6 +10,7 @@
 #include <array>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 
 namespace flowtide::bench {
@@ -93,10 +94,11 @@ Slope peerSlope(const std::vector<VideoFrame>& kept, const std::string& mode, do
     return slope;
 }
 
-/// The program itself, holding the frames of a file and making frames of them by a method.
+/// The peak of the program itself when it holds the frames of a file and makes frames of them by a method.
 double probedMegabytes(const std::string& method, const std::string& file, int width, int height) {
-    return runProcess({"/proc/self/exe", probeWord, method, file, std::to_string(width), std::to_string(height)})
-        .peakMegabytes;
+    return std::atof(
+        runProcess({"/proc/self/exe", probeWord, method, file, std::to_string(width), std::to_string(height)})
+            .output.c_str());
 }
 
 } // namespace
@@ -151,21 +153,19 @@ std::optional<int> runAsMemoryProbe(const std::vector<std::string>& arguments) {
     const std::string& method = arguments[1];
     const int width = std::stoi(arguments[3]);
     const int height = std::stoi(arguments[4]);
+    // One frame at a time into memory that stays taken, so that reading leaves none that the method could use unseen.
+    std::string bytes(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3 / 2, '\0');
     std::vector<VideoFrame> kept;
-    {
-        // One frame at a time, so that reading leaves no memory behind that the method could use unseen.
-        std::ifstream file(arguments[2], std::ios::binary);
-        const std::size_t size = static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 3 / 2;
-        std::string bytes(size, '\0');
-        while (file.read(bytes.data(), static_cast<std::streamsize>(size)))
-            kept.push_back(framesOfBytes(bytes, width, height).front());
-    }
+    for (std::ifstream file(arguments[2], std::ios::binary);
+         file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));)
+        kept.push_back(framesOfBytes(bytes, width, height).front());
     if (kept.size() < 3) return 1;
     const FlowTask task{kept, static_cast<int>(kept.size()) - 2, 2};
     if (method == "ours") eachOfOurFrames(task, [](const VideoFrame&) {});
     if (method == "blend")
         for (std::size_t i = 0; i + 2 < kept.size(); ++i)
             blend(kept[i], kept[i + 1], 0.5);
+    std::printf("%f\n", peakMegabytes());
     return 0;
 }
 
