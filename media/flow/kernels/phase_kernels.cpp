@@ -70,14 +70,15 @@ void splat(const MotionView& flow, int share, bool reversed, std::uint64_t* cell
                 keepGreater(cell + width + 1, corner[3], vectors);
                 continue;
             }
+            std::uint32_t ranked[4][8] = {};
+            for (int n = 0; n < 4; ++n)
+                store(ranked[n], corner[n]);
             for (int lane = 0; lane < count; ++lane) {
                 const int column = columns[lane];
                 const int row = rows[lane];
                 const std::uint64_t vector = static_cast<std::uint32_t>(vectors[lane]);
                 const auto put = [&](std::uint64_t* cell, int n) {
-                    const std::uint64_t value =
-                        (static_cast<std::uint64_t>(static_cast<std::uint32_t>(corner[n][lane])) << 32) | vector;
-                    *cell = greatest(*cell, value);
+                    *cell = greatest(*cell, (static_cast<std::uint64_t>(ranked[n][lane]) << 32) | vector);
                 };
                 std::uint64_t* cell = cells + static_cast<std::ptrdiff_t>(row) * width + column;
                 if (column >= 0 && row >= 0 && column < width - 1 && row < height - 1) {
