@@ -1,5 +1,5 @@
 // Our export beside the ffmpeg tool: same input, number of output frames, encoder, preset, bitrate and threads, in
-// turn in one run. Usage: bench_export [1080p clip]
+// turn in one run.
 #include "bench/flow_methods.h"
 #include "bench/peer_process.h"
 #include "bench/scratch_folder.h"
@@ -19,11 +19,36 @@ using flowtide::bench::median;
 using flowtide::bench::ProcessCost;
 using flowtide::bench::runProcess;
 
+constexpr const char* usage = R"(Usage: bench_export [--clip CLIP] [--only TEXT]
+  --clip  a 1080p clip
+  --only  the rows whose names contain TEXT, such as "in-between"
+)";
+
 constexpr int repetitions = 3;
 constexpr int inputFrames = 150;
 // In-between frames cost the peer most of a second each.
 constexpr int slowInputFrames = 40;
 constexpr int slowOutputFrames = 4 * slowInputFrames;
+
+struct Options {
+    std::string clip = FLOWTIDE_BENCH_CLIP;
+    std::string only;
+
+    bool wants(const std::string& row) const { return row.find(only) != std::string::npos; }
+};
+
+/// False when the arguments make no sense.
+bool parse(const std::vector<std::string>& arguments, Options& options) {
+    for (std::size_t i = 0; i + 1 < arguments.size(); i += 2) {
+        if (arguments[i] == "--clip")
+            options.clip = arguments[i + 1];
+        else if (arguments[i] == "--only")
+            options.only = arguments[i + 1];
+        else
+            return false;
+    }
+    return arguments.size() % 2 == 0;
+}
 
 /// The bitrate that an export chose, from its log.
 std::string chosenBitRate(const std::string& log) {
@@ -65,6 +90,22 @@ void printRow(const char* name, const std::vector<ProcessCost>& ours, const std:
     std::fflush(stdout);
 }
 
+/// How well our runs kept the cores busy. On a machine that does something else, wall time says little about that.
+void printUse(const std::vector<ProcessCost>& ours) {
+    const unsigned cores = std::max(std::thread::hardware_concurrency(), 1U);
+    std::vector<double> shares;
+    std::vector<double> taken;
+    for (const auto& cost : ours) {
+        const double available = cost.wallSeconds * cores;
+        shares.push_back(available / cost.cpuSeconds);
+        taken.push_back(100 * std::max(available - cost.cpuSeconds - cost.idleSeconds, 0.0) / available);
+    }
+    std::printf(
+        "    our wall time over CPU time by %u cores: %.2f (at most 1.15 wanted); other programs took %.0f %% of "
+        "the cores meanwhile\n",
+        cores, median(shares), median(taken));
+}
+
 /// Frames in a movie.
 int frameCount(const std::string& path) {
     return std::atoi(runProcess({"ffprobe", "-v", "error", "-select_streams", "v:0", "-count_packets", "-show_entries",
@@ -72,13 +113,13 @@ int frameCount(const std::string& path) {
                          .output.c_str());
 }
 
-/// Runs both in turn, `repetitions` times; the peer's command gets the bitrate that ours chose.
+/// Runs both in turn; the peer's command gets the bitrate that ours chose. The peer is left out after `peerRuns`.
 template <typename PeerCommand>
-bool measureInTurn(const char* name, const std::vector<std::string>& own, const PeerCommand& peerCommand,
+bool measureInTurn(const char* name, const std::vector<std::string>& own, int peerRuns, const PeerCommand& peerCommand,
                    std::vector<ProcessCost>& ours, std::vector<ProcessCost>& peers) {
     for (int i = 0; i < repetitions; ++i) {
         ours.push_back(runProcess(own));
-        peers.push_back(runProcess(peerCommand(chosenBitRate(ours.back().output))));
+        if (i < peerRuns) peers.push_back(runProcess(peerCommand(chosenBitRate(ours.back().output))));
         if (!ours.back().succeeded || !peers.back().succeeded) {
             std::fprintf(stderr, "a run failed\n%s\n", ours.back().output.c_str());
             return false;
@@ -89,10 +130,12 @@ bool measureInTurn(const char* name, const std::vector<std::string>& own, const 
 }
 
 /// Exports with the picture as it is, or with frames repeated.
-bool measureRepeating(const std::string& clip, const std::string& encoder, const bench::ScratchFolder& scratch) {
+bool measureRepeating(const Options& options, const std::string& encoder, const bench::ScratchFolder& scratch) {
     const std::string input = scratch / (encoder + ".mp4");
-    if (!makeInput(clip, encoder, inputFrames, input)) return false;
     for (const std::string speed : {"1", "0.5"}) {
+        const std::string name = encoder + " at speed " + speed;
+        if (!options.wants(name)) continue;
+        if (!std::filesystem::exists(input) && !makeInput(options.clip, encoder, inputFrames, input)) return false;
         std::vector<ProcessCost> ours;
         std::vector<ProcessCost> peers;
         const auto peerCommand = [&](const std::string& bitRate) {
@@ -102,18 +145,20 @@ bool measureRepeating(const std::string& clip, const std::string& encoder, const
             return words;
         };
         if (!measureInTurn(
-                (encoder + " at speed " + speed).c_str(),
+                name.c_str(),
                 {FLOWTIDE_PROGRAM, "--headless-export", input, scratch / "ours.mp4", "0:" + speed + ",999:" + speed},
-                peerCommand, ours, peers))
+                repetitions, peerCommand, ours, peers))
             return false;
     }
     return true;
 }
 
 /// Exports at quarter speed with frames in between.
-bool measureInBetween(const std::string& clip, const std::string& encoder, const bench::ScratchFolder& scratch) {
+bool measureInBetween(const Options& options, const std::string& encoder, const bench::ScratchFolder& scratch) {
+    const std::string name = encoder + " in-between 0.25";
+    if (!options.wants(name)) return true;
     const std::string input = scratch / (encoder + "-short.mp4");
-    if (!makeInput(clip, encoder, slowInputFrames, input)) return false;
+    if (!makeInput(options.clip, encoder, slowInputFrames, input)) return false;
     std::vector<ProcessCost> ours;
     std::vector<ProcessCost> peers;
     const auto peerCommand = [&](const std::string& bitRate) {
@@ -135,18 +180,15 @@ bool measureInBetween(const std::string& clip, const std::string& encoder, const
                                         bitRate,
                                         scratch / "peer.mp4"};
     };
-    if (!measureInTurn((encoder + " in-between 0.25").c_str(),
+    // One run of the peer takes a minute and a half; its time hardly varies.
+    if (!measureInTurn(name.c_str(),
                        {FLOWTIDE_PROGRAM, "--headless-export", input, scratch / "ours.mp4", "0:0.25,999:0.25",
                         "--interpolation", "optical-flow"},
-                       peerCommand, ours, peers))
+                       1, peerCommand, ours, peers))
         return false;
-    const unsigned cores = std::max(std::thread::hardware_concurrency(), 1U);
-    std::vector<double> shares;
-    for (const auto& cost : ours)
-        shares.push_back(cost.wallSeconds * cores / cost.cpuSeconds);
-    std::printf(
-        "    %d frames, ffmpeg %d with minterpolate=%s; our wall over CPU by %u cores: %.2f (at most 1.15 wanted)\n",
-        frameCount(scratch / "ours.mp4"), frameCount(scratch / "peer.mp4"), bench::bestPeerMode, cores, median(shares));
+    std::printf("    %d frames, ffmpeg %d with minterpolate=%s\n", frameCount(scratch / "ours.mp4"),
+                frameCount(scratch / "peer.mp4"), bench::bestPeerMode);
+    printUse(ours);
     std::fflush(stdout);
     return true;
 }
@@ -154,18 +196,22 @@ bool measureInBetween(const std::string& clip, const std::string& encoder, const
 } // namespace
 
 int main(int argc, char** argv) {
+    Options options;
+    if (!parse({argv + 1, argv + argc}, options)) {
+        std::fputs(usage, stderr);
+        return 1;
+    }
     const bench::ScratchFolder scratch;
-    std::string clip = argc > 1 ? argv[1] : FLOWTIDE_BENCH_CLIP;
-    if (!std::filesystem::exists(clip)) clip.clear();
+    if (!std::filesystem::exists(options.clip)) options.clip.clear();
     const std::string version = runProcess({"ffmpeg", "-version"}).output;
     std::printf("peer: %s\n", version.substr(0, version.find(" Copyright")).c_str());
     std::printf("input: 1080p30, %d frames from %s; medians of %d, run in turn\n", inputFrames,
-                clip.empty() ? "testsrc2" : clip.c_str(), repetitions);
+                options.clip.empty() ? "testsrc2" : options.clip.c_str(), repetitions);
     std::printf("%-22s %8s %8s %6s   %8s %8s %6s   %6s %6s\n", "", "wall s", "ffmpeg", "ratio", "CPU s", "ffmpeg",
                 "ratio", "MB", "ffmpeg");
 
     for (const std::string encoder : {"libx264", "libx265"})
-        if (!measureRepeating(clip, encoder, scratch) || !measureInBetween(clip, encoder, scratch)) {
+        if (!measureRepeating(options, encoder, scratch) || !measureInBetween(options, encoder, scratch)) {
             std::fprintf(stderr, "stopped at %s\n", encoder.c_str());
             return 1;
         }

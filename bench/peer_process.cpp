@@ -30,6 +30,19 @@ std::optional<double> peakMegabytesOf(const std::string& process) {
     return std::nullopt;
 }
 
+/// What the machine's cores have idled since it started.
+double idleSecondsSoFar() {
+    std::ifstream stat("/proc/stat");
+    std::string label;
+    double user = 0;
+    double nice = 0;
+    double system = 0;
+    double idle = 0;
+    double waiting = 0;
+    stat >> label >> user >> nice >> system >> idle >> waiting;
+    return (idle + waiting) / static_cast<double>(::sysconf(_SC_CLK_TCK));
+}
+
 // Longer than it takes to start a program, shorter than a peak lasts.
 constexpr int samplingMilliseconds = 20;
 } // namespace
@@ -42,6 +55,7 @@ ProcessCost runProcess(const std::vector<std::string>& words) {
     for (const auto& word : words)
         arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
+    const double idleBefore = idleSecondsSoFar();
     const auto start = std::chrono::steady_clock::now();
     const pid_t child = ::fork();
     if (child == 0) {
@@ -69,6 +83,7 @@ ProcessCost runProcess(const std::vector<std::string>& words) {
     rusage usage{};
     ::wait4(child, &status, 0, &usage);
     cost.wallSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    cost.idleSeconds = idleSecondsSoFar() - idleBefore;
     cost.cpuSeconds = seconds(usage.ru_utime) + seconds(usage.ru_stime);
     cost.peakMegabytes = peak.value_or(static_cast<double>(usage.ru_maxrss) / 1024);
     cost.succeeded = WIFEXITED(status) && WEXITSTATUS(status) == 0;

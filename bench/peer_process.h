@@ -12,7 +12,8 @@ struct ProcessCost {
     double wallSeconds = 0;
     double cpuSeconds = 0;
     double peakMegabytes = 0; ///< of the program alone, sampled every few milliseconds
-    std::string output; ///< standard output
+    double idleSeconds = 0;   ///< summed over the machine's cores, while it ran
+    std::string output;       ///< standard output
 };
 
 /// Runs a program found on the PATH; its standard error is dropped.

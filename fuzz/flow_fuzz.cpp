@@ -222,9 +222,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (time <= pair.first.time) require(sameSamples(frame, pair.first.frame));
         if (time >= pair.second.time) require(sameSamples(frame, pair.second.frame));
         require(sameSamples(frame, frame)); // reads every sample: none may lie outside the frame's memory
-        // Neither what was rendered before nor what lies between the rows matters.
+        // Neither what was rendered before nor what lies between the rows matters, nor the machine.
         if (comparing) {
-            OpticalFlowInterpolator fresh(scene.width, scene.height, scene.layout);
+            OpticalFlowInterpolator fresh(scene.width, scene.height, scene.layout,
+                                          {.threads = 1, .instructions = flow::InstructionSet::baseline});
             require(sameSamples(frame, fresh.render(pairOf(tightFrames, first, before, after), time)));
         }
     }
