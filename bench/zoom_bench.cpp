@@ -1,25 +1,22 @@
 // Our zoom beside ffmpeg's zoompan on the same still 1080p chart: how far the edges stray from their ideal path, and
 // what a frame costs.
 #include "bench/peer_process.h"
+#include "bench/scratch_folder.h"
 #include "core/zoom_engine.h"
 #include "media/zoom_scaler.h"
 #include "tests/support/zoom_chart.h"
-
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
-#include <filesystem>
 #include <fstream>
 #include <string>
 
 namespace {
 
 using namespace flowtide;
+using bench::cpuSeconds;
 using bench::median;
 using bench::runProcess;
 
@@ -62,10 +59,6 @@ struct EdgeErrors {
     double rms() const { return count > 0 ? std::sqrt(sum / count) : std::nan(""); }
 };
 
-double cpuSeconds() {
-    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
-}
-
 /// Rebuilds a frame from packed planes in a file's bytes.
 VideoFrame frameFrom(const std::string& bytes, std::size_t offset) {
     auto copy = std::make_shared<std::string>(bytes.substr(offset, width * height * 3 / 2));
@@ -97,10 +90,9 @@ int main() {
         ours.add(chart, zoomed, rect);
     }
 
-    const auto folder = std::filesystem::temp_directory_path() / ("flowtide-bench-" + std::to_string(::getpid()));
-    std::filesystem::create_directories(folder);
-    const std::string stillPath = folder / "still.yuv";
-    const std::string zoomedPath = folder / "zoomed.yuv";
+    const bench::ScratchFolder scratch;
+    const std::string stillPath = scratch / "still.yuv";
+    const std::string zoomedPath = scratch / "zoomed.yuv";
     {
         std::ofstream file(stillPath, std::ios::binary);
         for (std::size_t plane = 0; plane < 3; ++plane)
@@ -124,8 +116,6 @@ int main() {
     }
     std::ifstream file(zoomedPath, std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    std::error_code ignored;
-    std::filesystem::remove_all(folder, ignored);
 
     EdgeErrors peers;
     constexpr std::size_t frameBytes = width * height * 3 / 2;

@@ -5,6 +5,7 @@
 #include "media/export_plan.h"
 #include "media/export_validation.h"
 #include "media/flowtide_error.h"
+#include "media/frame_schedule.h"
 #include "media/interleaved_render.h"
 #include "media/media_io.h"
 #include "media/temporary_export.h"
@@ -12,6 +13,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -124,7 +126,9 @@ void ExportEngine::render(const ExportRequest& request, const ExportPlan& plan, 
     }
     writer->start();
     logCodec(clip, plan.video, log_);
-    const auto video = backend_.openVideo(clip, plan.video.layout, plan.timeMap.sourceRange());
+    SourceRange range = plan.timeMap.sourceRange();
+    if (renderer) range = {std::max(range.lower - contextReachSeconds, 0.0), range.upper + contextReachSeconds};
+    const auto video = backend_.openVideo(clip, plan.video.layout, range);
     const RenderInputs inputs{plan, *video, renderer, plan.audio ? &audio : nullptr, *writer};
     renderInterleaved(inputs, log_, onProgress, [this] { return isCancelled(); });
     if (const int concealed = video->concealedFrameCount(); concealed > 0)

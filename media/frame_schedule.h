@@ -17,11 +17,19 @@ std::int64_t outputFrameCount(double outputDuration, MediaTime frameDuration);
 /// that starts within this many seconds after it counts as reached.
 constexpr double frameReachedGraceSeconds = 1e-6;
 
-/// Walks forward through a reader's frames, holding the one shown at the current source time and the one after it.
+/// How far around a range a reader has to be opened, in seconds, so that frames have their neighbours as context even
+/// at its ends, whether the range is rendered alone or inside a longer one.
+constexpr double contextReachSeconds = 0.25;
+
+/// Walks forward through a reader's frames, holding the one shown at the current source time and the one after it, and
+/// as context those around the two.
 class HeldFrames {
 public:
-    explicit HeldFrames(VideoReader& reader)
-        : reader_(reader) {}
+    enum class Context { none, kept };
+
+    explicit HeldFrames(VideoReader& reader, Context context = Context::none)
+        : reader_(reader)
+        , context_(context) {}
 
     /// Moves to a source time; times may stand still but never go back.
     void advanceTo(SourceSeconds time);
@@ -31,11 +39,19 @@ public:
     const std::optional<TimedFrame>& previous() const { return previous_; }
     /// The first frame after the current time; nothing past the last one.
     const std::optional<TimedFrame>& next() const { return next_; }
+    /// The frames before previous() and after next(); nothing without context and beyond the ends.
+    const std::optional<TimedFrame>& before() const { return before_; }
+    const std::optional<TimedFrame>& after() const { return after_; }
 
 private:
+    void step();
+
     VideoReader& reader_;
+    Context context_;
+    std::optional<TimedFrame> before_;
     std::optional<TimedFrame> previous_;
     std::optional<TimedFrame> next_;
+    std::optional<TimedFrame> after_;
     bool started_ = false;
 };
 

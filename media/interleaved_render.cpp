@@ -4,6 +4,7 @@
 #include "media/audio_retimer.h"
 #include "media/crop_zoom_renderer.h"
 #include "media/flowtide_error.h"
+#include "media/frame_queue.h"
 #include "media/frame_schedule.h"
 #include "media/interleave_gate.h"
 #include "media/render_state.h"
@@ -24,7 +25,14 @@ namespace {
 constexpr std::int64_t audioChunkFrames = 8192;
 constexpr double audioFractionBeforeFinish = 0.98;
 constexpr double interleaveSlackSeconds = 2; // of output: a few megabytes of packets at most
+constexpr std::size_t framesAhead = 4;
 constexpr auto progressInterval = std::chrono::milliseconds(50);
+
+/// Lets the producer go when the consumer leaves, for whatever reason.
+struct StopAtExit {
+    FrameQueue& queue;
+    ~StopAtExit() { queue.stop(); }
+};
 
 /// Counts the workers that are still running and wakes the waiting thread.
 class WorkerGroup {
@@ -99,13 +107,14 @@ private:
         const auto& next = held.next();
         if (inputs_.renderer && next && previous.time < time && time < next->time &&
             OpticalFlowScope::contains(inputs_.plan.opticalFlowRanges, time))
-            return inputs_.renderer->render(previous.frame, previous.time, next->frame, next->time, time);
+            return inputs_.renderer->render({previous, *next, held.before(), held.after()}, time);
         return previous.frame;
     }
 
-    void writeVideo() {
+    /// Decodes, makes in-between frames, crops and zooms, a few frames ahead of the encoder.
+    void renderFrames(FrameQueue& queue) {
         const ExportPlan& plan = inputs_.plan;
-        HeldFrames held(inputs_.video);
+        HeldFrames held(inputs_.video, inputs_.renderer ? HeldFrames::Context::kept : HeldFrames::Context::none);
         CropZoomRenderer framing(plan.framing);
         std::size_t cursor = 0;
         for (std::int64_t i = 0; i < plan.frameCount; ++i) {
@@ -114,11 +123,31 @@ private:
             const SourceSeconds sourceTime = plan.timeMap.sourceTime(outputTime, cursor);
             held.advanceTo(sourceTime);
             if (!held.previous()) return;
-            inputs_.writer.appendVideo(framing.render(frameAt(held, sourceTime), sourceTime, i), i);
-            state_.setFramesWritten(i + 1, plan.frameCount);
-            gate_.advance(Track::video, plan.video.frameDuration.secondsTimes(i + 1));
+            if (!queue.push(framing.render(frameAt(held, sourceTime), sourceTime, i))) return;
         }
-        inputs_.writer.finishVideo();
+    }
+
+    void writeVideo() {
+        const ExportPlan& plan = inputs_.plan;
+        FrameQueue queue(framesAhead);
+        const std::jthread producer([&] {
+            try {
+                renderFrames(queue);
+            } catch (...) {
+                state_.recordError(std::current_exception());
+                gate_.release();
+            }
+            queue.close();
+        });
+        const StopAtExit stopAtExit{queue};
+        std::int64_t written = 0;
+        while (const auto frame = queue.pop()) {
+            if (shouldStop()) return;
+            inputs_.writer.appendVideo(*frame, written++);
+            state_.setFramesWritten(written, plan.frameCount);
+            gate_.advance(Track::video, plan.video.frameDuration.secondsTimes(written));
+        }
+        if (written > 0 && !shouldStop()) inputs_.writer.finishVideo();
     }
 
     void writeAudio() {

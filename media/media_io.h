@@ -24,12 +24,6 @@ struct ProbedMedia {
     std::optional<MediaTime> constantSampleInterval;
 };
 
-/// A decoded frame and the source time from which it is shown.
-struct TimedFrame {
-    VideoFrame frame;
-    SourceSeconds time;
-};
-
 /// Decodes the frames of a range in presentation order. Used by one thread at a time.
 class VideoReader {
 public:

@@ -1,6 +1,8 @@
 // A decoded or rendered picture, shared by reference.
 #pragma once
 
+#include "core/time.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -55,6 +57,12 @@ struct VideoFrame {
     std::shared_ptr<const void> owner; ///< keeps the planes alive
 
     explicit operator bool() const { return owner != nullptr; }
+};
+
+/// A decoded frame and the source time from which it is shown.
+struct TimedFrame {
+    VideoFrame frame;
+    SourceSeconds time;
 };
 
 } // namespace flowtide

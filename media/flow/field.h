@@ -1,4 +1,4 @@
-// A rectangular array of values, one for each pixel of a level.
+// A rectangular array of values, one for each pixel of a level; kernels may read and write a vector past its end.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,12 @@ public:
     Field(int width, int height, Value value = Value())
         : width_(width)
         , height_(height)
-        , values_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), value) {}
+        , values_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) + slack, value) {}
+
+    /// Makes room for a size; what the values are then is undefined unless the size is the one that it was.
+    void resize(int width, int height) {
+        if (width != width_ || height != height_) *this = Field(width, height);
+    }
 
     int width() const { return width_; }
     int height() const { return height_; }
@@ -26,10 +31,10 @@ public:
     const Value& clamped(int x, int y) const {
         return (*this)(std::clamp(x, 0, width_ - 1), std::clamp(y, 0, height_ - 1));
     }
-    std::vector<Value>& values() { return values_; }
-    const std::vector<Value>& values() const { return values_; }
 
 private:
+    static constexpr std::size_t slack = 32 / sizeof(Value) + 1;
+
     int width_ = 0;
     int height_ = 0;
     std::vector<Value> values_;

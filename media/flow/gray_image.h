@@ -1,6 +1,7 @@
 // Padded 8-bit luma, the only picture that motion is estimated on.
 #pragma once
 
+#include "media/flow/kernels/kernels.h"
 #include "media/video_frame.h"
 
 #include <algorithm>
@@ -24,7 +25,7 @@ struct Vector {
 /// An image whose edge pixels are repeated outwards, so that patches may reach over the edge.
 class GrayImage {
 public:
-    static constexpr int padding = 16;
+    static constexpr int padding = ImageView::padding;
 
     GrayImage(int width, int height);
 
@@ -34,6 +35,7 @@ public:
     /// Row `y`, from -padding to height + padding - 1; x runs from -padding to width + padding - 1.
     const std::uint8_t* row(int y) const { return data_.data() + (y + padding) * stride_ + padding; }
     std::uint8_t* row(int y) { return data_.data() + (y + padding) * stride_ + padding; }
+    ImageView view() const { return {row(0), stride_, width_, height_}; }
     /// Bilinear value at a point (pixel centres at whole numbers), the edge's value outside.
     float at(float x, float y) const {
         const float px = std::clamp(x, 0.0F, static_cast<float>(width_ - 1));

@@ -5,13 +5,24 @@
 #include "media/flow/warp.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <optional>
+#include <utility>
 
 namespace flowtide {
 
 namespace {
 
 constexpr double samePhase = 0.000001; // nearer to a frame than this, the frame itself is shown
+
+constexpr std::size_t pairsKept = 3; // one, and those on both sides
+constexpr std::size_t framesKept = 2;
+
+/// Frames that come and go at another pace tell nothing of how motion bends.
+bool evenlySpaced(double one, double other) {
+    return std::abs(one - other) < 0.1 * other;
+}
 
 bool samePixels(const VideoFrame& a, const VideoFrame& b) {
     for (std::size_t plane = 0; plane < a.planes.size(); ++plane) {
@@ -26,47 +37,109 @@ bool samePixels(const VideoFrame& a, const VideoFrame& b) {
 
 } // namespace
 
-struct OpticalFlowInterpolator::CachedPair {
-    SourceSeconds firstTime;
-    SourceSeconds nextTime;
-    bool isStill = false;
-    std::vector<flow::GrayImage> nextLuma; // the next pair's first
-    std::optional<flow::FlowPair> flow;    // absent for a still pair
+struct OpticalFlowInterpolator::KnownFrame {
+    SourceSeconds time;
+    std::shared_ptr<const flow::Pyramid> luma;
 };
 
-OpticalFlowInterpolator::OpticalFlowInterpolator(int width, int height, PixelLayout layout)
-    : pool_(layout, width, height) {}
+struct OpticalFlowInterpolator::KnownPair {
+    SourceSeconds firstTime;
+    SourceSeconds secondTime;
+    bool isStill = false;
+    flow::FlowPair flow; ///< empty for a still pair
+
+    bool moves() const { return !isStill && !flow.isCut; }
+};
+
+/// The pair that is being rendered, and what its neighbours tell of it.
+struct OpticalFlowInterpolator::CurrentPair {
+    std::shared_ptr<KnownPair> pair;
+    std::optional<SourceSeconds> timeBefore;
+    std::optional<SourceSeconds> timeAfter;
+    std::optional<flow::Bend> bend;
+};
+
+OpticalFlowInterpolator::OpticalFlowInterpolator(int width, int height, PixelLayout layout,
+                                                 const OpticalFlowOptions& options)
+    : pool_(layout, width, height)
+    , kernels_(flow::kernelsFor(options.instructions))
+    , workers_(options.threads)
+    , estimator_(kernels_, workers_)
+    , phases_(kernels_, workers_) {}
 
 OpticalFlowInterpolator::~OpticalFlowInterpolator() = default;
 
-VideoFrame OpticalFlowInterpolator::render(const VideoFrame& previous, SourceSeconds previousTime,
-                                           const VideoFrame& next, SourceSeconds nextTime, SourceSeconds time) {
-    const double phase = (time.value - previousTime.value) / (nextTime.value - previousTime.value);
-    if (!(phase > samePhase)) return previous;
-    if (phase >= 1 - samePhase) return next;
-    CachedPair& pair = pairOf(previous, previousTime, next, nextTime);
-    if (pair.isStill) return previous;
-    if (pair.flow->isCut) return phase < 0.5 ? previous : next;
-    const auto position = static_cast<float>(phase);
-    return flow::warped(previous, next, flow::phaseField(*pair.flow, position), position, pool_);
+VideoFrame OpticalFlowInterpolator::render(const FramePair& frames, SourceSeconds time) {
+    const auto& [first, firstTime] = frames.first;
+    const auto& [second, secondTime] = frames.second;
+    const double phase = (time.value - firstTime.value) / (secondTime.value - firstTime.value);
+    if (!(phase > samePhase)) return first;
+    if (phase >= 1 - samePhase) return second;
+    moveTo(frames);
+    KnownPair& pair = *current_->pair;
+    if (pair.isStill) return first;
+    if (pair.flow.isCut) return phase < 0.5 ? first : second;
+    flow::PhaseField& field = phases_.at(pair.flow, current_->bend, phase);
+    return flow::warped(first, second, field, phase, pool_, kernels_, workers_);
 }
 
-OpticalFlowInterpolator::CachedPair& OpticalFlowInterpolator::pairOf(const VideoFrame& previous,
-                                                                     SourceSeconds previousTime, const VideoFrame& next,
-                                                                     SourceSeconds nextTime) {
-    if (lastPair_ && lastPair_->firstTime == previousTime && lastPair_->nextTime == nextTime) return *lastPair_;
-    auto pair = std::make_unique<CachedPair>();
-    pair->firstTime = previousTime;
-    pair->nextTime = nextTime;
-    pair->isStill = samePixels(previous, next);
-    if (!pair->isStill) {
-        const bool follows = lastPair_ && !lastPair_->nextLuma.empty() && lastPair_->nextTime == previousTime;
-        const auto firstLuma = follows ? std::move(lastPair_->nextLuma) : flow::lumaPyramid(previous);
-        pair->nextLuma = flow::lumaPyramid(next);
-        pair->flow = flow::estimateFlow(firstLuma, pair->nextLuma);
+void OpticalFlowInterpolator::moveTo(const FramePair& frames) {
+    const auto timeOf = [](const std::optional<TimedFrame>& frame) {
+        return frame ? std::optional(frame->time) : std::nullopt;
+    };
+    if (current_ && current_->pair->firstTime == frames.first.time &&
+        current_->pair->secondTime == frames.second.time && current_->timeBefore == timeOf(frames.before) &&
+        current_->timeAfter == timeOf(frames.after))
+        return;
+    auto current = std::make_unique<CurrentPair>();
+    // In the order of the source, so that each pair is found among the known ones when the next one is rendered.
+    const double duration = frames.second.time.value - frames.first.time.value;
+    std::shared_ptr<KnownPair> before;
+    std::shared_ptr<KnownPair> after;
+    if (frames.before && evenlySpaced(frames.first.time.value - frames.before->time.value, duration))
+        before = pairOf(*frames.before, frames.first);
+    current->pair = pairOf(frames.first, frames.second);
+    if (frames.after && evenlySpaced(frames.after->time.value - frames.second.time.value, duration))
+        after = pairOf(frames.second, *frames.after);
+    const flow::FlowPair& flow = current->pair->flow;
+    if (current->pair->moves() && before && before->moves() && after && after->moves())
+        current->bend = {acceleration(flow.forward, before->flow.backward),
+                         acceleration(flow.backward, after->flow.forward)};
+    current->timeBefore = timeOf(frames.before);
+    current->timeAfter = timeOf(frames.after);
+    current_ = std::move(current);
+}
+
+std::shared_ptr<OpticalFlowInterpolator::KnownPair> OpticalFlowInterpolator::pairOf(const TimedFrame& first,
+                                                                                    const TimedFrame& second) {
+    const auto known = std::find_if(pairs_.begin(), pairs_.end(), [&](const auto& pair) {
+        return pair->firstTime == first.time && pair->secondTime == second.time;
+    });
+    if (known != pairs_.end()) {
+        std::rotate(known, known + 1, pairs_.end());
+        return pairs_.back();
     }
-    lastPair_ = std::move(pair);
-    return *lastPair_;
+    std::shared_ptr<KnownPair> pair;
+    if (pairs_.size() == pairsKept) {
+        pair = std::move(pairs_.front()); // for its memory
+        pairs_.pop_front();
+    } else {
+        pair = std::make_shared<KnownPair>();
+    }
+    pair->firstTime = first.time;
+    pair->secondTime = second.time;
+    pair->isStill = samePixels(first.frame, second.frame);
+    if (!pair->isStill) estimator_.estimate(lumaOf(first), lumaOf(second), pair->flow);
+    pairs_.push_back(pair);
+    return pair;
+}
+
+std::shared_ptr<const flow::Pyramid> OpticalFlowInterpolator::lumaOf(const TimedFrame& frame) {
+    for (const KnownFrame& known : frames_)
+        if (known.time == frame.time) return known.luma;
+    frames_.push_back({frame.time, std::make_shared<const flow::Pyramid>(flow::lumaPyramid(frame.frame))});
+    if (frames_.size() > framesKept) frames_.pop_front();
+    return frames_.back().luma;
 }
 
 } // namespace flowtide

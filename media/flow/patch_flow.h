@@ -3,13 +3,31 @@
 
 #include "media/flow/field.h"
 #include "media/flow/gray_image.h"
+#include "media/flow/kernels/kernels.h"
+#include "media/flow/worker_pool.h"
 
 #include <vector>
 
 namespace flowtide::flow {
 
-/// For each pixel of `from`'s finest level, where it lies in `to`, as a displacement in that level's pixels. Both
-/// pyramids have the same sizes.
-Field<Vector> patchFlow(const std::vector<GrayImage>& from, const std::vector<GrayImage>& to);
+/// Finds the motion between images of one size; keeps its memory from one pair to the next.
+class PatchFlow {
+public:
+    PatchFlow();
+    ~PatchFlow();
+
+    /// For each pixel of one pyramid's finest level, where it lies in the other: `forward` from the first to the
+    /// second. Both pyramids have the same sizes. The result does not depend on the number of workers.
+    void estimate(const std::vector<GrayImage>& first, const std::vector<GrayImage>& second, const Kernels& kernels,
+                  WorkerPool& workers, Field<MotionVector>& forward, Field<MotionVector>& backward);
+
+private:
+    class Level;
+    /// Both directions of one level, the first image's first.
+    struct LevelPair;
+
+    std::vector<LevelPair> levels_; ///< finest first
+    std::vector<float> votes_;
+};
 
 } // namespace flowtide::flow

@@ -1,18 +1,54 @@
 // Where each pixel of an in-between frame comes from.
 #pragma once
 
+#include "media/flow/bend.h"
 #include "media/flow/flow_pair.h"
+
+#include <optional>
 
 namespace flowtide::flow {
 
 /// For one phase, at half resolution: the motion from the first frame to the second through each pixel of the
 /// in-between frame, and how much of the pixel the second frame gives.
 struct PhaseField {
-    Field<Vector> motion;
-    Field<float> secondShare; ///< 0...1
+    Field<MotionVector> motion;
+    Field<MotionVector> shift;       ///< by which both places lie beside the straight line
+    bool isShifted = false;          ///< whether they do
+    Field<std::int16_t> secondShare; ///< in shareUnits
+
+    PhasePlanes planes() {
+        return {motion.width(), motion.height(), motion.row(0), isShifted ? shift.row(0) : nullptr, secondShare.row(0)};
+    }
 };
 
-/// `phase`: 0 (the first frame) to 1 (the second), exclusive.
-PhaseField phaseField(const FlowPair& pair, float phase);
+/// Brings the motion of pairs of one size to phases; keeps its memory from one phase to the next.
+class PhaseEstimator {
+public:
+    PhaseEstimator(const Kernels& kernels, WorkerPool& workers)
+        : kernels_(kernels)
+        , workers_(workers) {}
+
+    /// `phase`: 0 (the first frame) to 1 (the second), exclusive. The result is good until the next call.
+    PhaseField& at(FlowPair& pair, const std::optional<Bend>& bend, double phase);
+
+private:
+    /// One direction's motion at a phase.
+    struct Projected {
+        Field<std::uint64_t> cells;
+        Field<MotionVector> motion;
+        Field<std::uint8_t> confidence;
+
+        Projection view() { return {motion.row(0), confidence.row(0)}; }
+    };
+
+    void project(DirectedFlow& flow, int share, bool reversed, Projected& result);
+
+    const Kernels& kernels_;
+    WorkerPool& workers_;
+    Projected forward_;
+    Projected backward_;
+    Field<MotionVector> chosen_;
+    PhaseField field_;
+};
 
 } // namespace flowtide::flow

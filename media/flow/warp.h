@@ -8,7 +8,7 @@
 namespace flowtide::flow {
 
 /// Blends both frames, each moved along the field to the phase, in every plane and in the frames' own bit depth.
-VideoFrame warped(const VideoFrame& first, const VideoFrame& second, const PhaseField& field, float phase,
-                  FramePool& pool);
+VideoFrame warped(const VideoFrame& first, const VideoFrame& second, PhaseField& field, double phase, FramePool& pool,
+                  const Kernels& kernels, WorkerPool& workers);
 
 } // namespace flowtide::flow

@@ -81,7 +81,7 @@ TEST(OpticalFlow, ATranslationLandsWhereThePhaseSays) {
         };
         OpticalFlowInterpolator interpolator(321, 201, layout);
         for (const double phase : {0.1, 0.37, 0.5, 0.9}) {
-            const VideoFrame frame = interpolator.render(moved(0), {1}, moved(1), {2}, {1 + phase});
+            const VideoFrame frame = interpolator.render({{moved(0), {1}}, {moved(1), {2}}, {}, {}}, {1 + phase});
             const double right = psnr(frame, moved(phase), 0, 16);
             EXPECT_GT(right, 38) << layout.bitDepth << " at " << phase;
             EXPECT_GT(psnr(frame, moved(phase), 1, 16), 35) << layout.bitDepth << " at " << phase;
@@ -101,11 +101,11 @@ TEST(OpticalFlow, EndsStillPairsAndCutsAreTheFramesThemselves) {
     const VideoFrame other =
         drawn(layouts[0], 160, 120, [](double x, double y) { return std::fmod(x * x * 0.37 + y * 91.3 * x, 220); });
     OpticalFlowInterpolator interpolator(160, 120, layouts[0]);
-    EXPECT_EQ(interpolator.render(a, {0}, b, {1}, {0}).planes[0].data, a.planes[0].data);
-    EXPECT_EQ(interpolator.render(a, {0}, b, {1}, {1}).planes[0].data, b.planes[0].data);
-    EXPECT_TRUE(samePixels(interpolator.render(a, {2}, copy, {3}, {2.4}), a));
-    EXPECT_EQ(interpolator.render(a, {4}, other, {5}, {4.4}).planes[0].data, a.planes[0].data);
-    EXPECT_EQ(interpolator.render(a, {4}, other, {5}, {4.6}).planes[0].data, other.planes[0].data);
+    EXPECT_EQ(interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {0}).planes[0].data, a.planes[0].data);
+    EXPECT_EQ(interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {1}).planes[0].data, b.planes[0].data);
+    EXPECT_TRUE(samePixels(interpolator.render({{a, {2}}, {copy, {3}}, {}, {}}, {2.4}), a));
+    EXPECT_EQ(interpolator.render({{a, {4}}, {other, {5}}, {}, {}}, {4.4}).planes[0].data, a.planes[0].data);
+    EXPECT_EQ(interpolator.render({{a, {4}}, {other, {5}}, {}, {}}, {4.6}).planes[0].data, other.planes[0].data);
 }
 
 TEST(OpticalFlow, AFadeFades) {
@@ -113,7 +113,7 @@ TEST(OpticalFlow, AFadeFades) {
     const VideoFrame bright = drawn(layouts[0], 160, 120, texture);
     const VideoFrame middle = drawn(layouts[0], 160, 120, [](double x, double y) { return 0.925 * texture(x, y); });
     OpticalFlowInterpolator interpolator(160, 120, layouts[0]);
-    EXPECT_GT(psnr(interpolator.render(dark, {0}, bright, {1}, {0.5}), middle, 0, 8), 30);
+    EXPECT_GT(psnr(interpolator.render({{dark, {0}}, {bright, {1}}, {}, {}}, {0.5}), middle, 0, 8), 30);
 }
 
 TEST(OpticalFlow, TheSameArgumentsGiveTheSamePixelsWhateverCameBefore) {
@@ -122,10 +122,125 @@ TEST(OpticalFlow, TheSameArgumentsGiveTheSamePixelsWhateverCameBefore) {
     };
     const VideoFrame frames[] = {at(0), at(5), at(11)};
     OpticalFlowInterpolator walked(200, 140, layouts[0]);
-    walked.render(frames[0], {0}, frames[1], {1}, {0.3});
-    const VideoFrame inside = walked.render(frames[1], {1}, frames[2], {2}, {1.7});
+    walked.render({{frames[0], {0}}, {frames[1], {1}}, {}, {}}, {0.3});
+    const VideoFrame inside = walked.render({{frames[1], {1}}, {frames[2], {2}}, {}, {}}, {1.7});
     OpticalFlowInterpolator alone(200, 140, layouts[0]);
-    EXPECT_TRUE(samePixels(inside, alone.render(frames[1], {1}, frames[2], {2}, {1.7})));
+    EXPECT_TRUE(samePixels(inside, alone.render({{frames[1], {1}}, {frames[2], {2}}, {}, {}}, {1.7})));
+}
+
+/// A textured background that drifts, and a disc that flies over it; frame number `time` may lie between two.
+VideoFrame scene(PixelLayout layout, int width, int height, double time) {
+    return drawn(layout, width, height, [&](double x, double y) {
+        const double dx = x - 40 - 9 * time;
+        const double dy = y - 30 - 1.5 * time * time;
+        if (dx * dx + dy * dy < 24 * 24) return 255 - texture(1.3 * dx, dy);
+        return texture(x + 2.3 * time, y - 0.7 * time);
+    });
+}
+
+FramePair sceneAround(PixelLayout layout, int width, int height, double time) {
+    const auto at = [&](double t) { return TimedFrame{scene(layout, width, height, t), {t}}; };
+    return {at(time), at(time + 1), at(time - 1), at(time + 2)};
+}
+
+TEST(OpticalFlow, ThreadsAndInstructionsChangeNoPixel) {
+    for (const auto& layout : layouts)
+        for (const auto& [width, height] : {std::pair{322, 181}, {97, 300}}) {
+            const FramePair pair = sceneAround(layout, width, height, 4);
+            const auto render = [&pair](int threads, flow::InstructionSet instructions) {
+                const VideoFrame& first = pair.first.frame;
+                OpticalFlowInterpolator interpolator(first.width, first.height, first.layout, {threads, instructions});
+                return interpolator.render(pair, {4.3});
+            };
+            const VideoFrame frame = render(1, flow::InstructionSet::baseline);
+            for (const int threads : {1, 2, 3})
+                EXPECT_TRUE(samePixels(frame, render(threads, flow::bestInstructionSet()))) << threads;
+        }
+}
+
+TEST(OpticalFlow, ContextBendsTheMotion) {
+    const PixelLayout layout = layouts[0];
+    // What speeds up by 2 pixels a frame² lies a quarter of a pixel behind the straight line half-way.
+    const auto at = [&](double time) {
+        return TimedFrame{
+            drawn(layout, 320, 200, [&](double x, double y) { return texture(x - 3 * time - time * time, y); }),
+            {time}};
+    };
+    OpticalFlowInterpolator interpolator(320, 200, layout);
+    const VideoFrame truth = at(0.5).frame;
+    const double straight = psnr(interpolator.render({at(0), at(1), {}, {}}, {0.5}), truth, 0, 16);
+    const double bent = psnr(interpolator.render({at(0), at(1), at(-1), at(2)}, {0.5}), truth, 0, 16);
+    EXPECT_GT(bent, straight + 6);
+    // A frame that comes at another pace, or shows another scene, tells nothing.
+    TimedFrame late = at(2);
+    late.time = {4};
+    TimedFrame other = at(2);
+    other.frame =
+        drawn(layout, 320, 200, [](double x, double y) { return std::fmod(x * x * 0.37 + y * 91.3 * x, 220); });
+    const VideoFrame without = interpolator.render({at(0), at(1), {}, {}}, {0.5});
+    EXPECT_TRUE(samePixels(interpolator.render({at(0), at(1), at(-1), late}, {0.5}), without));
+    EXPECT_TRUE(
+        samePixels(OpticalFlowInterpolator(320, 200, layout).render({at(0), at(1), at(-1), other}, {0.5}), without));
+}
+
+/// Mean squared difference between neighbours: what blurring takes away first.
+double detail(const VideoFrame& frame, int margin) {
+    double sum = 0;
+    for (int row = margin; row < frame.height - margin; ++row)
+        for (int column = margin; column < frame.width - margin; ++column)
+            sum += std::pow(sampleOf(frame, 0, column + 1, row) - sampleOf(frame, 0, column, row), 2) +
+                   std::pow(sampleOf(frame, 0, column, row + 1) - sampleOf(frame, 0, column, row), 2);
+    return sum;
+}
+
+TEST(OpticalFlow, AMovingTextureStaysSharp) {
+    for (const auto& layout : layouts) {
+        const auto at = [&](double time) {
+            return drawn(layout, 320, 200, [&](double x, double y) { return texture(x - 5.5 * time, y + 2.5 * time); });
+        };
+        OpticalFlowInterpolator interpolator(320, 200, layout);
+        for (const double phase : {0.25, 0.5}) {
+            const VideoFrame frame = interpolator.render({{at(0), {0}}, {at(1), {1}}, {}, {}}, {phase});
+            const double kept = detail(frame, 16) / detail(at(phase), 16);
+            EXPECT_GT(kept, 0.95) << phase;
+            EXPECT_LT(kept, 1.05) << phase;
+        }
+    }
+}
+
+TEST(OpticalFlow, ARangeAloneShowsThePixelsOfTheWhole) {
+    const auto backend = makeFFmpegBackend();
+    const TemporaryFolder folder;
+    ClipRecipe recipe;
+    recipe.codec = VideoCodec::proRes422HQ; // every frame is coded by itself
+    recipe.layout = {ChromaSubsampling::yuv422, 10, false};
+    recipe.width = 320;
+    recipe.height = 192;
+    recipe.frameCount = 20;
+    recipe.picture = [&](std::int64_t i) { return scene(recipe.layout, 320, 192, static_cast<double>(i)); };
+    makeClip(*backend, folder / "in.mov", recipe);
+    ExportRequest request;
+    request.clip = ImportedClip::load(*backend, folder / "in.mov");
+    for (const double time : {0.0, 0.32, 0.48, 0.8})
+        request.keyframes.push_back({Uuid::random(), time, 0.25, SpeedKeyframeRole::curve});
+    request.interpolation = FrameInterpolation::opticalFlow;
+    const auto exported = [&](const char* name) {
+        request.outputURL = folder / name;
+        ExportEngine(*backend, [](std::string_view) {}).run(request, [](double) {});
+        const ImportedClip clip = ImportedClip::load(*backend, request.outputURL);
+        const auto reader = backend->openVideo(clip, recipe.layout, {0, clip.duration});
+        std::vector<VideoFrame> frames;
+        while (auto frame = reader->next())
+            frames.push_back(frame->frame);
+        return frames;
+    };
+    const auto whole = exported("whole.mov");
+    request.sourceRange = SourceRange{0.32, 0.48};
+    const auto alone = exported("alone.mov");
+    ASSERT_EQ(whole.size(), 80U);
+    ASSERT_EQ(alone.size(), 16U);
+    for (std::size_t i = 0; i < alone.size(); ++i)
+        EXPECT_TRUE(samePixels(alone[i], whole[32 + i])) << i;
 }
 
 TEST(OpticalFlow, AnySizeWorks) {
@@ -135,7 +250,8 @@ TEST(OpticalFlow, AnySizeWorks) {
             const VideoFrame b =
                 drawn(layout, width, height, [](double x, double y) { return texture(x + 90, y - 50); });
             OpticalFlowInterpolator interpolator(width, height, layout);
-            const VideoFrame frame = interpolator.render(a, {0}, b, {1}, {0.5});
+            const VideoFrame frame =
+                interpolator.render({{a, {0}}, {b, {1}}, TimedFrame{b, {-1}}, TimedFrame{a, {2}}}, {0.5});
             EXPECT_EQ(frame.width, width);
             EXPECT_EQ(frame.height, height);
         }

@@ -125,10 +125,13 @@ void makeClip(const MediaBackend& backend, const std::filesystem::path& path, co
         writer->addAudio(audio);
     }
     writer->start();
+    const auto pictureOf = [&](std::int64_t i) {
+        if (recipe.picture) return recipe.picture(i);
+        return numberedFrame(recipe.layout, recipe.width, recipe.height,
+                             recipe.frameNumber ? recipe.frameNumber(i) : i);
+    };
     for (std::int64_t i = 0; i < recipe.frameCount; ++i)
-        writer->appendVideo(
-            numberedFrame(recipe.layout, recipe.width, recipe.height, recipe.frameNumber ? recipe.frameNumber(i) : i),
-            i);
+        writer->appendVideo(pictureOf(i), i);
     writer->finishVideo();
     if (hasAudio) {
         const auto total = std::llround(video.expectedDuration * recipe.sampleRate);

@@ -25,6 +25,8 @@ struct ClipRecipe {
 
     /// Number painted into frame i; i itself when not given.
     std::function<std::int64_t(std::int64_t)> frameNumber;
+    /// Draws frame i, in place of the number.
+    std::function<VideoFrame(std::int64_t)> picture;
 
     double sampleRate = 0; ///< 0: no sound
     int channels = 2;

@@ -1,0 +1,51 @@
+// The choice of kernels for the machine.
+#include "media/flow/kernels/kernels.h"
+
+#include "media/flow/kernels/kernel_sets.h"
+
+namespace flowtide::flow {
+
+namespace {
+
+Kernels baselineKernels() {
+    Kernels kernels{};
+    baseline::addPatchKernels(kernels);
+    baseline::addDensifyKernels(kernels);
+    baseline::addFieldKernels(kernels);
+    baseline::addPhaseKernels(kernels);
+    baseline::addWarpKernels(kernels);
+    return kernels;
+}
+
+#if defined(FLOWTIDE_HAS_AVX2_KERNELS)
+Kernels avx2Kernels() {
+    Kernels kernels{};
+    avx2::addPatchKernels(kernels);
+    avx2::addDensifyKernels(kernels);
+    avx2::addFieldKernels(kernels);
+    avx2::addPhaseKernels(kernels);
+    avx2::addWarpKernels(kernels);
+    return kernels;
+}
+#endif
+
+} // namespace
+
+InstructionSet bestInstructionSet() {
+#if defined(FLOWTIDE_HAS_AVX2_KERNELS)
+    if (__builtin_cpu_supports("avx2")) return InstructionSet::avx2;
+#endif
+    return InstructionSet::baseline;
+}
+
+const Kernels& kernelsFor(InstructionSet set) {
+    static const Kernels plain = baselineKernels();
+#if defined(FLOWTIDE_HAS_AVX2_KERNELS)
+    static const Kernels wide = avx2Kernels();
+    if (set == InstructionSet::avx2) return wide;
+#endif
+    static_cast<void>(set);
+    return plain;
+}
+
+} // namespace flowtide::flow
