@@ -2,7 +2,6 @@
 #include "media/flow/bend.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace flowtide::flow {

@@ -4,7 +4,6 @@
 #include "media/flow/kernels/kernels.h"
 #include "media/video_frame.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -19,7 +18,6 @@ struct Vector {
     friend Vector operator-(Vector a, Vector b) { return {a.x - b.x, a.y - b.y}; }
     friend Vector operator*(float factor, Vector v) { return {factor * v.x, factor * v.y}; }
     float squared() const { return x * x + y * y; }
-    friend bool operator==(const Vector&, const Vector&) = default;
 };
 
 /// An image whose edge pixels are repeated outwards, so that patches may reach over the edge.
@@ -36,20 +34,6 @@ public:
     const std::uint8_t* row(int y) const { return data_.data() + (y + padding) * stride_ + padding; }
     std::uint8_t* row(int y) { return data_.data() + (y + padding) * stride_ + padding; }
     ImageView view() const { return {row(0), stride_, width_, height_}; }
-    /// Bilinear value at a point (pixel centres at whole numbers), the edge's value outside.
-    float at(float x, float y) const {
-        const float px = std::clamp(x, 0.0F, static_cast<float>(width_ - 1));
-        const float py = std::clamp(y, 0.0F, static_cast<float>(height_ - 1));
-        const int ix = static_cast<int>(px);
-        const int iy = static_cast<int>(py);
-        const float fx = px - static_cast<float>(ix);
-        const float fy = py - static_cast<float>(iy);
-        const std::uint8_t* a = row(iy) + ix;
-        const std::uint8_t* b = a + stride_;
-        const float top = static_cast<float>(a[0]) + fx * static_cast<float>(a[1] - a[0]);
-        const float bottom = static_cast<float>(b[0]) + fx * static_cast<float>(b[1] - b[0]);
-        return top + fy * (bottom - top);
-    }
     /// Copies the edges outwards; to be called once the inside is filled.
     void pad();
 

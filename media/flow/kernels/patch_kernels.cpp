@@ -61,17 +61,17 @@ class Template {
 public:
     Template(const ImageView& image, int left, int top) {
         const std::uint8_t* pixel = pixelAt(image, left, top);
-        stride_ = image.stride;
+        const std::ptrdiff_t stride = image.stride;
         Int8 squaresX{};
         Int8 productsXY{};
         Int8 squaresY{};
         Short16 sumX{};
         Short16 sumY{};
         for (int k = 0; k < 4; ++k) {
-            const std::uint8_t* line = pixel + k * stride_;
-            value_[k] = rowPair(line, stride_) << 2;
-            gradientX_[k] = rowPair(line + 1, stride_) - rowPair(line - 1, stride_);
-            gradientY_[k] = rowPair(line + stride_, stride_) - rowPair(line - stride_, stride_);
+            const std::uint8_t* line = pixel + k * stride;
+            value_[k] = rowPair(line, stride) << 2;
+            gradientX_[k] = rowPair(line + 1, stride) - rowPair(line - 1, stride);
+            gradientY_[k] = rowPair(line + stride, stride) - rowPair(line - stride, stride);
             squaresX += pairProducts(gradientX_[k], gradientX_[k]);
             productsXY += pairProducts(gradientX_[k], gradientY_[k]);
             squaresY += pairProducts(gradientY_[k], gradientY_[k]);
@@ -118,7 +118,6 @@ private:
     Short16 gradientY_[4];
     float meanX_; // of the gradients, times two
     float meanY_;
-    std::ptrdiff_t stride_;
 };
 
 /// A patch's bytes, for whole-pixel comparison.
