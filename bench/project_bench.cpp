@@ -1,7 +1,7 @@
 // Loading and saving the largest curve beside the JSON library's bare parse of the same bytes, and the texts that cost
 // a reader most for their size.
+#include "project/files/project_error.h"
 #include "project/flowtide_project.h"
-#include "project/project_error.h"
 #include "project/project_json.h"
 #include "project/project_store.h"
 #include "project/project_validation.h"

@@ -3,7 +3,7 @@
 #include "bench/peer_process.h"
 #include "bench/scratch_folder.h"
 #include "core/zoom_engine.h"
-#include "media/zoom_scaler.h"
+#include "media/frames/zoom_scaler.h"
 #include "tests/support/zoom_chart.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // The demo clip: an orbiting light over a drifting gradient, a tone that rises, a click at each half turn.
 #include "cli/demo.h"
 
-#include "media/export_engine.h"
-#include "media/temporary_export.h"
+#include "media/export/export_engine.h"
+#include "media/export/temporary_export.h"
 
 #include <fmt/format.h>
 

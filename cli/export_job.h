@@ -2,7 +2,7 @@
 #pragma once
 
 #include "cli/arguments.h"
-#include "media/frame_interpolation.h"
+#include "media/frames/frame_interpolation.h"
 
 #include <filesystem>
 #include <optional>

@@ -7,9 +7,9 @@
 #include "cli/progress_bar.h"
 #include "cli/run_display.h"
 #include "core/curve_engine.h"
-#include "media/export_engine.h"
+#include "media/export/export_engine.h"
 #include "media/flowtide_error.h"
-#include "media/frame_schedule.h"
+#include "media/media_time.h"
 
 #include <fmt/format.h>
 

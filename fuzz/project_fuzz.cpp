@@ -1,6 +1,6 @@
 // Any text, taken for a project and for the list of recent ones: what is accepted is written and read again to the same
 // value; the rest is refused with a sentence.
-#include "project/project_error.h"
+#include "project/files/project_error.h"
 #include "project/project_json.h"
 
 #include <cstdint>

@@ -33,4 +33,8 @@ MediaTime nominalFrameDuration(double frameRate) {
     return MediaTime::reduced(100, std::llround(rate * 100.0));
 }
 
+std::int64_t outputFrameCount(double outputDuration, MediaTime frameDuration) {
+    return std::max<std::int64_t>(std::llround(outputDuration / frameDuration.seconds()), 1);
+}
+
 } // namespace flowtide

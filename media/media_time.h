@@ -23,4 +23,11 @@ struct MediaTime {
 /// The frame interval that a nominal rate stands for: 1001/30000 for 29.97, 1/25 for 25, 100/1250 reduced for 12.5.
 MediaTime nominalFrameDuration(double frameRate);
 
+/// How many frames an output of `outputDuration` seconds has: at least 1.
+std::int64_t outputFrameCount(double outputDuration, MediaTime frameDuration);
+
+/// A source time that is computed through the time map comes out up to 1e-12 s below the frame that it means; a frame
+/// that starts within this many seconds after it counts as reached.
+constexpr double frameReachedGraceSeconds = 1e-6;
+
 } // namespace flowtide

@@ -1,9 +1,9 @@
 // The fingerprint's digest.
 #include "project/clip_fingerprint.h"
 
-#include "project/file_operations.h"
-#include "project/project_error.h"
-#include "project/read_only_file.h"
+#include "project/files/file_operations.h"
+#include "project/files/project_error.h"
+#include "project/files/read_only_file.h"
 
 #include <fmt/format.h>
 #include <openssl/evp.h>

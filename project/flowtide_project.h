@@ -8,8 +8,8 @@
 #include "core/subject_tracking_range.h"
 #include "core/uuid.h"
 #include "core/zoom_block.h"
+#include "project/files/url.h"
 #include "project/reference_date.h"
-#include "project/url.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
 // Drives the JSON library's event parser and hands each value to its place.
 #include "project/json_reader.h"
 
-#include "project/project_error.h"
+#include "project/files/project_error.h"
 
 #include <nlohmann/json.hpp>
 

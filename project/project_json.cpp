@@ -1,9 +1,9 @@
 // The documents on top of the JSON library's writer and of our reader.
 #include "project/project_json.h"
 
+#include "project/files/project_error.h"
 #include "project/json_fields.h"
 #include "project/json_reader.h"
-#include "project/project_error.h"
 #include "project/project_validation.h"
 
 #include <nlohmann/json.hpp>

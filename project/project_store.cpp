@@ -1,10 +1,10 @@
 // The store on top of documents, safe reading and atomic writing.
 #include "project/project_store.h"
 
-#include "project/atomic_file.h"
 #include "project/clip_fingerprint.h"
-#include "project/local_file_safety.h"
-#include "project/project_error.h"
+#include "project/files/atomic_file.h"
+#include "project/files/local_file_safety.h"
+#include "project/files/project_error.h"
 #include "project/project_json.h"
 #include "project/state_directory.h"
 

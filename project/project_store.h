@@ -1,7 +1,7 @@
 // Keeps every project in one folder, a file each, and the list of recent ones.
 #pragma once
 
-#include "project/file_operations.h"
+#include "project/files/file_operations.h"
 #include "project/flowtide_project.h"
 #include "project/recent_project.h"
 

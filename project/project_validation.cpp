@@ -2,7 +2,7 @@
 #include "project/project_validation.h"
 
 #include "core/time.h"
-#include "project/project_error.h"
+#include "project/files/project_error.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "core/uuid.h"
+#include "project/files/url.h"
 #include "project/reference_date.h"
-#include "project/url.h"
 
 #include <string>
 #include <vector>

@@ -1,8 +1,8 @@
 // The state folder's place, and the move from its former ones.
 #include "project/state_directory.h"
 
-#include "project/atomic_file.h"
-#include "project/project_error.h"
+#include "project/files/atomic_file.h"
+#include "project/files/project_error.h"
 
 #include <fcntl.h>
 #include <pwd.h>

@@ -1,7 +1,7 @@
 // Where projects live.
 #pragma once
 
-#include "project/file_operations.h"
+#include "project/files/file_operations.h"
 
 #include <filesystem>
 #include <functional>

@@ -38,24 +38,44 @@ bool isUnder(const std::string& path, std::string_view folder) {
     return path.starts_with(folder) && path.substr(folder.size()).starts_with('/');
 }
 
-/// The layer that a file belongs to. The FFmpeg backend is one of its own: the rest of media/ knows its interface
-/// only, so that another backend can take its place.
-std::string layerOf(const std::string& path) {
-    if (isUnder(path, "media/ffmpeg")) return "media/ffmpeg";
-    const std::size_t slash = path.find('/');
-    return slash == std::string::npos ? "" : path.substr(0, slash);
-}
+/// What each layer may include, itself apart. A file belongs to the longest folder that holds it.
+const std::map<std::string, std::set<std::string>> allowedLayers = [] {
+    std::map<std::string, std::set<std::string>> rules{{"core", {}}};
+    // A layer may use what it names and all that those may use.
+    const auto add = [&](const std::string& layer, const std::vector<std::string>& below) {
+        auto& allowed = rules[layer];
+        for (const std::string& lower : below) {
+            allowed.insert(lower);
+            allowed.insert(rules.at(lower).begin(), rules.at(lower).end());
+        }
+    };
+    add("project/files", {"core"});
+    add("project", {"project/files"});
+    add("media", {"project/files"});
+    add("media/frames", {"media"});
+    add("media/sound", {"media"});
+    add("media/flow", {"media/frames"});
+    add("media/tracking", {"media/frames"});
+    add("media/export", {"media/frames", "media/sound", "media/flow"});
+    add("media/preview", {"media/export"});
+    add("media/player", {"media/preview"});
+    // The rest of media/ knows the backend's interface only, so that another one can take its place.
+    add("media/ffmpeg", {"media"});
+    add("cli", {"media/preview", "media/tracking"});
+    add("editor", {"media/player", "media/tracking", "project"});
+    add("ui", {"editor"});
+    return rules;
+}();
 
-/// What each layer may include, itself apart.
-const std::map<std::string, std::set<std::string>> allowedLayers = {
-    {"core", {}},
-    {"project", {"core"}},
-    {"media", {"project", "core"}},
-    {"media/ffmpeg", {"media", "project", "core"}},
-    {"cli", {"media", "project", "core"}},
-    {"editor", {"media", "project", "core"}},
-    {"ui", {"editor", "media", "project", "core"}},
-};
+/// The layer that a file belongs to: the longest folder with rules of its own, else the first folder.
+std::string layerOf(const std::string& path) {
+    std::string layer;
+    for (const auto& [folder, below] : allowedLayers)
+        if (isUnder(path, folder) && folder.size() > layer.size()) layer = folder;
+    const std::size_t slash = path.find('/');
+    if (layer.empty() && slash != std::string::npos) layer = path.substr(0, slash);
+    return layer;
+}
 
 /// The one file that joins the command line, the window and a backend.
 constexpr std::string_view compositionRoot = "cli/main.cpp";
@@ -171,6 +191,13 @@ TEST(Layering, EveryRuleReports) {
              {"project/a.h", "\"media/a.h\""},
              {"media/a.h", "\"media/ffmpeg/a.h\""},
              {"media/a.h", "\"cli/a.h\""},
+             {"media/a.h", "\"project/a.h\""},
+             {"media/a.h", "\"media/frames/a.h\""},
+             {"media/frames/a.h", "\"media/flow/kernels/a.h\""},
+             {"media/sound/a.h", "\"media/frames/a.h\""},
+             {"media/export/a.h", "\"media/preview/a.h\""},
+             {"media/ffmpeg/a.h", "\"media/export/a.h\""},
+             {"project/files/a.h", "\"project/a.h\""},
              {"media/ffmpeg/a.h", "\"tests/support/a.h\""},
              {"cli/a.cpp", "\"ui/a.h\""},
              {"cli/a.cpp", "\"editor/a.h\""},
@@ -185,7 +212,9 @@ TEST(Layering, EveryRuleReports) {
     }
     for (const auto& [path, header] : std::vector<std::pair<std::string, std::string>>{
              {"core/a.h", "\"core/b.h\""},
-             {"media/flow/a.cpp", "\"media/b.h\""},
+             {"media/flow/kernels/a.cpp", "\"media/b.h\""},
+             {"media/player/a.cpp", "\"media/export/b.h\""},
+             {"project/a.cpp", "\"project/files/b.h\""},
              {"media/ffmpeg/a.cpp", "\"media/media_io.h\""},
              {"media/ffmpeg/a.cpp", "<libavutil/frame.h>"},
              {"cli/main.cpp", "\"ui/flowtide_app.h\""},

@@ -4,7 +4,7 @@
 #include "media/ffmpeg/frame_bridge.h"
 #include "media/ffmpeg/movie_input.h"
 #include "media/flowtide_error.h"
-#include "media/frame_schedule.h"
+#include "media/media_time.h"
 
 #include <cmath>
 #include <deque>

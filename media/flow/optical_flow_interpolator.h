@@ -4,8 +4,8 @@
 #include "media/flow/flow_pair.h"
 #include "media/flow/phase_field.h"
 #include "media/flow/worker_pool.h"
-#include "media/frame_interpolation.h"
-#include "media/frame_pool.h"
+#include "media/frames/frame_interpolation.h"
+#include "media/frames/frame_pool.h"
 
 #include <deque>
 #include <memory>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "media/flow/phase_field.h"
-#include "media/frame_pool.h"
+#include "media/frames/frame_pool.h"
 #include "media/video_frame.h"
 
 namespace flowtide::flow {

@@ -1,7 +1,7 @@
 // What a probe's facts become, and which clips are refused.
 #include "media/flowtide_error.h"
 #include "media/imported_clip.h"
-#include "project/project_error.h"
+#include "project/files/project_error.h"
 #include "tests/support/scripted_media.h"
 #include "tests/support/temporary_folder.h"
 

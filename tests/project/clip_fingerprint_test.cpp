@@ -1,6 +1,6 @@
 // The digest of size and three windows, against the same bytes digested by the command-line tool.
 #include "project/clip_fingerprint.h"
-#include "tests/project/refusal.h"
+#include "tests/project/files/refusal.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // Documents survive the way to text and back bit for bit, read as other builds write them, and are refused whole when
 // anything about the text is wrong.
 #include "project/project_json.h"
+#include "tests/project/files/refusal.h"
 #include "tests/project/random_project.h"
-#include "tests/project/refusal.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

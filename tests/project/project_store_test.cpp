@@ -2,8 +2,8 @@
 #include "project/clip_fingerprint.h"
 #include "project/project_json.h"
 #include "project/project_store.h"
+#include "tests/project/files/refusal.h"
 #include "tests/project/random_project.h"
-#include "tests/project/refusal.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Every rule broken alone gives its sentence, its boundary passes, and several broken rules give the first in order.
 #include "project/project_validation.h"
+#include "tests/project/files/refusal.h"
 #include "tests/project/random_project.h"
-#include "tests/project/refusal.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // Which folder is the state folder, and the move from its former names.
 #include "project/project_store.h"
 #include "project/state_directory.h"
-#include "tests/project/refusal.h"
+#include "tests/project/files/refusal.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // Makes and reads numbered clips, with our own writer and reader.
 #include "tests/support/clip_maker.h"
 
-#include "media/temporary_export.h"
+#include "media/export/temporary_export.h"
 
 #include <algorithm>
 #include <array>

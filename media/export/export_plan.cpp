@@ -1,0 +1,90 @@
+// Planning of an export.
+#include "media/export/export_plan.h"
+
+#include "core/curve_engine.h"
+#include "media/flowtide_error.h"
+#include "media/frames/frame_interpolation.h"
+#include "media/media_time.h"
+
+#include <fmt/format.h>
+
+namespace flowtide {
+
+namespace {
+
+std::optional<CropPlan> planCrop(const ExportRequest& request) {
+    if (!request.verticalCrop) return std::nullopt;
+    if (!request.clip.preferredTransform.isIdentity())
+        throw FlowtideError::compositionFailed("Vertical crop export currently requires an unrotated source clip.");
+    return CropPlan::forSource({request.clip.width, request.clip.height}, *request.verticalCrop);
+}
+
+FramingPlan planFraming(const ExportRequest& request, const std::optional<CropPlan>& crop, const TimeMap& timeMap,
+                        std::int64_t frameCount) {
+    const double frameDuration = request.clip.frameDuration.seconds();
+    FramingPlan framing;
+    framing.crop = crop;
+    framing.frameDuration = request.clip.frameDuration;
+    framing.transform = request.clip.preferredTransform;
+    if (crop) framing.cropOffsets = crop->cropXBySourceFrame(timeMap, frameDuration);
+    if (request.zoom && !request.zoom->blocks.empty())
+        framing.zooms = ZoomEngine::table(request.zoom->blocks, timeMap, frameCount, frameDuration);
+    return framing;
+}
+
+void logSourceMatch(const ImportedClip& clip, const LogSink& log) {
+    if (!clip.videoCodecType)
+        log(fmt::format("[Export] Warning: {} cannot be source-matched; an HEVC / H.265 fallback is required and may "
+                        "still fail if AVFoundation cannot decode the source.",
+                        clip.videoCodecDisplayName()));
+    if (clip.videoHasAlpha) log("[Export] Warning: the source's alpha channel is not kept; the export is opaque.");
+}
+
+void logCrop(const ExportRequest& request, const std::optional<CropPlan>& crop, const LogSink& log) {
+    if (crop)
+        log(fmt::format("[Export] Vertical crop: {}x{}", crop->width, crop->height));
+    else if (request.verticalCrop)
+        log(fmt::format("[Export] Vertical crop skipped — source ({}x{}) is not wider than the crop frame",
+                        request.clip.width, request.clip.height));
+}
+
+} // namespace
+
+ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
+    const ImportedClip& clip = request.clip;
+    ExportPlan plan;
+    plan.timeMap = request.previewTimeMap
+                       ? *request.previewTimeMap
+                       : CurveEngine::buildTimeMap(request.keyframes, clip.duration, request.sourceRange,
+                                                   CurveEngine::exportTimeMapSteps, request.smoothing);
+    const double outputDuration = plan.timeMap.outputDuration();
+    const SourceRange range = plan.timeMap.sourceRange();
+    const std::optional<CropPlan> crop = planCrop(request);
+    // A rotated source stays encoded as it is and carries its transform.
+    const OutputSize encodedSize =
+        crop ? OutputSize{crop->width, crop->height} : OutputSize{clip.encodedWidth, clip.encodedHeight};
+    plan.displaySize = crop ? encodedSize : OutputSize{clip.width, clip.height};
+
+    log(fmt::format("[Export] Source duration: {:.3f}s, Output duration: {:.3f}s", clip.duration, outputDuration));
+    log(fmt::format("[Export] Source range: {:.6f}:{:.6f}", range.lower, range.upper));
+    log(fmt::format("[Export] Resolution: {}x{}", plan.displaySize.width, plan.displaySize.height));
+    log(fmt::format("[Export] Container: {}", fileTypeName(clip.fileType)));
+    logSourceMatch(clip, log);
+    logCrop(request, crop, log);
+
+    plan.opticalFlowRanges = OpticalFlowScope::normalized(request.opticalFlowRanges.value_or(SourceRanges{}), range);
+    plan.interpolation = plan.opticalFlowRanges.empty() ? FrameInterpolation::nearest : request.interpolation;
+    log(fmt::format("[Export] Frame rendering: {} · {} source ranges", displayName(plan.interpolation),
+                    plan.opticalFlowRanges.size()));
+
+    plan.frameCount = outputFrameCount(outputDuration, clip.frameDuration);
+    plan.framing = planFraming(request, crop, plan.timeMap, plan.frameCount);
+    plan.video = videoSettings(clip, outputCodec(clip), encodedSize, outputDuration);
+    if (clip.hasAudio) plan.audio = audioSettings(clip, clip.fileType);
+    if (const auto& tags = clip.videoColorProperties; tags && !tags->complete())
+        log(fmt::format("[Export] Source has incomplete color tags ({}); validating encoder-inferred tags after render",
+                        fmt::join(presentColorTagNames(*tags), ", ")));
+    return plan;
+}
+
+} // namespace flowtide

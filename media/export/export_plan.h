@@ -1,0 +1,30 @@
+// What one export will do, decided before anything is written.
+#pragma once
+
+#include "core/optical_flow_ranges.h"
+#include "core/time_map.h"
+#include "media/export/export_request.h"
+#include "media/export/export_settings.h"
+#include "media/frames/crop_zoom_renderer.h"
+#include "media/log.h"
+
+#include <optional>
+
+namespace flowtide {
+
+/// The decisions of one export; every field is fixed once planned.
+struct ExportPlan {
+    TimeMap timeMap;
+    VideoSettings video;
+    std::optional<AudioSettings> audio;
+    OutputSize displaySize;
+    FramingPlan framing;
+    std::int64_t frameCount = 0;
+    FrameInterpolation interpolation = FrameInterpolation::nearest;
+    SourceRanges opticalFlowRanges; ///< normalised within the map's source range
+};
+
+/// Plans an export and logs what was decided. Throws FlowtideError for what cannot be exported.
+ExportPlan planExport(const ExportRequest& request, const LogSink& log);
+
+} // namespace flowtide

@@ -1,0 +1,36 @@
+// What the editor and the command line ask of an export.
+#pragma once
+
+#include "core/crop_framing.h"
+#include "core/optical_flow_ranges.h"
+#include "core/render_choices.h"
+#include "core/speed_keyframe.h"
+#include "core/time_map.h"
+#include "core/zoom_block.h"
+#include "media/imported_clip.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+
+namespace flowtide {
+
+/// One export, as the editor and the command line ask for it.
+struct ExportRequest {
+    ImportedClip clip;
+    SpeedKeyframes keyframes;               ///< sorted by time
+    std::optional<SourceRange> sourceRange; ///< absent: the whole clip
+    double smoothing = 0.5;
+    FrameInterpolation interpolation = FrameInterpolation::nearest;
+    std::optional<SourceRanges> opticalFlowRanges; ///< source seconds
+    std::optional<VerticalCropSettings> verticalCrop;
+    std::optional<ZoomSettings> zoom;
+    std::optional<TimeMap> previewTimeMap; ///< used instead of building one; its timing agrees with the whole clip's
+    std::optional<PreviewResolution> previewResolution; ///< absent: the clip's own size
+    std::filesystem::path outputURL;
+};
+
+/// Takes 0...1, called from the exporting thread; must not block. 1 means rendered, verification follows.
+using ProgressHandler = std::function<void(double)>;
+
+} // namespace flowtide

@@ -1,0 +1,116 @@
+// Codec, bitrate, colour and audio decisions.
+#include "media/export/export_settings.h"
+
+#include "media/decode_layout.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace flowtide {
+
+namespace {
+
+constexpr double believableDataRate = 500'000; // bits per second; below it a track's figure is not trusted
+constexpr std::int64_t lowestVideoBitRate = 1'000'000;
+constexpr double hevcBitsPerPixel = 0.05;
+constexpr double otherBitsPerPixel = 0.08;
+
+constexpr std::int64_t defaultAudioBitRate = 256'000;
+constexpr std::int64_t lowestAudioBitRate = 64'000;
+constexpr std::int64_t highestAudioBitRate = 320'000;
+
+bool isStandardDefinition(OutputSize size) {
+    return std::min(size.width, size.height) <= 576;
+}
+
+} // namespace
+
+VideoCodec outputCodec(const ImportedClip& clip) {
+    return clip.videoCodecType.value_or(VideoCodec::hevc);
+}
+
+std::int64_t transparentBitRate(const ImportedClip& clip, VideoCodec codec, double areaFraction) {
+    const double dataRate = clip.videoEstimatedDataRate.value_or(0);
+    const double bitsPerPixel = codec == VideoCodec::hevc ? hevcBitsPerPixel : otherBitsPerPixel;
+    const double rate = dataRate > believableDataRate
+                            ? areaFraction * dataRate
+                            : areaFraction * std::max(clip.frameRate, 1.0) * static_cast<double>(clip.encodedWidth) *
+                                  static_cast<double>(clip.encodedHeight) * bitsPerPixel;
+    constexpr double largestRate = 1e15; // keeps the rounding inside 64 bits whatever the file claims
+    return std::max<std::int64_t>(std::llround(std::min(rate, largestRate)), lowestVideoBitRate);
+}
+
+VideoSettings videoSettings(const ImportedClip& clip, VideoCodec codec, OutputSize size, double outputDuration) {
+    VideoSettings settings;
+    settings.codec = codec;
+    settings.width = static_cast<int>(size.width);
+    settings.height = static_cast<int>(size.height);
+    settings.frameDuration = clip.frameDuration;
+    settings.layout = decodePixelFormat(clip);
+    settings.expectedFrameRate = static_cast<int>(std::lround(clip.frameRate));
+    settings.expectedDuration = outputDuration;
+    settings.displayMatrix = clip.displayMatrix;
+    if (clip.videoColorProperties)
+        settings.color = completedColor(*clip.videoColorProperties, {clip.encodedWidth, clip.encodedHeight});
+    if (!isProRes(codec)) {
+        const double sourceArea = static_cast<double>(clip.encodedWidth) * static_cast<double>(clip.encodedHeight);
+        const double outputArea = static_cast<double>(size.width) * static_cast<double>(size.height);
+        settings.averageBitRate =
+            transparentBitRate(clip, codec, std::min(outputArea / std::max(sourceArea, 1.0), 1.0));
+    }
+    return settings;
+}
+
+std::vector<std::string> presentColorTagNames(const ColorProperties& tags) {
+    std::vector<std::string> names;
+    if (tags.primaries) names.emplace_back("color primaries");
+    if (tags.transferFunction) names.emplace_back("transfer function");
+    if (tags.matrix) names.emplace_back("YCbCr matrix");
+    return names;
+}
+
+ColorProperties completedColor(const ColorProperties& tags, OutputSize size) {
+    const auto starts = [](const std::optional<std::string>& tag, const char* prefix) {
+        return tag && tag->rfind(prefix, 0) == 0;
+    };
+    ColorProperties usual{"bt709", "bt709", "bt709"};
+    if (starts(tags.primaries, "bt2020") || starts(tags.matrix, "bt2020"))
+        usual = {"bt2020", "bt2020-10", "bt2020nc"};
+    else if (starts(tags.primaries, "bt470bg") || starts(tags.matrix, "bt470bg"))
+        usual = {"bt470bg", "smpte170m", "bt470bg"};
+    else if (isStandardDefinition(size))
+        usual = {"smpte170m", "smpte170m", "smpte170m"};
+    return {tags.primaries ? tags.primaries : usual.primaries,
+            tags.transferFunction ? tags.transferFunction : usual.transferFunction,
+            tags.matrix ? tags.matrix : usual.matrix};
+}
+
+std::optional<FourCC> expectedAudioFormatID(const ImportedClip& clip, FileType outputFileType) {
+    if (!clip.hasAudio) return std::nullopt;
+    return clip.audioFormatID == linearPCM && outputFileType == FileType::quickTimeMovie ? linearPCM : aac;
+}
+
+int outputPCMBitDepth(const ImportedClip& clip) {
+    const std::int64_t depth = clip.audioBitDepth;
+    return depth == 16 || depth == 24 || depth == 32 ? static_cast<int>(depth) : 24;
+}
+
+AudioSettings audioSettings(const ImportedClip& clip, FileType outputFileType) {
+    AudioSettings settings;
+    settings.format = expectedAudioFormatID(clip, outputFileType).value_or(aac);
+    settings.sampleRate = clip.audioSampleRate.value_or(0);
+    settings.channels = static_cast<int>(clip.audioChannelCount.value_or(0));
+    settings.channelLayout = clip.audioChannelLayout;
+    if (settings.format == linearPCM) {
+        settings.bitDepth = outputPCMBitDepth(clip);
+    } else {
+        constexpr double largestRate = 1e9;
+        const auto sourceRate = clip.audioEstimatedDataRate
+                                    ? std::llround(std::min(*clip.audioEstimatedDataRate, largestRate))
+                                    : defaultAudioBitRate;
+        settings.bitRate = std::clamp<std::int64_t>(sourceRate, lowestAudioBitRate, highestAudioBitRate);
+    }
+    return settings;
+}
+
+} // namespace flowtide

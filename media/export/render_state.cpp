@@ -1,0 +1,53 @@
+// Shared progress of a render.
+#include "media/export/render_state.h"
+
+#include <utility>
+
+namespace flowtide {
+
+namespace {
+// Sound is a twentieth of the work of an ordinary export.
+constexpr double audioShare = 0.05;
+} // namespace
+
+void RenderState::recordError(std::exception_ptr error) {
+    const std::scoped_lock guard(lock_);
+    if (!error_) error_ = std::move(error);
+}
+
+bool RenderState::hasError() const {
+    const std::scoped_lock guard(lock_);
+    return error_ != nullptr;
+}
+
+void RenderState::rethrowError() const {
+    std::exception_ptr error;
+    {
+        const std::scoped_lock guard(lock_);
+        error = error_;
+    }
+    if (error) std::rethrow_exception(error);
+}
+
+void RenderState::setFramesWritten(std::int64_t count, std::int64_t total) {
+    const std::scoped_lock guard(lock_);
+    framesWritten_ = count;
+    videoFraction_ = total > 0 ? static_cast<double>(count) / static_cast<double>(total) : 1;
+}
+
+std::int64_t RenderState::framesWritten() const {
+    const std::scoped_lock guard(lock_);
+    return framesWritten_;
+}
+
+void RenderState::setAudioFraction(double fraction) {
+    const std::scoped_lock guard(lock_);
+    audioFraction_ = fraction;
+}
+
+double RenderState::progress(bool hasAudio) const {
+    const std::scoped_lock guard(lock_);
+    return hasAudio ? (1 - audioShare) * videoFraction_ + audioShare * audioFraction_ : videoFraction_;
+}
+
+} // namespace flowtide

@@ -1,0 +1,14 @@
+// Chooses what makes the frames between two source frames.
+#pragma once
+
+#include "media/frames/frame_interpolation.h"
+
+#include <memory>
+
+namespace flowtide {
+
+/// The renderer for a choice, for frames of one size and layout: none for original frames.
+std::unique_ptr<FrameInterpolating> makeRenderer(FrameInterpolation interpolation, int width, int height,
+                                                 PixelLayout layout);
+
+} // namespace flowtide

@@ -1,0 +1,35 @@
+// The walk through the decoded frames.
+#include "media/frames/held_frames.h"
+
+#include "media/media_time.h"
+
+#include <utility>
+
+namespace flowtide {
+
+void HeldFrames::advanceTo(SourceSeconds time) {
+    const bool keeps = context_ == Context::kept;
+    if (!std::exchange(started_, true)) {
+        previous_ = reader_.next();
+        next_ = reader_.next();
+        if (keeps) after_ = reader_.next();
+    }
+    if (next_ && next_->time.value <= time.value)
+        reader_.skipTo({keeps ? time.value - contextReachSeconds : time.value});
+    while (next_ && next_->time.value <= time.value + frameReachedGraceSeconds)
+        step();
+}
+
+void HeldFrames::step() {
+    if (context_ == Context::none) {
+        previous_ = std::move(next_);
+        next_ = reader_.next();
+        return;
+    }
+    before_ = std::move(previous_);
+    previous_ = std::move(next_);
+    next_ = std::move(after_);
+    after_ = reader_.next();
+}
+
+} // namespace flowtide

@@ -1,0 +1,98 @@
+// Codec, bitrate, colour and audio decisions.
+#include "media/decode_layout.h"
+#include "media/export/export_settings.h"
+
+#include <gtest/gtest.h>
+
+namespace flowtide::test {
+namespace {
+
+ImportedClip hevcClip() {
+    ImportedClip clip;
+    clip.videoCodecType = VideoCodec::hevc;
+    clip.frameRate = 30;
+    clip.encodedWidth = clip.width = 1920;
+    clip.encodedHeight = clip.height = 1080;
+    return clip;
+}
+
+TEST(ExportSettings, BitRates) {
+    ImportedClip clip = hevcClip();
+    EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 1), 3'110'400);
+    EXPECT_EQ(transparentBitRate(clip, VideoCodec::h264, 1), 4'976'640);
+    EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 606.0 / 1920), 1'000'000); // raised to the floor
+    clip.videoEstimatedDataRate = 500'000; // not above the threshold: not believed
+    EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 1), 3'110'400);
+    clip.videoEstimatedDataRate = 20'000'001;
+    EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 0.5), 10'000'001);
+    clip.videoEstimatedDataRate = 600'000;
+    EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 1), 1'000'000);
+    clip.videoEstimatedDataRate = 1e300;
+    EXPECT_GT(transparentBitRate(clip, VideoCodec::hevc, 1), 0);
+}
+
+TEST(ExportSettings, DecodeLayoutFollowsCodecAndDepth) {
+    ImportedClip clip = hevcClip();
+    EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "420v");
+    clip.videoIsFullRange = true;
+    EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "420f");
+    clip.videoBitDepth = 10;
+    EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "xf20");
+    clip.videoCodecType = VideoCodec::proRes422LT;
+    EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "xf22");
+    clip.videoIsFullRange = false;
+    clip.videoCodecType = VideoCodec::proRes4444;
+    clip.videoBitDepth = 12;
+    EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "x444");
+    clip.videoCodecType.reset();
+    clip.videoBitDepth = 8;
+    EXPECT_EQ(outputCodec(clip), VideoCodec::hevc);
+    EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "420v");
+}
+
+TEST(ExportSettings, IncompleteColorKeepsItsTagsAndInfersTheRest) {
+    const OutputSize sd{720, 480};
+    const OutputSize hd{1920, 1080};
+    const struct {
+        ColorProperties tags;
+        OutputSize size;
+        ColorProperties expected;
+    } cases[] = {
+        {{{}, {}, "smpte170m"}, sd, {"smpte170m", "smpte170m", "smpte170m"}},
+        {{{}, {}, "bt470bg"}, hd, {"bt470bg", "smpte170m", "bt470bg"}},
+        {{{}, "bt709", {}}, hd, {"bt709", "bt709", "bt709"}},
+        {{"bt2020", "arib-std-b67", {}}, hd, {"bt2020", "arib-std-b67", "bt2020nc"}},
+        {{"bt709", {}, "bt709"}, sd, {"bt709", "smpte170m", "bt709"}},
+    };
+    for (const auto& [tags, size, expected] : cases)
+        EXPECT_EQ(completedColor(tags, size), expected);
+    EXPECT_EQ(presentColorTagNames({{}, "bt709", "bt709"}),
+              (std::vector<std::string>{"transfer function", "YCbCr matrix"}));
+    EXPECT_EQ(videoSettings(hevcClip(), VideoCodec::hevc, hd, 1).color, std::nullopt);
+}
+
+TEST(ExportSettings, AudioFollowsSourceAndContainer) {
+    ImportedClip clip = hevcClip();
+    EXPECT_EQ(expectedAudioFormatID(clip, FileType::quickTimeMovie), std::nullopt);
+    clip.hasAudio = true;
+    clip.audioSampleRate = 48'000;
+    clip.audioChannelCount = 2;
+    clip.audioFormatID = linearPCM;
+    clip.audioBitDepth = 8;
+    EXPECT_EQ(audioSettings(clip, FileType::quickTimeMovie).format, linearPCM);
+    EXPECT_EQ(audioSettings(clip, FileType::quickTimeMovie).bitDepth, 24);
+    clip.audioBitDepth = 32;
+    EXPECT_EQ(audioSettings(clip, FileType::quickTimeMovie).bitDepth, 32);
+    EXPECT_EQ(audioSettings(clip, FileType::mpeg4).format, aac);
+    const struct {
+        std::optional<double> source;
+        std::int64_t expected;
+    } rates[] = {{500'000, 320'000}, {std::nullopt, 256'000}, {32'000, 64'000}, {128'000.4, 128'000}};
+    for (const auto& [source, expected] : rates) {
+        clip.audioEstimatedDataRate = source;
+        EXPECT_EQ(audioSettings(clip, FileType::mpeg4).bitRate, expected);
+    }
+}
+
+} // namespace
+} // namespace flowtide::test

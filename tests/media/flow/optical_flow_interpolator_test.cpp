@@ -1,0 +1,285 @@
+// In-between frames: exact where the truth is known, sane everywhere else, the same on every run.
+#include "media/export/export_engine.h"
+#include "media/ffmpeg/ffmpeg_backend.h"
+#include "media/flow/optical_flow_interpolator.h"
+#include "tests/support/clip_maker.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/zoom_chart.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+namespace flowtide::test {
+namespace {
+
+constexpr PixelLayout layouts[] = {
+    {ChromaSubsampling::yuv420, 8, false},  {ChromaSubsampling::yuv420, 8, true},
+    {ChromaSubsampling::yuv422, 10, false}, {ChromaSubsampling::yuv444, 10, false},
+    {ChromaSubsampling::yuv420, 10, true},
+};
+
+/// A frame drawn by a function of luma coordinates (8-bit codes); every plane shows it at its own siting.
+template <typename Picture>
+VideoFrame drawn(PixelLayout layout, int width, int height, const Picture& picture) {
+    VideoFrame frame = ZoomChart().frame(layout, width, height);
+    for (std::size_t plane = 0; plane < 3; ++plane) {
+        const int stepX = plane == 0 ? 1 : 1 << layout.horizontalChromaShift();
+        const int stepY = plane == 0 ? 1 : 1 << layout.verticalChromaShift();
+        for (int row = 0; row < planeHeight(layout, height, plane); ++row)
+            for (int column = 0; column < planeWidth(layout, width, plane); ++column) {
+                const double x = column * stepX;
+                const double y = row * stepY + (stepY - 1) * 0.5;
+                const auto code = static_cast<std::uint16_t>(
+                    std::lround(std::clamp(picture(x, y), 0.0, 255.0) * (1 << (layout.bitDepth - 8))));
+                auto* line = const_cast<std::uint8_t*>(frame.planes[plane].data) + row * frame.planes[plane].stride;
+                if (layout.bytesPerSample() == 1)
+                    line[column] = static_cast<std::uint8_t>(code);
+                else
+                    std::memcpy(line + 2 * column, &code, sizeof code);
+            }
+    }
+    return frame;
+}
+
+/// A texture with detail at every scale down to a few pixels.
+double texture(double x, double y) {
+    return 128 + 30 * std::sin(x * 0.11 + 0.7 * std::sin(y * 0.05)) + 25 * std::sin(y * 0.17 + 0.03 * x) +
+           20 * std::sin(0.61 * x + 0.43 * y) + 12 * std::sin(0.9 * x - 1.1 * y);
+}
+
+double psnr(const VideoFrame& a, const VideoFrame& b, std::size_t plane, int margin) {
+    double sum = 0;
+    int count = 0;
+    for (int row = margin; row < planeHeight(a.layout, a.height, plane) - margin; ++row)
+        for (int column = margin; column < planeWidth(a.layout, a.width, plane) - margin; ++column) {
+            const double difference = sampleOf(a, plane, column, row) - sampleOf(b, plane, column, row);
+            sum += difference * difference;
+            ++count;
+        }
+    return 10 * std::log10(255 * 255 / std::max(sum / count, 1e-6));
+}
+
+bool samePixels(const VideoFrame& a, const VideoFrame& b) {
+    for (std::size_t plane = 0; plane < 3; ++plane)
+        for (int row = 0; row < planeHeight(a.layout, a.height, plane); ++row)
+            if (std::memcmp(
+                    a.planes[plane].data + row * a.planes[plane].stride,
+                    b.planes[plane].data + row * b.planes[plane].stride,
+                    static_cast<std::size_t>(planeWidth(a.layout, a.width, plane) * a.layout.bytesPerSample())) != 0)
+                return false;
+    return true;
+}
+
+TEST(OpticalFlow, ATranslationLandsWhereThePhaseSays) {
+    for (const auto& layout : layouts) {
+        const double dx = 7.3;
+        const double dy = -4.6;
+        const auto moved = [&](double share) {
+            return drawn(layout, 321, 201, [&](double x, double y) { return texture(x - share * dx, y - share * dy); });
+        };
+        OpticalFlowInterpolator interpolator(321, 201, layout);
+        for (const double phase : {0.1, 0.37, 0.5, 0.9}) {
+            const VideoFrame frame = interpolator.render({{moved(0), {1}}, {moved(1), {2}}, {}, {}}, {1 + phase});
+            const double right = psnr(frame, moved(phase), 0, 16);
+            EXPECT_GT(right, 38) << layout.bitDepth << " at " << phase;
+            EXPECT_GT(psnr(frame, moved(phase), 1, 16), 35) << layout.bitDepth << " at " << phase;
+            // A twentieth of a pixel to any side fits worse.
+            for (const double off : {-0.05, 0.05}) {
+                const double length = std::hypot(dx, dy);
+                EXPECT_GT(right, psnr(frame, moved(phase + off / length * 2), 0, 16)) << phase;
+            }
+        }
+    }
+}
+
+TEST(OpticalFlow, EndsStillPairsAndCutsAreTheFramesThemselves) {
+    const VideoFrame a = drawn(layouts[0], 160, 120, texture);
+    const VideoFrame b = drawn(layouts[0], 160, 120, [](double x, double y) { return texture(x - 3, y); });
+    const VideoFrame copy = drawn(layouts[0], 160, 120, texture);
+    const VideoFrame other =
+        drawn(layouts[0], 160, 120, [](double x, double y) { return std::fmod(x * x * 0.37 + y * 91.3 * x, 220); });
+    OpticalFlowInterpolator interpolator(160, 120, layouts[0]);
+    EXPECT_EQ(interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {0}).planes[0].data, a.planes[0].data);
+    EXPECT_EQ(interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {1}).planes[0].data, b.planes[0].data);
+    EXPECT_TRUE(samePixels(interpolator.render({{a, {2}}, {copy, {3}}, {}, {}}, {2.4}), a));
+    EXPECT_EQ(interpolator.render({{a, {4}}, {other, {5}}, {}, {}}, {4.4}).planes[0].data, a.planes[0].data);
+    EXPECT_EQ(interpolator.render({{a, {4}}, {other, {5}}, {}, {}}, {4.6}).planes[0].data, other.planes[0].data);
+}
+
+TEST(OpticalFlow, AFadeFades) {
+    const VideoFrame dark = drawn(layouts[0], 160, 120, [](double x, double y) { return 0.85 * texture(x, y); });
+    const VideoFrame bright = drawn(layouts[0], 160, 120, texture);
+    const VideoFrame middle = drawn(layouts[0], 160, 120, [](double x, double y) { return 0.925 * texture(x, y); });
+    OpticalFlowInterpolator interpolator(160, 120, layouts[0]);
+    EXPECT_GT(psnr(interpolator.render({{dark, {0}}, {bright, {1}}, {}, {}}, {0.5}), middle, 0, 8), 30);
+}
+
+TEST(OpticalFlow, TheSameArgumentsGiveTheSamePixelsWhateverCameBefore) {
+    const auto at = [&](double shift) {
+        return drawn(layouts[0], 200, 140, [&](double x, double y) { return texture(x - shift, y + 0.5 * shift); });
+    };
+    const VideoFrame frames[] = {at(0), at(5), at(11)};
+    OpticalFlowInterpolator walked(200, 140, layouts[0]);
+    walked.render({{frames[0], {0}}, {frames[1], {1}}, {}, {}}, {0.3});
+    const VideoFrame inside = walked.render({{frames[1], {1}}, {frames[2], {2}}, {}, {}}, {1.7});
+    OpticalFlowInterpolator alone(200, 140, layouts[0]);
+    EXPECT_TRUE(samePixels(inside, alone.render({{frames[1], {1}}, {frames[2], {2}}, {}, {}}, {1.7})));
+}
+
+/// A textured background that drifts, and a disc that flies over it; frame number `time` may lie between two.
+VideoFrame scene(PixelLayout layout, int width, int height, double time) {
+    return drawn(layout, width, height, [&](double x, double y) {
+        const double dx = x - 40 - 9 * time;
+        const double dy = y - 30 - 1.5 * time * time;
+        if (dx * dx + dy * dy < 24 * 24) return 255 - texture(1.3 * dx, dy);
+        return texture(x + 2.3 * time, y - 0.7 * time);
+    });
+}
+
+FramePair sceneAround(PixelLayout layout, int width, int height, double time) {
+    const auto at = [&](double t) { return TimedFrame{scene(layout, width, height, t), {t}}; };
+    return {at(time), at(time + 1), at(time - 1), at(time + 2)};
+}
+
+TEST(OpticalFlow, ThreadsAndInstructionsChangeNoPixel) {
+    for (const auto& layout : layouts)
+        for (const auto& [width, height] : {std::pair{322, 181}, {97, 300}}) {
+            const FramePair pair = sceneAround(layout, width, height, 4);
+            const auto render = [&pair](int threads, flow::InstructionSet instructions) {
+                const VideoFrame& first = pair.first.frame;
+                OpticalFlowInterpolator interpolator(first.width, first.height, first.layout, {threads, instructions});
+                return interpolator.render(pair, {4.3});
+            };
+            const VideoFrame frame = render(1, flow::InstructionSet::baseline);
+            for (const int threads : {1, 2, 3})
+                EXPECT_TRUE(samePixels(frame, render(threads, flow::bestInstructionSet()))) << threads;
+        }
+}
+
+TEST(OpticalFlow, ContextBendsTheMotion) {
+    const PixelLayout layout = layouts[0];
+    // What speeds up by 2 pixels a frame² lies a quarter of a pixel behind the straight line half-way.
+    const auto at = [&](double time) {
+        return TimedFrame{
+            drawn(layout, 320, 200, [&](double x, double y) { return texture(x - 3 * time - time * time, y); }),
+            {time}};
+    };
+    OpticalFlowInterpolator interpolator(320, 200, layout);
+    const VideoFrame truth = at(0.5).frame;
+    const double straight = psnr(interpolator.render({at(0), at(1), {}, {}}, {0.5}), truth, 0, 16);
+    const double bent = psnr(interpolator.render({at(0), at(1), at(-1), at(2)}, {0.5}), truth, 0, 16);
+    EXPECT_GT(bent, straight + 6);
+    // A frame that comes at another pace, or shows another scene, tells nothing.
+    TimedFrame late = at(2);
+    late.time = {4};
+    TimedFrame other = at(2);
+    other.frame =
+        drawn(layout, 320, 200, [](double x, double y) { return std::fmod(x * x * 0.37 + y * 91.3 * x, 220); });
+    const VideoFrame without = interpolator.render({at(0), at(1), {}, {}}, {0.5});
+    EXPECT_TRUE(samePixels(interpolator.render({at(0), at(1), at(-1), late}, {0.5}), without));
+    EXPECT_TRUE(
+        samePixels(OpticalFlowInterpolator(320, 200, layout).render({at(0), at(1), at(-1), other}, {0.5}), without));
+}
+
+/// Mean squared difference between neighbours: what blurring takes away first.
+double detail(const VideoFrame& frame, int margin) {
+    double sum = 0;
+    for (int row = margin; row < frame.height - margin; ++row)
+        for (int column = margin; column < frame.width - margin; ++column)
+            sum += std::pow(sampleOf(frame, 0, column + 1, row) - sampleOf(frame, 0, column, row), 2) +
+                   std::pow(sampleOf(frame, 0, column, row + 1) - sampleOf(frame, 0, column, row), 2);
+    return sum;
+}
+
+TEST(OpticalFlow, AMovingTextureStaysSharp) {
+    for (const auto& layout : layouts) {
+        const auto at = [&](double time) {
+            return drawn(layout, 320, 200, [&](double x, double y) { return texture(x - 5.5 * time, y + 2.5 * time); });
+        };
+        OpticalFlowInterpolator interpolator(320, 200, layout);
+        for (const double phase : {0.25, 0.5}) {
+            const VideoFrame frame = interpolator.render({{at(0), {0}}, {at(1), {1}}, {}, {}}, {phase});
+            const double kept = detail(frame, 16) / detail(at(phase), 16);
+            EXPECT_GT(kept, 0.95) << phase;
+            EXPECT_LT(kept, 1.05) << phase;
+        }
+    }
+}
+
+TEST(OpticalFlow, ARangeAloneShowsThePixelsOfTheWhole) {
+    const auto backend = makeFFmpegBackend();
+    const TemporaryFolder folder;
+    ClipRecipe recipe;
+    recipe.codec = VideoCodec::proRes422HQ; // every frame is coded by itself
+    recipe.layout = {ChromaSubsampling::yuv422, 10, false};
+    recipe.width = 320;
+    recipe.height = 192;
+    recipe.frameCount = 20;
+    recipe.picture = [&](std::int64_t i) { return scene(recipe.layout, 320, 192, static_cast<double>(i)); };
+    makeClip(*backend, folder / "in.mov", recipe);
+    ExportRequest request;
+    request.clip = ImportedClip::load(*backend, folder / "in.mov");
+    for (const double time : {0.0, 0.32, 0.48, 0.8})
+        request.keyframes.push_back({Uuid::random(), time, 0.25, SpeedKeyframeRole::curve});
+    request.interpolation = FrameInterpolation::opticalFlow;
+    const auto exported = [&](const char* name) {
+        request.outputURL = folder / name;
+        ExportEngine(*backend, [](std::string_view) {}).run(request, [](double) {});
+        const ImportedClip clip = ImportedClip::load(*backend, request.outputURL);
+        const auto reader = backend->openVideo(clip, recipe.layout, {0, clip.duration});
+        std::vector<VideoFrame> frames;
+        while (auto frame = reader->next())
+            frames.push_back(frame->frame);
+        return frames;
+    };
+    const auto whole = exported("whole.mov");
+    request.sourceRange = SourceRange{0.32, 0.48};
+    const auto alone = exported("alone.mov");
+    ASSERT_EQ(whole.size(), 80U);
+    ASSERT_EQ(alone.size(), 16U);
+    for (std::size_t i = 0; i < alone.size(); ++i)
+        EXPECT_TRUE(samePixels(alone[i], whole[32 + i])) << i;
+}
+
+TEST(OpticalFlow, AnySizeWorks) {
+    for (const auto& layout : layouts)
+        for (const auto& [width, height] : {std::pair{1, 1}, {2, 1}, {1, 37}, {3, 5}, {17, 16}, {63, 2}, {2049, 9}}) {
+            const VideoFrame a = drawn(layout, width, height, texture);
+            const VideoFrame b =
+                drawn(layout, width, height, [](double x, double y) { return texture(x + 90, y - 50); });
+            OpticalFlowInterpolator interpolator(width, height, layout);
+            const VideoFrame frame =
+                interpolator.render({{a, {0}}, {b, {1}}, TimedFrame{b, {-1}}, TimedFrame{a, {2}}}, {0.5});
+            EXPECT_EQ(frame.width, width);
+            EXPECT_EQ(frame.height, height);
+        }
+}
+
+TEST(OpticalFlow, ExportsMakeNewFramesOnlyInsideTheRanges) {
+    const auto backend = makeFFmpegBackend();
+    const TemporaryFolder folder;
+    ClipRecipe recipe;
+    recipe.frameCount = 20;
+    makeClip(*backend, folder / "in.mov", recipe);
+    ExportRequest request;
+    request.clip = ImportedClip::load(*backend, folder / "in.mov");
+    request.keyframes = {{Uuid::random(), 0, 0.25, SpeedKeyframeRole::curve},
+                         {Uuid::random(), 0.8, 0.25, SpeedKeyframeRole::curve}};
+    request.interpolation = FrameInterpolation::opticalFlow;
+    request.opticalFlowRanges = SourceRanges{{0.4, 0.8}};
+    request.outputURL = folder / "out.mov";
+    ExportEngine(*backend, [](std::string_view) {}).run(request, [](double) {});
+    const auto numbers = frameNumbers(*backend, ImportedClip::load(*backend, folder / "out.mov"));
+    ASSERT_EQ(numbers.size(), 80U);
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        const bool original = i < 40 || i % 4 == 0 || i >= 76; // past the last frame nothing can be in between
+        if (original) {
+            EXPECT_EQ(numbers[i], static_cast<std::int64_t>(i / 4)) << i;
+        }
+    }
+}
+
+} // namespace
+} // namespace flowtide::test
