@@ -1,8 +1,9 @@
-// Sharing out tasks.
+// Starting and stopping the threads, and the hand-over of tasks and errors between them.
 #include "media/flow/worker_pool.h"
 
 #include <algorithm>
 #include <exception>
+#include <system_error>
 #include <utility>
 
 namespace flowtide::flow {
@@ -11,10 +12,22 @@ namespace {
 constexpr int bandRows = 32;
 } // namespace
 
-WorkerPool::WorkerPool(int threads) {
+std::jthread startThread(std::function<void()> body) {
+    return std::jthread(std::move(body));
+}
+
+// Once the delegated constructor has returned, whatever is thrown here runs the destructor, which stops the threads
+// that were made; without it they would be joined while they wait for work.
+WorkerPool::WorkerPool(int threads, const ThreadStarter& start)
+    : WorkerPool(NoThreads{}) {
     if (threads <= 0) threads = static_cast<int>(std::max(1U, std::thread::hardware_concurrency()));
-    for (int i = 1; i < threads; ++i)
-        threads_.emplace_back([this] { serve(); });
+    threads_.reserve(static_cast<std::size_t>(threads - 1));
+    try {
+        for (int i = 1; i < threads; ++i)
+            threads_.push_back(start([this] { serve(); }));
+    } catch (const std::system_error& error) {
+        if (error.code() != std::errc::resource_unavailable_try_again) throw;
+    }
 }
 
 WorkerPool::~WorkerPool() {

@@ -1,4 +1,4 @@
-// A few threads that share out the parts of one job.
+// A fixed set of threads that share out the parts of one job, so that an in-between frame takes all cores.
 #pragma once
 
 #include <condition_variable>
@@ -10,11 +10,16 @@
 
 namespace flowtide::flow {
 
+/// Starts a thread that runs `body`. Throws std::system_error when there can be no more threads.
+using ThreadStarter = std::function<std::jthread(std::function<void()> body)>;
+std::jthread startThread(std::function<void()> body);
+
 /// Runs the tasks of one job at a time on the calling thread and on its own. Used by one thread at a time.
 class WorkerPool {
 public:
-    /// `threads` counts the calling one; 0: as many as the machine has cores.
-    explicit WorkerPool(int threads = 0);
+    /// `threads` counts the calling one; 0: as many as the machine has cores. Where the system refuses a thread the
+    /// pool has those that it got, in the worst case the calling one alone: slower, with the same results.
+    explicit WorkerPool(int threads = 0, const ThreadStarter& start = startThread);
     ~WorkerPool();
     WorkerPool(const WorkerPool&) = delete;
     WorkerPool& operator=(const WorkerPool&) = delete;
@@ -26,6 +31,9 @@ public:
     void runBands(int rows, const std::function<void(int begin, int end)>& work);
 
 private:
+    struct NoThreads {};
+    explicit WorkerPool(NoThreads) {}
+
     /// A job that is being worked on.
     struct Job {
         const std::function<void(int)>* work = nullptr;
