@@ -108,7 +108,7 @@ const std::vector<FlowClip>& flowClips() {
 FlowFrames flowFrames(const MediaBackend& backend, const std::filesystem::path& path, std::size_t most) {
     const ImportedClip clip = ImportedClip::load(backend, path);
     PixelLayout layout; // 8-bit 4:2:0 for all: the peer's own format
-    layout.fullRange = clip.videoIsFullRange;
+    layout.fullRange = clip.videoIsFullRange();
     const auto reader = backend.openVideo(clip, layout, {0, clip.duration});
     // Pulldown repeats up to every fourth frame.
     auto frames = evenStretch(*reader, most + most / 4 + 1);

@@ -5,7 +5,7 @@ namespace flowtide {
 
 PixelLayout decodePixelFormat(const ImportedClip& clip) {
     PixelLayout layout;
-    layout.fullRange = clip.videoIsFullRange;
+    layout.fullRange = clip.videoIsFullRange();
     if (clip.videoCodecType == VideoCodec::proRes4444) {
         layout.chroma = ChromaSubsampling::yuv444;
         layout.bitDepth = 10;
@@ -13,7 +13,7 @@ PixelLayout decodePixelFormat(const ImportedClip& clip) {
         layout.chroma = ChromaSubsampling::yuv422;
         layout.bitDepth = 10;
     } else {
-        layout.bitDepth = clip.videoBitDepth < 10 ? 8 : 10;
+        layout.bitDepth = clip.videoBitDepth() < 10 ? 8 : 10;
     }
     return layout;
 }

@@ -34,14 +34,14 @@ void requireValidVideo(const ImportedClip& clip) {
         std::isnormal(clip.duration) && clip.duration > 0 && clip.duration <= longestDurationSeconds;
     const bool rateIsValid = std::isfinite(clip.frameRate) && clip.frameRate <= highestFrameRate;
     if (!durationIsValid || !rateIsValid || !sideIsValid(clip.width) || !sideIsValid(clip.height) ||
-        !sideIsValid(clip.encodedWidth) || !sideIsValid(clip.encodedHeight))
+        !sideIsValid(clip.encodedWidth()) || !sideIsValid(clip.encodedHeight()))
         throw FlowtideError::writerFailed("This clip has unsupported or invalid video dimensions or timing.");
 }
 
-void requireValidAudio(const ImportedClip& clip) {
-    const double rate = clip.audioSampleRate.value_or(0);
-    const std::int64_t channels = clip.audioChannelCount.value_or(0);
-    if (!std::isfinite(rate) || rate < 1 || rate > highestSampleRate || channels < 1 || channels > mostChannels)
+void requireValidAudio(const AudioTrack& track) {
+    const double rate = track.sampleRate;
+    if (!std::isfinite(rate) || rate < 1 || rate > highestSampleRate || track.channelCount < 1 ||
+        track.channelCount > mostChannels)
         throw FlowtideError::writerFailed("This clip has unsupported or invalid audio properties.");
 }
 
@@ -50,27 +50,31 @@ void requireValidAudio(const ImportedClip& clip) {
 ImportedClip ImportedClip::load(const MediaBackend& backend, const std::filesystem::path& path) {
     LocalFileSafety::requireRegularFile(path);
     ProbedMedia media = backend.probe(path);
-    if (!media.hasVideo) throw FlowtideError::noVideoTrack();
+    if (!media.video) throw FlowtideError::noVideoTrack();
 
-    ImportedClip clip = std::move(media.clip);
+    ImportedClip clip;
     clip.url = path;
+    clip.duration = media.duration;
     clip.fileType = fileTypeForPath(path);
-    if (!(clip.frameRate > 0)) clip.frameRate = defaultFrameRate;
-    clip.preferredTransform = affineTransform(clip.displayMatrix);
+    clip.video = std::move(*media.video);
+    clip.audio = std::move(media.audio);
+    clip.metadata = std::move(media.metadata);
+    clip.frameRate = clip.video.nominalFrameRate > 0 ? clip.video.nominalFrameRate : defaultFrameRate;
+    clip.preferredTransform = affineTransform(clip.video.displayMatrix);
     const auto& transform = clip.preferredTransform;
-    const auto encodedWidth = static_cast<double>(clip.encodedWidth);
-    const auto encodedHeight = static_cast<double>(clip.encodedHeight);
+    const auto encodedWidth = static_cast<double>(clip.encodedWidth());
+    const auto encodedHeight = static_cast<double>(clip.encodedHeight());
     clip.width = roundedSide(encodedWidth * transform.a + encodedHeight * transform.c);
     clip.height = roundedSide(encodedWidth * transform.b + encodedHeight * transform.d);
     requireValidVideo(clip);
-    if (clip.hasAudio) requireValidAudio(clip);
+    if (clip.audio) requireValidAudio(*clip.audio);
 
     clip.frameDuration = nominalFrameDuration(clip.frameRate);
-    if (const auto interval = media.constantSampleInterval;
+    if (const auto interval = clip.video.constantSampleInterval;
         interval && interval->numerator > 0 &&
         std::abs(1.0 / interval->seconds() - clip.frameRate) <= frameRateTolerance)
         clip.frameDuration = *interval;
-    if (clip.videoCodecFourCC) clip.videoCodecType = flowtide::videoCodecType(*clip.videoCodecFourCC);
+    if (clip.video.codec) clip.videoCodecType = flowtide::videoCodecType(*clip.video.codec);
     return clip;
 }
 
@@ -81,15 +85,15 @@ ImportedClip ImportedClip::previewSized() const {
         std::min({previewWidth / static_cast<double>(width), previewHeight / static_cast<double>(height), 1.0});
     ImportedClip clip = *this;
     if (scale >= 1) return clip;
-    for (std::int64_t* side : {&clip.width, &clip.height, &clip.encodedWidth, &clip.encodedHeight})
+    for (std::int64_t* side : {&clip.width, &clip.height, &clip.video.encodedWidth, &clip.video.encodedHeight})
         *side = OutputSize::capped(scale, static_cast<double>(*side));
     return clip;
 }
 
 std::string ImportedClip::videoCodecDisplayName() const {
-    if (!videoCodecFourCC) return "Unknown video codec";
+    if (!video.codec) return "Unknown video codec";
     if (videoCodecType) return codecLabel(*videoCodecType);
-    switch (*videoCodecFourCC) {
+    switch (*video.codec) {
     case fourCC("muxa"):
         return "HEVC with alpha";
     case fourCC("av01"):
@@ -101,7 +105,7 @@ std::string ImportedClip::videoCodecDisplayName() const {
     case fourCC("jpeg"):
         return "Motion JPEG (jpeg)";
     default:
-        return "Video codec " + fourCCString(*videoCodecFourCC);
+        return "Video codec " + fourCCString(*video.codec);
     }
 }
 

@@ -24,7 +24,41 @@ struct CarriedMetadata {
     MediaTime sampleAspectRatio{1, 1};
 };
 
-/// Everything that the rest of the system needs to know of a clip. Immutable once loaded.
+/// A video track as its file describes it.
+struct VideoTrack {
+    std::optional<FourCC> codec;
+    std::int64_t encodedWidth = 0; ///< pixels
+    std::int64_t encodedHeight = 0;
+    DisplayMatrix displayMatrix = identityDisplayMatrix; ///< as the container stores it, bit for bit
+    double nominalFrameRate = 0;                         ///< frames per second; 0 when the track tells none
+    std::optional<MediaTime> constantSampleInterval;     ///< of every sample but the last, when they are all alike
+    std::optional<double> estimatedDataRate;             ///< bits per second
+    std::int64_t bitDepth = 8;
+    bool isFullRange = false;
+    bool hasAlpha = false;
+    std::optional<ColorProperties> colorProperties; ///< absent when no tag is present
+};
+
+/// An audio track as its file describes it.
+struct AudioTrack {
+    double sampleRate = 0; ///< Hz
+    std::int64_t channelCount = 0;
+    std::string channelLayout; ///< the layout's standard name, such as "5.1"; empty when the track names none
+    std::optional<FourCC> formatID;
+    std::int64_t bitDepth = 0;               ///< 0 when the format has none
+    std::optional<double> estimatedDataRate; ///< bits per second
+};
+
+/// A file as its tracks describe it, before anything is judged or derived.
+struct ProbedMedia {
+    double duration = 0; ///< seconds
+    std::optional<VideoTrack> video;
+    std::optional<AudioTrack> audio;
+    CarriedMetadata metadata;
+};
+
+/// Everything that the rest of the system needs to know of a clip: its tracks, and what the rules make of them.
+/// Immutable once loaded.
 struct ImportedClip {
     std::filesystem::path url;
     double duration = 0;  ///< seconds
@@ -32,26 +66,21 @@ struct ImportedClip {
     MediaTime frameDuration{1, 30};
     std::int64_t width = 0; ///< as displayed, after preferredTransform
     std::int64_t height = 0;
-    std::int64_t encodedWidth = 0;
-    std::int64_t encodedHeight = 0;
     AffineTransform preferredTransform;
-    DisplayMatrix displayMatrix = identityDisplayMatrix; ///< the transform as the container stores it, bit for bit
-    std::optional<FourCC> videoCodecFourCC;
-    std::optional<VideoCodec> videoCodecType;
-    std::optional<double> videoEstimatedDataRate; ///< bits per second
-    std::int64_t videoBitDepth = 8;
-    bool videoIsFullRange = false;
-    bool videoHasAlpha = false;
-    std::optional<ColorProperties> videoColorProperties; ///< absent when no tag is present
+    std::optional<VideoCodec> videoCodecType; ///< absent for codecs that cannot be written
     FileType fileType = FileType::quickTimeMovie;
-    bool hasAudio = false;
-    std::optional<double> audioSampleRate; ///< Hz
-    std::optional<std::int64_t> audioChannelCount;
-    std::string audioChannelLayout; ///< the layout's standard name, such as "5.1"; empty when the track names none
-    std::optional<FourCC> audioFormatID;
-    std::int64_t audioBitDepth = 0;               ///< 0 when the format has none
-    std::optional<double> audioEstimatedDataRate; ///< bits per second
+    VideoTrack video;
+    std::optional<AudioTrack> audio;
     CarriedMetadata metadata;
+
+    std::int64_t encodedWidth() const { return video.encodedWidth; }
+    std::int64_t encodedHeight() const { return video.encodedHeight; }
+    std::optional<FourCC> videoCodecFourCC() const { return video.codec; }
+    std::optional<double> videoEstimatedDataRate() const { return video.estimatedDataRate; }
+    std::int64_t videoBitDepth() const { return video.bitDepth; }
+    bool videoIsFullRange() const { return video.isFullRange; }
+    const std::optional<ColorProperties>& videoColorProperties() const { return video.colorProperties; }
+    bool hasAudio() const { return audio.has_value(); }
 
     /// Probes the file. Throws FlowtideError or ProjectError with the sentence for what is wrong with it.
     static ImportedClip load(const MediaBackend& backend, const std::filesystem::path& path);

@@ -15,15 +15,6 @@
 
 namespace flowtide {
 
-/// A file as its tracks describe it, before anything is judged or derived. Of `clip`, the fields that depend on rules
-/// (frameDuration, the display size, the codec type, the file type) are not filled in.
-struct ProbedMedia {
-    ImportedClip clip;
-    bool hasVideo = false;
-    /// The interval that every sample of the video track but the last one has, when there is such a one.
-    std::optional<MediaTime> constantSampleInterval;
-};
-
 /// Decodes the frames of a range in presentation order. Used by one thread at a time.
 class VideoReader {
 public:
@@ -71,7 +62,7 @@ struct AudioSettings {
     FourCC format = aac;
     double sampleRate = 0; ///< Hz
     int channels = 0;
-    std::string channelLayout; ///< as ImportedClip::audioChannelLayout
+    std::string channelLayout; ///< as AudioTrack::channelLayout
     std::int64_t bitRate = 0;  ///< AAC only, bits per second
     int bitDepth = 0;          ///< linear PCM only: 16, 24 or 32 (float)
 };

@@ -50,8 +50,8 @@ void replaceFinalExport(TemporaryExport& file) {
 void logCodec(const ImportedClip& clip, const VideoSettings& video, const LogSink& log) {
     log("[Export] Codec: " + codecLabel(video.codec));
     if (!video.averageBitRate) return;
-    const std::string source =
-        clip.videoEstimatedDataRate ? fmt::format("{:.0f}bps", *clip.videoEstimatedDataRate) : std::string("unknown");
+    const std::string source = clip.videoEstimatedDataRate() ? fmt::format("{:.0f}bps", *clip.videoEstimatedDataRate())
+                                                             : std::string("unknown");
     log(fmt::format("[Export] Video bitrate: {}bps (source: {})", *video.averageBitRate, source));
 }
 
@@ -83,8 +83,8 @@ ExportValidationReport ExportEngine::run(const ExportRequest& wanted, const Prog
     ExportRequest request = wanted;
     if (request.previewResolution == PreviewResolution::quick) request.clip = request.clip.previewSized();
     const ExportPlan plan = planExport(request, log_);
-    const auto renderer = makeRenderer(plan.interpolation, static_cast<int>(request.clip.encodedWidth),
-                                       static_cast<int>(request.clip.encodedHeight), plan.video.layout);
+    const auto renderer = makeRenderer(plan.interpolation, static_cast<int>(request.clip.encodedWidth()),
+                                       static_cast<int>(request.clip.encodedHeight()), plan.video.layout);
 
     removeStaleTemporaryExports(request.outputURL);
     const auto file = [&] {

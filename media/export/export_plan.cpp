@@ -37,7 +37,7 @@ void logSourceMatch(const ImportedClip& clip, const LogSink& log) {
         log(fmt::format("[Export] Warning: {} cannot be source-matched; an HEVC / H.265 fallback is required and may "
                         "still fail if AVFoundation cannot decode the source.",
                         clip.videoCodecDisplayName()));
-    if (clip.videoHasAlpha) log("[Export] Warning: the source's alpha channel is not kept; the export is opaque.");
+    if (clip.video.hasAlpha) log("[Export] Warning: the source's alpha channel is not kept; the export is opaque.");
 }
 
 void logCrop(const ExportRequest& request, const std::optional<CropPlan>& crop, const LogSink& log) {
@@ -62,7 +62,7 @@ ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
     const std::optional<CropPlan> crop = planCrop(request);
     // A rotated source stays encoded as it is and carries its transform.
     const OutputSize encodedSize =
-        crop ? OutputSize{crop->width, crop->height} : OutputSize{clip.encodedWidth, clip.encodedHeight};
+        crop ? OutputSize{crop->width, crop->height} : OutputSize{clip.encodedWidth(), clip.encodedHeight()};
     plan.displaySize = crop ? encodedSize : OutputSize{clip.width, clip.height};
 
     log(fmt::format("[Export] Source duration: {:.3f}s, Output duration: {:.3f}s", clip.duration, outputDuration));
@@ -80,8 +80,8 @@ ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
     plan.frameCount = outputFrameCount(outputDuration, clip.frameDuration);
     plan.framing = planFraming(request, crop, plan.timeMap, plan.frameCount);
     plan.video = videoSettings(clip, outputCodec(clip), encodedSize, outputDuration);
-    if (clip.hasAudio) plan.audio = audioSettings(clip, clip.fileType);
-    if (const auto& tags = clip.videoColorProperties; tags && !tags->complete())
+    if (clip.hasAudio()) plan.audio = audioSettings(clip, clip.fileType);
+    if (const auto& tags = clip.videoColorProperties(); tags && !tags->complete())
         log(fmt::format("[Export] Source has incomplete color tags ({}); validating encoder-inferred tags after render",
                         fmt::join(presentColorTagNames(*tags), ", ")));
     return plan;

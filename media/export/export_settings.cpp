@@ -30,12 +30,12 @@ VideoCodec outputCodec(const ImportedClip& clip) {
 }
 
 std::int64_t transparentBitRate(const ImportedClip& clip, VideoCodec codec, double areaFraction) {
-    const double dataRate = clip.videoEstimatedDataRate.value_or(0);
+    const double dataRate = clip.videoEstimatedDataRate().value_or(0);
     const double bitsPerPixel = codec == VideoCodec::hevc ? hevcBitsPerPixel : otherBitsPerPixel;
     const double rate = dataRate > believableDataRate
                             ? areaFraction * dataRate
-                            : areaFraction * std::max(clip.frameRate, 1.0) * static_cast<double>(clip.encodedWidth) *
-                                  static_cast<double>(clip.encodedHeight) * bitsPerPixel;
+                            : areaFraction * std::max(clip.frameRate, 1.0) * static_cast<double>(clip.encodedWidth()) *
+                                  static_cast<double>(clip.encodedHeight()) * bitsPerPixel;
     constexpr double largestRate = 1e15; // keeps the rounding inside 64 bits whatever the file claims
     return std::max<std::int64_t>(std::llround(std::min(rate, largestRate)), lowestVideoBitRate);
 }
@@ -49,11 +49,11 @@ VideoSettings videoSettings(const ImportedClip& clip, VideoCodec codec, OutputSi
     settings.layout = decodePixelFormat(clip);
     settings.expectedFrameRate = static_cast<int>(std::lround(clip.frameRate));
     settings.expectedDuration = outputDuration;
-    settings.displayMatrix = clip.displayMatrix;
-    if (clip.videoColorProperties)
-        settings.color = completedColor(*clip.videoColorProperties, {clip.encodedWidth, clip.encodedHeight});
+    settings.displayMatrix = clip.video.displayMatrix;
+    if (clip.videoColorProperties())
+        settings.color = completedColor(*clip.videoColorProperties(), {clip.encodedWidth(), clip.encodedHeight()});
     if (!isProRes(codec)) {
-        const double sourceArea = static_cast<double>(clip.encodedWidth) * static_cast<double>(clip.encodedHeight);
+        const double sourceArea = static_cast<double>(clip.encodedWidth()) * static_cast<double>(clip.encodedHeight());
         const double outputArea = static_cast<double>(size.width) * static_cast<double>(size.height);
         settings.averageBitRate =
             transparentBitRate(clip, codec, std::min(outputArea / std::max(sourceArea, 1.0), 1.0));
@@ -86,27 +86,28 @@ ColorProperties completedColor(const ColorProperties& tags, OutputSize size) {
 }
 
 std::optional<FourCC> expectedAudioFormatID(const ImportedClip& clip, FileType outputFileType) {
-    if (!clip.hasAudio) return std::nullopt;
-    return clip.audioFormatID == linearPCM && outputFileType == FileType::quickTimeMovie ? linearPCM : aac;
+    if (!clip.audio) return std::nullopt;
+    return clip.audio->formatID == linearPCM && outputFileType == FileType::quickTimeMovie ? linearPCM : aac;
 }
 
-int outputPCMBitDepth(const ImportedClip& clip) {
-    const std::int64_t depth = clip.audioBitDepth;
+int outputPCMBitDepth(const AudioTrack& source) {
+    const std::int64_t depth = source.bitDepth;
     return depth == 16 || depth == 24 || depth == 32 ? static_cast<int>(depth) : 24;
 }
 
 AudioSettings audioSettings(const ImportedClip& clip, FileType outputFileType) {
+    const AudioTrack& source = clip.audio.value();
     AudioSettings settings;
     settings.format = expectedAudioFormatID(clip, outputFileType).value_or(aac);
-    settings.sampleRate = clip.audioSampleRate.value_or(0);
-    settings.channels = static_cast<int>(clip.audioChannelCount.value_or(0));
-    settings.channelLayout = clip.audioChannelLayout;
+    settings.sampleRate = source.sampleRate;
+    settings.channels = static_cast<int>(source.channelCount);
+    settings.channelLayout = source.channelLayout;
     if (settings.format == linearPCM) {
-        settings.bitDepth = outputPCMBitDepth(clip);
+        settings.bitDepth = outputPCMBitDepth(source);
     } else {
         constexpr double largestRate = 1e9;
-        const auto sourceRate = clip.audioEstimatedDataRate
-                                    ? std::llround(std::min(*clip.audioEstimatedDataRate, largestRate))
+        const auto sourceRate = source.estimatedDataRate
+                                    ? std::llround(std::min(*source.estimatedDataRate, largestRate))
                                     : defaultAudioBitRate;
         settings.bitRate = std::clamp<std::int64_t>(sourceRate, lowestAudioBitRate, highestAudioBitRate);
     }

@@ -31,8 +31,8 @@ ColorProperties completedColor(const ColorProperties& tags, OutputSize size);
 /// The audio format that an export of the clip must have; nothing without audio.
 std::optional<FourCC> expectedAudioFormatID(const ImportedClip& clip, FileType outputFileType);
 /// Bits per sample of linear PCM output: the source's 16, 24 or 32 (float), else 24.
-int outputPCMBitDepth(const ImportedClip& clip);
-/// Everything about the sound of an export; the clip has audio.
+int outputPCMBitDepth(const AudioTrack& source);
+/// Everything about the sound of an export of a clip with sound.
 AudioSettings audioSettings(const ImportedClip& clip, FileType outputFileType);
 
 } // namespace flowtide

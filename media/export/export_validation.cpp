@@ -27,7 +27,7 @@ std::string sizeText(std::int64_t width, std::int64_t height) {
 }
 
 std::string_view rangeLabel(const ImportedClip& clip) {
-    return clip.videoIsFullRange ? "full range" : "video range";
+    return clip.videoIsFullRange() ? "full range" : "video range";
 }
 
 bool transformsMatch(const AffineTransform& one, const AffineTransform& other) {
@@ -37,16 +37,16 @@ bool transformsMatch(const AffineTransform& one, const AffineTransform& other) {
 }
 
 void checkColorTags(const ImportedClip& output, const ImportedClip& source, Failures& failures) {
-    if (!source.videoColorProperties) return;
-    const ColorProperties found = output.videoColorProperties.value_or(ColorProperties{});
+    if (!source.videoColorProperties()) return;
+    const ColorProperties found = output.videoColorProperties().value_or(ColorProperties{});
     const auto check = [&](const char* name, const std::optional<std::string>& value,
                            const std::optional<std::string>& wanted) {
         if (wanted && value != wanted)
             failures.push_back(fmt::format("{} is {}, expected {}", name, value.value_or("unspecified"), *wanted));
     };
-    check("color primaries", found.primaries, source.videoColorProperties->primaries);
-    check("transfer function", found.transferFunction, source.videoColorProperties->transferFunction);
-    check("YCbCr matrix", found.matrix, source.videoColorProperties->matrix);
+    check("color primaries", found.primaries, source.videoColorProperties()->primaries);
+    check("transfer function", found.transferFunction, source.videoColorProperties()->transferFunction);
+    check("YCbCr matrix", found.matrix, source.videoColorProperties()->matrix);
 }
 
 void checkVideo(const ImportedClip& output, const ImportedClip& source, const ExportExpectation& expected,
@@ -56,9 +56,9 @@ void checkVideo(const ImportedClip& output, const ImportedClip& source, const Ex
             output.videoCodecType ? codecLabel(*output.videoCodecType) : output.videoCodecDisplayName();
         failures.push_back(fmt::format("video codec is {}, expected {}", label, codecLabel(expected.codec)));
     }
-    if (OutputSize{output.encodedWidth, output.encodedHeight} != expected.encodedSize)
+    if (OutputSize{output.encodedWidth(), output.encodedHeight()} != expected.encodedSize)
         failures.push_back(fmt::format("encoded dimensions are {}, expected {}",
-                                       sizeText(output.encodedWidth, output.encodedHeight),
+                                       sizeText(output.encodedWidth(), output.encodedHeight()),
                                        sizeText(expected.encodedSize.width, expected.encodedSize.height)));
     if (OutputSize{output.width, output.height} != expected.displaySize)
         failures.push_back(fmt::format("display dimensions are {}, expected {}", sizeText(output.width, output.height),
@@ -71,9 +71,9 @@ void checkVideo(const ImportedClip& output, const ImportedClip& source, const Ex
     const double interval = source.frameDuration.seconds();
     if (!(std::abs(output.frameDuration.seconds() - interval) <= std::max(interval * 0.0001, 0.000001)))
         failures.emplace_back("the exact frame interval does not match the source");
-    if (output.videoBitDepth != source.videoBitDepth)
-        failures.push_back(fmt::format("video is {}-bit, expected {}", output.videoBitDepth, source.videoBitDepth));
-    if (output.videoIsFullRange != source.videoIsFullRange)
+    if (output.videoBitDepth() != source.videoBitDepth())
+        failures.push_back(fmt::format("video is {}-bit, expected {}", output.videoBitDepth(), source.videoBitDepth()));
+    if (output.videoIsFullRange() != source.videoIsFullRange())
         failures.push_back(fmt::format("video color range is {}, expected {}", rangeLabel(output), rangeLabel(source)));
     checkColorTags(output, source, failures);
     const double durationTolerance = std::max(output.frameDuration.seconds() * 1.1, 0.005);
@@ -84,32 +84,26 @@ void checkVideo(const ImportedClip& output, const ImportedClip& source, const Ex
 
 void validateAudio(const ImportedClip& output, const ImportedClip& source, FileType outputFileType,
                    Failures& failures) {
-    if (output.hasAudio && !source.hasAudio)
+    if (output.hasAudio() && !source.hasAudio())
         failures.emplace_back("an audio track was added even though the source has no audio");
-    if (!output.hasAudio && source.hasAudio) failures.emplace_back("the source audio track is missing");
-    if (!output.hasAudio || !source.hasAudio) return;
+    if (!output.hasAudio() && source.hasAudio()) failures.emplace_back("the source audio track is missing");
+    if (!output.hasAudio() || !source.hasAudio()) return;
 
+    const AudioTrack& track = *output.audio;
+    const AudioTrack& sourceTrack = *source.audio;
     const auto expectedFormat = expectedAudioFormatID(source, outputFileType);
-    if (output.audioFormatID != expectedFormat)
-        failures.push_back(fmt::format("audio format is {}, expected {}", audioFormatLabel(output.audioFormatID),
+    if (track.formatID != expectedFormat)
+        failures.push_back(fmt::format("audio format is {}, expected {}", audioFormatLabel(track.formatID),
                                        audioFormatLabel(expectedFormat)));
-    if (source.audioSampleRate) {
-        if (!output.audioSampleRate) {
-            failures.emplace_back("audio sample rate is missing");
-            return;
-        }
-        if (!(std::abs(*output.audioSampleRate - *source.audioSampleRate) <= sampleRateTolerance))
-            failures.push_back(fmt::format("audio sample rate is {:.0f}Hz, expected {:.0f}", *output.audioSampleRate,
-                                           *source.audioSampleRate));
-    }
-    if (source.audioChannelCount && output.audioChannelCount != source.audioChannelCount)
+    if (!(std::abs(track.sampleRate - sourceTrack.sampleRate) <= sampleRateTolerance))
         failures.push_back(
-            fmt::format("audio has {} channels, expected {}",
-                        output.audioChannelCount ? fmt::format("{}", *output.audioChannelCount) : "unknown",
-                        *source.audioChannelCount));
-    if (expectedFormat == linearPCM && output.audioBitDepth != outputPCMBitDepth(source))
+            fmt::format("audio sample rate is {:.0f}Hz, expected {:.0f}", track.sampleRate, sourceTrack.sampleRate));
+    if (track.channelCount != sourceTrack.channelCount)
         failures.push_back(
-            fmt::format("PCM audio is {}-bit, expected {}", output.audioBitDepth, outputPCMBitDepth(source)));
+            fmt::format("audio has {} channels, expected {}", track.channelCount, sourceTrack.channelCount));
+    if (expectedFormat == linearPCM && track.bitDepth != outputPCMBitDepth(sourceTrack))
+        failures.push_back(
+            fmt::format("PCM audio is {}-bit, expected {}", track.bitDepth, outputPCMBitDepth(sourceTrack)));
 }
 
 ExportValidationReport report(const ImportedClip& output, const ImportedClip& source,
@@ -117,15 +111,15 @@ ExportValidationReport report(const ImportedClip& output, const ImportedClip& so
     const std::string codec = codecLabel(expected.codec);
     const std::string size = sizeText(output.width, output.height);
     const std::string rate = formatFrameRate(output.frameRate) + " fps";
-    const std::string audio = output.hasAudio ? audioDescription(output) : "No audio";
+    const std::string audio = output.audio ? audioDescription(*output.audio) : "No audio";
     ExportValidationReport result;
     result.summary = fmt::format("{} · {} · {} · {}", codec, size, rate, audio);
     result.details = fmt::format(
         "Codec: {}\nDimensions: {} (encoded {}){}\nFrame rate: {}\nBit depth: {}-bit\nColor: {}, {}\nAudio: {}\n"
         "Source range: {:.6f}:{:.6f}\nDuration: {:.3f}s",
-        codec, size, sizeText(output.encodedWidth, output.encodedHeight),
-        expected.socialCropApplied ? " — social crop" : "", rate, output.videoBitDepth, rangeLabel(output),
-        source.videoColorProperties ? "Source-specified color tags matched" : "Source color tags unspecified", audio,
+        codec, size, sizeText(output.encodedWidth(), output.encodedHeight()),
+        expected.socialCropApplied ? " — social crop" : "", rate, output.videoBitDepth(), rangeLabel(output),
+        source.videoColorProperties() ? "Source-specified color tags matched" : "Source color tags unspecified", audio,
         expected.sourceRange.lower, expected.sourceRange.upper, output.duration);
     return result;
 }
@@ -149,13 +143,11 @@ std::string audioFormatLabel(std::optional<FourCC> format) {
     return fourCCString(*format);
 }
 
-std::string audioDescription(const ImportedClip& clip) {
-    std::string text = audioFormatLabel(clip.audioFormatID);
-    if (clip.audioFormatID == linearPCM && clip.audioBitDepth > 0) text += fmt::format(" {}-bit", clip.audioBitDepth);
-    if (clip.audioSampleRate) text += fmt::format(", {:.0f} Hz", *clip.audioSampleRate);
-    if (clip.audioChannelCount)
-        text += fmt::format(", {} channel{}", *clip.audioChannelCount, *clip.audioChannelCount == 1 ? "" : "s");
-    return text;
+std::string audioDescription(const AudioTrack& track) {
+    std::string text = audioFormatLabel(track.formatID);
+    if (track.formatID == linearPCM && track.bitDepth > 0) text += fmt::format(" {}-bit", track.bitDepth);
+    return text + fmt::format(", {:.0f} Hz, {} channel{}", track.sampleRate, track.channelCount,
+                              track.channelCount == 1 ? "" : "s");
 }
 
 ExportValidationReport validateOutput(const ImportedClip& output, const ImportedClip& source,

@@ -44,6 +44,6 @@ std::string formatFrameRate(double frameRate);
 /// "AAC", "Linear PCM", "No audio format", else the code's characters or its hexadecimal value.
 std::string audioFormatLabel(std::optional<FourCC> format);
 /// For example "AAC, 48000 Hz, 2 channels".
-std::string audioDescription(const ImportedClip& clip);
+std::string audioDescription(const AudioTrack& track);
 
 } // namespace flowtide

@@ -31,8 +31,8 @@ class FFmpegAudioReader : public AudioReader {
 public:
     FFmpegAudioReader(const ImportedClip& clip, SourceRange range)
         : movie_(openMovie(clip.url))
-        , sampleRate_(static_cast<int>(std::lround(clip.audioSampleRate.value_or(0))))
-        , channels_(static_cast<int>(clip.audioChannelCount.value_or(0)))
+        , sampleRate_(clip.audio ? static_cast<int>(std::lround(clip.audio->sampleRate)) : 0)
+        , channels_(clip.audio ? static_cast<int>(clip.audio->channelCount) : 0)
         , range_(range)
         , packet_(makePacket())
         , frame_(makeFrame()) {

@@ -66,60 +66,64 @@ std::optional<double> positiveRate(std::int64_t bitRate) {
     return bitRate > 0 ? std::optional<double>(static_cast<double>(bitRate)) : std::nullopt;
 }
 
-void readVideo(AVStream& stream, const ColorCodes& containerColor, ProbedMedia& media) {
+VideoTrack videoTrack(AVStream& stream, const ColorCodes& containerColor) {
     const AVCodecParameters& parameters = *stream.codecpar;
-    ImportedClip& clip = media.clip;
-    media.hasVideo = true;
-    media.constantSampleInterval = constantInterval(stream);
-    if (stream.avg_frame_rate.den != 0) clip.frameRate = av_q2d(stream.avg_frame_rate);
-    clip.encodedWidth = parameters.width;
-    clip.encodedHeight = parameters.height;
-    clip.videoCodecFourCC = codeOf(parameters);
-    clip.videoEstimatedDataRate = positiveRate(parameters.bit_rate);
-    clip.videoColorProperties = colorProperties(mergedColor(containerColor, colorOf(parameters)));
+    VideoTrack track;
+    track.constantSampleInterval = constantInterval(stream);
+    if (stream.avg_frame_rate.den != 0) track.nominalFrameRate = av_q2d(stream.avg_frame_rate);
+    track.encodedWidth = parameters.width;
+    track.encodedHeight = parameters.height;
+    track.codec = codeOf(parameters);
+    track.estimatedDataRate = positiveRate(parameters.bit_rate);
+    track.colorProperties = colorProperties(mergedColor(containerColor, colorOf(parameters)));
 
     const auto format = static_cast<AVPixelFormat>(parameters.format);
-    clip.videoIsFullRange = codeIn(parameters.color_range) == AVCOL_RANGE_JPEG || format == AV_PIX_FMT_YUVJ420P ||
-                            format == AV_PIX_FMT_YUVJ422P || format == AV_PIX_FMT_YUVJ444P;
+    track.isFullRange = codeIn(parameters.color_range) == AVCOL_RANGE_JPEG || format == AV_PIX_FMT_YUVJ420P ||
+                        format == AV_PIX_FMT_YUVJ422P || format == AV_PIX_FMT_YUVJ444P;
     if (const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format)) {
-        clip.videoBitDepth = descriptor->comp[0].depth;
-        clip.videoHasAlpha = (descriptor->flags & AV_PIX_FMT_FLAG_ALPHA) != 0;
+        track.bitDepth = descriptor->comp[0].depth;
+        track.hasAlpha = (descriptor->flags & AV_PIX_FMT_FLAG_ALPHA) != 0;
     } else if (parameters.bits_per_raw_sample > 0) {
-        clip.videoBitDepth = parameters.bits_per_raw_sample;
+        track.bitDepth = parameters.bits_per_raw_sample;
     }
 
     std::size_t size = 0;
     if (const auto* matrix =
             reinterpret_cast<const std::int32_t*>(av_stream_get_side_data(&stream, AV_PKT_DATA_DISPLAYMATRIX, &size));
         matrix && size >= displayMatrixBytes)
-        std::copy_n(matrix, clip.displayMatrix.size(), clip.displayMatrix.begin());
-    const AVRational aspect =
-        stream.sample_aspect_ratio.num > 0 ? stream.sample_aspect_ratio : parameters.sample_aspect_ratio;
-    if (aspect.num > 0 && aspect.den > 0) clip.metadata.sampleAspectRatio = MediaTime::reduced(aspect.num, aspect.den);
-    readHDRMetadata(stream, clip.metadata);
+        std::copy_n(matrix, track.displayMatrix.size(), track.displayMatrix.begin());
+    return track;
 }
 
-void readAudio(const AVStream& stream, ImportedClip& clip) {
+void readPictureMetadata(AVStream& stream, CarriedMetadata& metadata) {
+    const AVRational aspect =
+        stream.sample_aspect_ratio.num > 0 ? stream.sample_aspect_ratio : stream.codecpar->sample_aspect_ratio;
+    if (aspect.num > 0 && aspect.den > 0) metadata.sampleAspectRatio = MediaTime::reduced(aspect.num, aspect.den);
+    readHDRMetadata(stream, metadata);
+}
+
+AudioTrack audioTrack(const AVStream& stream) {
     const AVCodecParameters& parameters = *stream.codecpar;
-    clip.hasAudio = true;
-    clip.audioSampleRate = parameters.sample_rate;
-    clip.audioChannelCount = parameters.ch_layout.nb_channels;
-    clip.audioEstimatedDataRate = positiveRate(parameters.bit_rate);
+    AudioTrack track;
+    track.sampleRate = parameters.sample_rate;
+    track.channelCount = parameters.ch_layout.nb_channels;
+    track.estimatedDataRate = positiveRate(parameters.bit_rate);
     // Linear PCM goes by a dozen four-character codes; what it is shows in the codec.
     if (const int bits = av_get_exact_bits_per_sample(parameters.codec_id);
         bits > 0 && parameters.codec_id >= AV_CODEC_ID_FIRST_AUDIO && parameters.codec_id < AV_CODEC_ID_ADPCM_IMA_QT) {
-        clip.audioFormatID = linearPCM;
-        clip.audioBitDepth = bits;
+        track.formatID = linearPCM;
+        track.bitDepth = bits;
     } else if (parameters.codec_id == AV_CODEC_ID_AAC) {
-        clip.audioFormatID = aac;
+        track.formatID = aac;
     } else {
-        clip.audioFormatID = codeOf(parameters);
+        track.formatID = codeOf(parameters);
     }
     if (parameters.ch_layout.order != AV_CHANNEL_ORDER_UNSPEC) {
         std::array<char, 256> name{};
         if (av_channel_layout_describe(&parameters.ch_layout, name.data(), name.size()) > 0)
-            clip.audioChannelLayout = name.data();
+            track.channelLayout = name.data();
     }
+    return track;
 }
 
 void readTags(const AVFormatContext& format, CarriedMetadata& metadata) {
@@ -145,14 +149,17 @@ ProbedMedia probeMovie(const std::filesystem::path& path) {
             fmt::format("{} could not be read: {}", path.filename().string(), describe(code)));
 
     ProbedMedia media;
-    if (movie.video) readVideo(*movie.video, containerColor, media);
-    if (movie.audio) readAudio(*movie.audio, media.clip);
+    if (movie.video) {
+        media.video = videoTrack(*movie.video, containerColor);
+        readPictureMetadata(*movie.video, media.metadata);
+    }
+    if (movie.audio) media.audio = audioTrack(*movie.audio);
     for (const AVStream* stream : {movie.video, movie.audio})
         if (const auto span = stream ? spanOf(*stream) : std::nullopt)
-            media.clip.duration = std::max(media.clip.duration, span->end);
-    if (media.clip.duration <= 0 && movie.format->duration > 0)
-        media.clip.duration = secondsOf(movie.format->duration, AVRational{1, AV_TIME_BASE});
-    readTags(*movie.format, media.clip.metadata);
+            media.duration = std::max(media.duration, span->end);
+    if (media.duration <= 0 && movie.format->duration > 0)
+        media.duration = secondsOf(movie.format->duration, AVRational{1, AV_TIME_BASE});
+    readTags(*movie.format, media.metadata);
     return media;
 }
 

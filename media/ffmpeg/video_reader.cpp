@@ -25,7 +25,7 @@ class FFmpegVideoReader : public VideoReader {
 public:
     FFmpegVideoReader(const ImportedClip& clip, PixelLayout layout, SourceRange range)
         : movie_(openMovie(clip.url))
-        , importer_(layout, static_cast<int>(clip.encodedWidth), static_cast<int>(clip.encodedHeight))
+        , importer_(layout, static_cast<int>(clip.encodedWidth()), static_cast<int>(clip.encodedHeight()))
         , range_(range)
         , packet_(makePacket()) {
         if (!movie_.video) throw FlowtideError::noVideoTrack();

@@ -20,8 +20,9 @@ constexpr std::int64_t marginFrames = 4;
 
 AudioData readAll(const MediaBackend& backend, const ImportedClip& clip, SourceRange range) {
     AudioData audio;
-    audio.sampleRate = clip.audioSampleRate.value_or(0);
-    audio.channels = clip.audioChannelCount.value_or(0);
+    if (!clip.audio) throw FlowtideError::noAudioTrack();
+    audio.sampleRate = clip.audio->sampleRate;
+    audio.channels = clip.audio->channelCount;
     const double expected = audio.sampleRate * clip.duration * static_cast<double>(audio.channels);
     if (!std::isfinite(expected) || expected > static_cast<double>(largestSampleCount))
         throw FlowtideError::readerFailed(

@@ -42,27 +42,27 @@ TEST_F(ImportedClipTest, FrameDurationsOfNominalRates) {
 
 TEST_F(ImportedClipTest, OwnSampleIntervalStandsOnlyWhereItTellsTheTracksRate) {
     ProbedMedia probe = plainProbe();
-    probe.clip.frameRate = 90000.0 / 1501;
-    probe.constantSampleInterval = MediaTime{1501, 90000};
+    probe.video->nominalFrameRate = 90000.0 / 1501;
+    probe.video->constantSampleInterval = MediaTime{1501, 90000};
     EXPECT_EQ(load(probe).frameDuration, (MediaTime{1501, 90000}));
-    probe.clip.frameRate = 29.988;
-    probe.constantSampleInterval = MediaTime{1001, 30000};
+    probe.video->nominalFrameRate = 29.988;
+    probe.video->constantSampleInterval = MediaTime{1001, 30000};
     EXPECT_EQ(load(probe).frameDuration, (MediaTime{100, 2999}));
-    probe.clip.frameRate = 0;
-    probe.constantSampleInterval.reset();
+    probe.video->nominalFrameRate = 0;
+    probe.video->constantSampleInterval.reset();
     EXPECT_EQ(load(probe).frameRate, 30);
     EXPECT_EQ(load(probe).frameDuration, (MediaTime{1, 30}));
 }
 
 TEST_F(ImportedClipTest, RotationSwapsTheDisplaySizeOnly) {
     ProbedMedia probe = plainProbe();
-    probe.clip.encodedWidth = 1920;
-    probe.clip.encodedHeight = 1080;
-    probe.clip.displayMatrix = {0, 65536, 0, -65536, 0, 0, 1080 << 16, 0, 1 << 30};
+    probe.video->encodedWidth = 1920;
+    probe.video->encodedHeight = 1080;
+    probe.video->displayMatrix = {0, 65536, 0, -65536, 0, 0, 1080 << 16, 0, 1 << 30};
     const ImportedClip clip = load(probe);
     EXPECT_EQ(clip.width, 1080);
     EXPECT_EQ(clip.height, 1920);
-    EXPECT_EQ(clip.encodedWidth, 1920);
+    EXPECT_EQ(clip.encodedWidth(), 1920);
     EXPECT_EQ(clip.preferredTransform, (AffineTransform{0, 1, -1, 0, 1080, 0}));
     EXPECT_FALSE(clip.preferredTransform.isIdentity());
 }
@@ -70,23 +70,23 @@ TEST_F(ImportedClipTest, RotationSwapsTheDisplaySizeOnly) {
 TEST_F(ImportedClipTest, ImpossibleVideoIsRefused) {
     const std::string sentence =
         "Asset writer failed: This clip has unsupported or invalid video dimensions or timing.";
-    const std::function<void(ImportedClip&)> breaks[] = {
-        [](ImportedClip& clip) { clip.duration = 0; },
-        [](ImportedClip& clip) { clip.duration = std::numeric_limits<double>::quiet_NaN(); },
-        [](ImportedClip& clip) { clip.duration = std::numeric_limits<double>::denorm_min(); },
-        [](ImportedClip& clip) { clip.duration = 31'536'001; },
-        [](ImportedClip& clip) { clip.frameRate = 2000; },
-        [](ImportedClip& clip) { clip.encodedWidth = 40'000; },
-        [](ImportedClip& clip) { clip.encodedHeight = 0; },
-        [](ImportedClip& clip) { clip.displayMatrix = {}; },
+    const std::function<void(ProbedMedia&)> breaks[] = {
+        [](ProbedMedia& media) { media.duration = 0; },
+        [](ProbedMedia& media) { media.duration = std::numeric_limits<double>::quiet_NaN(); },
+        [](ProbedMedia& media) { media.duration = std::numeric_limits<double>::denorm_min(); },
+        [](ProbedMedia& media) { media.duration = 31'536'001; },
+        [](ProbedMedia& media) { media.video->nominalFrameRate = 2000; },
+        [](ProbedMedia& media) { media.video->encodedWidth = 40'000; },
+        [](ProbedMedia& media) { media.video->encodedHeight = 0; },
+        [](ProbedMedia& media) { media.video->displayMatrix = {}; },
     };
     for (const auto& breakIt : breaks) {
         ProbedMedia probe = plainProbe();
-        breakIt(probe.clip);
+        breakIt(probe);
         EXPECT_EQ(refusal(probe), sentence) << &breakIt - breaks;
     }
     ProbedMedia silent = plainProbe();
-    silent.hasVideo = false;
+    silent.video.reset();
     EXPECT_EQ(refusal(silent), "No video track found in file.");
 }
 
@@ -99,9 +99,9 @@ TEST_F(ImportedClipTest, AudioLimits) {
                  {768'001, 2, false}, {0, 2, false},       {48'000, 0, false}};
     for (const auto& [rate, channels, accepted] : cases) {
         ProbedMedia probe = plainProbe();
-        probe.clip.hasAudio = true;
-        probe.clip.audioSampleRate = rate;
-        probe.clip.audioChannelCount = channels;
+        probe.audio.emplace();
+        probe.audio->sampleRate = rate;
+        probe.audio->channelCount = channels;
         EXPECT_EQ(refusal(probe),
                   accepted ? "" : "Asset writer failed: This clip has unsupported or invalid audio properties.");
     }
@@ -123,11 +123,11 @@ TEST_F(ImportedClipTest, NamesOfCodecs) {
                  {fourCC("hev1"), "Video codec hev1"},       {0x01020304, "Video codec ...."}};
     for (const auto& [code, name] : cases) {
         ProbedMedia probe = plainProbe();
-        probe.clip.videoCodecFourCC = code;
+        probe.video->codec = code;
         EXPECT_EQ(load(probe).videoCodecDisplayName(), name);
     }
     ProbedMedia probe = plainProbe();
-    probe.clip.videoCodecFourCC.reset();
+    probe.video->codec.reset();
     EXPECT_EQ(load(probe).videoCodecDisplayName(), "Unknown video codec");
 }
 

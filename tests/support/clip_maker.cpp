@@ -87,8 +87,8 @@ std::optional<std::int64_t> numberOf(const VideoFrame& frame) {
 
 std::vector<std::int64_t> frameNumbers(const MediaBackend& backend, const ImportedClip& clip) {
     PixelLayout layout;
-    layout.bitDepth = clip.videoBitDepth < 10 ? 8 : 10;
-    layout.fullRange = clip.videoIsFullRange;
+    layout.bitDepth = clip.videoBitDepth() < 10 ? 8 : 10;
+    layout.fullRange = clip.videoIsFullRange();
     const auto reader = backend.openVideo(clip, layout, {0, clip.duration});
     std::vector<std::int64_t> numbers;
     while (const auto frame = reader->next())

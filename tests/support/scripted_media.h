@@ -26,15 +26,14 @@ struct MediaScript {
 /// A plain 25 fps clip with sound, as a probe tells it.
 inline ProbedMedia plainProbe() {
     ProbedMedia media;
-    media.hasVideo = true;
-    media.constantSampleInterval = MediaTime{1, 25};
-    ImportedClip& clip = media.clip;
-    clip.duration = 2;
-    clip.frameRate = 25;
-    clip.encodedWidth = 64;
-    clip.encodedHeight = 48;
-    clip.videoCodecFourCC = fourCC("avc1");
-    clip.videoEstimatedDataRate = 2'000'000;
+    media.duration = 2;
+    VideoTrack& track = media.video.emplace();
+    track.nominalFrameRate = 25;
+    track.constantSampleInterval = MediaTime{1, 25};
+    track.encodedWidth = 64;
+    track.encodedHeight = 48;
+    track.codec = fourCC("avc1");
+    track.estimatedDataRate = 2'000'000;
     return media;
 }
 
@@ -54,8 +53,8 @@ public:
             Reader(const MediaScript& script, const ImportedClip& clip, PixelLayout layout)
                 : script_(script)
                 , interval_(clip.frameDuration)
-                , picture_(numberedFrame(layout, static_cast<int>(clip.encodedWidth),
-                                         static_cast<int>(clip.encodedHeight), 0))
+                , picture_(numberedFrame(layout, static_cast<int>(clip.encodedWidth()),
+                                         static_cast<int>(clip.encodedHeight()), 0))
                 , count_(static_cast<std::int64_t>(clip.duration / clip.frameDuration.seconds())) {}
             std::optional<TimedFrame> next() override {
                 if (index_ >= script_.decodableFrames)

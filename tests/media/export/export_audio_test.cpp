@@ -82,7 +82,7 @@ TEST_F(ExportAudioTest, LinearPCMIsTheFormulaToItsRounding) {
         recipe.audioBitDepth = depth;
         recipe.sound = chirp;
         const ImportedClip clip = make("in.mov", recipe);
-        EXPECT_EQ(clip.audioBitDepth, depth);
+        EXPECT_EQ(clip.audio->bitDepth, depth);
         const AudioData source = soundOf(clip);
         EXPECT_EQ(source.frameCount(), 4 * 44'100);
         for (const auto& range : {std::optional<SourceRange>{}, std::optional<SourceRange>{{1.234, 3.21}}}) {
@@ -118,7 +118,7 @@ TEST_F(ExportAudioTest, AACLosesOnlyWhatItsEncoderLosesAndIsNotShifted) {
     // The same samples through the same encoder, without an export around it.
     ClipRecipe plain = recipe;
     plain.frameCount = std::llround(map.outputDuration() * 25);
-    plain.audioBitRate = std::llround(*clip.audioEstimatedDataRate);
+    plain.audioBitRate = std::llround(*clip.audio->estimatedDataRate);
     plain.sound = [&](double seconds, int channel) {
         const auto index =
             2 * static_cast<std::size_t>(std::llround(seconds * 48'000)) + static_cast<std::size_t>(channel);

@@ -75,7 +75,7 @@ TEST_F(ExportEngineTest, ReplacesTheDestinationAfterVerification) {
 
 TEST_F(ExportEngineTest, FailedVerificationTouchesNothing) {
     script_.probeOfOutput = [](ProbedMedia probe) {
-        probe.clip.videoIsFullRange = true;
+        probe.video->isFullRange = true;
         return probe;
     };
     EXPECT_EQ(run(request()), "Export validation failed: video color range is full range, expected video range. The "
@@ -96,10 +96,10 @@ TEST_F(ExportEngineTest, FailuresOfEitherWorkerEndTheRender) {
     expectUntouched();
 
     script_ = MediaScript{.source = plainProbe()};
-    script_.source.clip.hasAudio = true;
-    script_.source.clip.audioFormatID = aac;
-    script_.source.clip.audioSampleRate = 8000;
-    script_.source.clip.audioChannelCount = 1;
+    script_.source.audio.emplace();
+    script_.source.audio->formatID = aac;
+    script_.source.audio->sampleRate = 8000;
+    script_.source.audio->channelCount = 1;
     script_.onAppendVideo = [](std::int64_t index) {
         if (index == 7) throw FlowtideError::writerFailed("Failed to append video frame 7: disk");
     };
@@ -174,9 +174,9 @@ TEST_F(ExportEngineTest, ProgressRisesToOne) {
 }
 
 TEST_F(ExportEngineTest, UnwritableCodecFallsBackWithAWarning) {
-    script_.source.clip.videoCodecFourCC = fourCC("jpeg");
+    script_.source.video->codec = fourCC("jpeg");
     script_.probeOfOutput = [](ProbedMedia probe) {
-        probe.clip.videoCodecFourCC = fourCC("hvc1");
+        probe.video->codec = fourCC("hvc1");
         return probe;
     };
     EXPECT_EQ(run(request()), "");

@@ -79,9 +79,9 @@ TEST_F(ExportFormatsTest, EveryCodecInEveryContainerThatTakesIt) {
             const ImportedClip clip = make(name, recipe);
             const ImportedClip output = exported(clip);
             EXPECT_EQ(output.videoCodecType, codec);
-            EXPECT_EQ(output.videoBitDepth, depth);
-            EXPECT_EQ(output.videoIsFullRange, layout.fullRange);
-            EXPECT_EQ(output.videoColorProperties, recipe.color);
+            EXPECT_EQ(output.videoBitDepth(), depth);
+            EXPECT_EQ(output.videoIsFullRange(), layout.fullRange);
+            EXPECT_EQ(output.videoColorProperties(), recipe.color);
         }
     }
     const auto names = folder_.names();
@@ -104,7 +104,7 @@ TEST_F(ExportFormatsTest, ColorTagsSurviveOrStayAbsent) {
             recipe.layout = tenBit;
             recipe.frameCount = 4;
             recipe.color = color;
-            EXPECT_EQ(exported(make(name, recipe)).videoColorProperties, color) << name;
+            EXPECT_EQ(exported(make(name, recipe)).videoColorProperties(), color) << name;
         }
 }
 
@@ -137,8 +137,9 @@ TEST_F(ExportFormatsTest, WhatTheClipCarriesIsKept) {
             ASSERT_TRUE(one.metadata.masteringDisplay);
             EXPECT_NEAR(one.metadata.masteringDisplay->primaries[1][0], 0.265, 1e-4);
             EXPECT_NEAR(one.metadata.masteringDisplay->maximumLuminance, 1000, 1e-3);
-            EXPECT_EQ(one.displayMatrix, recipe.displayMatrix);
-            EXPECT_EQ(one.audioChannelLayout, "5.1");
+            EXPECT_EQ(one.video.displayMatrix, recipe.displayMatrix);
+            ASSERT_TRUE(one.audio);
+            EXPECT_EQ(one.audio->channelLayout, "5.1");
         }
     }
 }
@@ -166,8 +167,8 @@ TEST_F(ExportFormatsTest, QuickPreviewsFit720pAndFollowTheirTimeMap) {
     request.previewTimeMap = TimeMap({{0.4, 0}, {0.8, 0.8}}, {0.4, 0.8}, 0.8);
     ExportEngine(*backend_, [](std::string_view) {}).run(request, [](double) {});
     const ImportedClip preview = ImportedClip::load(*backend_, request.outputURL);
-    EXPECT_EQ(preview.encodedWidth, 1280);
-    EXPECT_EQ(preview.encodedHeight, 720);
+    EXPECT_EQ(preview.encodedWidth(), 1280);
+    EXPECT_EQ(preview.encodedHeight(), 720);
     const auto numbers = frameNumbers(*backend_, preview);
     ASSERT_EQ(numbers.size(), 20U);
     for (std::size_t i = 0; i < numbers.size(); ++i)
@@ -184,9 +185,9 @@ TEST_F(ExportFormatsTest, HighRateLinearPCM) {
     recipe.audioFormat = linearPCM;
     recipe.audioBitDepth = 24;
     const ImportedClip output = exported(make("in.mov", recipe));
-    EXPECT_EQ(output.audioSampleRate, 192'000);
-    EXPECT_EQ(output.audioChannelCount, 8);
-    EXPECT_EQ(output.audioBitDepth, 24);
+    EXPECT_EQ(output.audio->sampleRate, 192'000);
+    EXPECT_EQ(output.audio->channelCount, 8);
+    EXPECT_EQ(output.audio->bitDepth, 24);
 }
 
 } // namespace

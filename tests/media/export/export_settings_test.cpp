@@ -11,8 +11,8 @@ ImportedClip hevcClip() {
     ImportedClip clip;
     clip.videoCodecType = VideoCodec::hevc;
     clip.frameRate = 30;
-    clip.encodedWidth = clip.width = 1920;
-    clip.encodedHeight = clip.height = 1080;
+    clip.video.encodedWidth = clip.width = 1920;
+    clip.video.encodedHeight = clip.height = 1080;
     return clip;
 }
 
@@ -21,31 +21,31 @@ TEST(ExportSettings, BitRates) {
     EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 1), 3'110'400);
     EXPECT_EQ(transparentBitRate(clip, VideoCodec::h264, 1), 4'976'640);
     EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 606.0 / 1920), 1'000'000); // raised to the floor
-    clip.videoEstimatedDataRate = 500'000; // not above the threshold: not believed
+    clip.video.estimatedDataRate = 500'000; // not above the threshold: not believed
     EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 1), 3'110'400);
-    clip.videoEstimatedDataRate = 20'000'001;
+    clip.video.estimatedDataRate = 20'000'001;
     EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 0.5), 10'000'001);
-    clip.videoEstimatedDataRate = 600'000;
+    clip.video.estimatedDataRate = 600'000;
     EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 1), 1'000'000);
-    clip.videoEstimatedDataRate = 1e300;
+    clip.video.estimatedDataRate = 1e300;
     EXPECT_GT(transparentBitRate(clip, VideoCodec::hevc, 1), 0);
 }
 
 TEST(ExportSettings, DecodeLayoutFollowsCodecAndDepth) {
     ImportedClip clip = hevcClip();
     EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "420v");
-    clip.videoIsFullRange = true;
+    clip.video.isFullRange = true;
     EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "420f");
-    clip.videoBitDepth = 10;
+    clip.video.bitDepth = 10;
     EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "xf20");
     clip.videoCodecType = VideoCodec::proRes422LT;
     EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "xf22");
-    clip.videoIsFullRange = false;
+    clip.video.isFullRange = false;
     clip.videoCodecType = VideoCodec::proRes4444;
-    clip.videoBitDepth = 12;
+    clip.video.bitDepth = 12;
     EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "x444");
     clip.videoCodecType.reset();
-    clip.videoBitDepth = 8;
+    clip.video.bitDepth = 8;
     EXPECT_EQ(outputCodec(clip), VideoCodec::hevc);
     EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "420v");
 }
@@ -74,14 +74,14 @@ TEST(ExportSettings, IncompleteColorKeepsItsTagsAndInfersTheRest) {
 TEST(ExportSettings, AudioFollowsSourceAndContainer) {
     ImportedClip clip = hevcClip();
     EXPECT_EQ(expectedAudioFormatID(clip, FileType::quickTimeMovie), std::nullopt);
-    clip.hasAudio = true;
-    clip.audioSampleRate = 48'000;
-    clip.audioChannelCount = 2;
-    clip.audioFormatID = linearPCM;
-    clip.audioBitDepth = 8;
+    clip.audio.emplace();
+    clip.audio->sampleRate = 48'000;
+    clip.audio->channelCount = 2;
+    clip.audio->formatID = linearPCM;
+    clip.audio->bitDepth = 8;
     EXPECT_EQ(audioSettings(clip, FileType::quickTimeMovie).format, linearPCM);
     EXPECT_EQ(audioSettings(clip, FileType::quickTimeMovie).bitDepth, 24);
-    clip.audioBitDepth = 32;
+    clip.audio->bitDepth = 32;
     EXPECT_EQ(audioSettings(clip, FileType::quickTimeMovie).bitDepth, 32);
     EXPECT_EQ(audioSettings(clip, FileType::mpeg4).format, aac);
     const struct {
@@ -89,7 +89,7 @@ TEST(ExportSettings, AudioFollowsSourceAndContainer) {
         std::int64_t expected;
     } rates[] = {{500'000, 320'000}, {std::nullopt, 256'000}, {32'000, 64'000}, {128'000.4, 128'000}};
     for (const auto& [source, expected] : rates) {
-        clip.audioEstimatedDataRate = source;
+        clip.audio->estimatedDataRate = source;
         EXPECT_EQ(audioSettings(clip, FileType::mpeg4).bitRate, expected);
     }
 }

@@ -14,14 +14,14 @@ ImportedClip source() {
     clip.duration = 10;
     clip.frameRate = 30000.0 / 1001;
     clip.frameDuration = {1001, 30000};
-    clip.width = clip.encodedWidth = 1920;
-    clip.height = clip.encodedHeight = 1080;
+    clip.width = clip.video.encodedWidth = 1920;
+    clip.height = clip.video.encodedHeight = 1080;
     clip.videoCodecType = VideoCodec::h264;
-    clip.videoColorProperties = ColorProperties{"bt709", "bt709", "bt709"};
-    clip.hasAudio = true;
-    clip.audioSampleRate = 48'000;
-    clip.audioChannelCount = 2;
-    clip.audioFormatID = aac;
+    clip.video.colorProperties = ColorProperties{"bt709", "bt709", "bt709"};
+    clip.audio.emplace();
+    clip.audio->sampleRate = 48'000;
+    clip.audio->channelCount = 2;
+    clip.audio->formatID = aac;
     return clip;
 }
 
@@ -50,20 +50,19 @@ TEST(ExportValidation, EachMismatchHasItsText) {
     } cases[] = {
         {[](auto& c) { c.videoCodecType = VideoCodec::proRes422LT; },
          "video codec is Apple ProRes 422 LT, expected H.264"},
-        {[](auto& c) { c.encodedWidth = 1918; }, "encoded dimensions are 1918x1080, expected 1920x1080"},
+        {[](auto& c) { c.video.encodedWidth = 1918; }, "encoded dimensions are 1918x1080, expected 1920x1080"},
         {[](auto& c) { c.height = 1078; }, "display dimensions are 1920x1078, expected 1920x1080"},
         {[](auto& c) { c.preferredTransform.tx = 0.00001; }, "the orientation transform does not match the source"},
-        {[](auto& c) { c.videoBitDepth = 10; }, "video is 10-bit, expected 8"},
-        {[](auto& c) { c.videoIsFullRange = true; }, "video color range is full range, expected video range"},
-        {[](auto& c) { c.videoColorProperties->matrix = "bt2020nc"; }, "YCbCr matrix is bt2020nc, expected bt709"},
-        {[](auto& c) { c.videoColorProperties->primaries.reset(); }, "color primaries is unspecified, expected bt709"},
+        {[](auto& c) { c.video.bitDepth = 10; }, "video is 10-bit, expected 8"},
+        {[](auto& c) { c.video.isFullRange = true; }, "video color range is full range, expected video range"},
+        {[](auto& c) { c.video.colorProperties->matrix = "bt2020nc"; }, "YCbCr matrix is bt2020nc, expected bt709"},
+        {[](auto& c) { c.video.colorProperties->primaries.reset(); }, "color primaries is unspecified, expected bt709"},
         {[](auto& c) { c.duration = 10.04; }, "duration is 10.040s, expected 10.000s"},
-        {[](auto& c) { c.hasAudio = false; }, "the source audio track is missing"},
-        {[](auto& c) { c.audioFormatID = linearPCM; }, "audio format is Linear PCM, expected AAC"},
-        {[](auto& c) { c.audioFormatID = 0x01020304; }, "audio format is 0x01020304, expected AAC"},
-        {[](auto& c) { c.audioSampleRate.reset(); }, "audio sample rate is missing"},
-        {[](auto& c) { c.audioSampleRate = 44'100; }, "audio sample rate is 44100Hz, expected 48000"},
-        {[](auto& c) { c.audioChannelCount.reset(); }, "audio has unknown channels, expected 2"},
+        {[](auto& c) { c.audio.reset(); }, "the source audio track is missing"},
+        {[](auto& c) { c.audio->formatID = linearPCM; }, "audio format is Linear PCM, expected AAC"},
+        {[](auto& c) { c.audio->formatID = 0x01020304; }, "audio format is 0x01020304, expected AAC"},
+        {[](auto& c) { c.audio->sampleRate = 44'100; }, "audio sample rate is 44100Hz, expected 48000"},
+        {[](auto& c) { c.audio->channelCount = 1; }, "audio has 1 channels, expected 2"},
     };
     for (const auto& [change, text] : cases) {
         ImportedClip output = source();
@@ -75,7 +74,7 @@ TEST(ExportValidation, EachMismatchHasItsText) {
 TEST(ExportValidation, TolerancesAreAsStated) {
     ImportedClip output = source();
     output.duration = 10 + 1.1 * 1001 / 30000 - 1e-6;
-    output.audioSampleRate = 48'000.4;
+    output.audio->sampleRate = 48'000.4;
     output.frameRate += 0.009;
     EXPECT_EQ(failure(output), "");
     output = source();
@@ -87,23 +86,23 @@ TEST(ExportValidation, TolerancesAreAsStated) {
 
 TEST(ExportValidation, UntaggedAndPartlyTaggedSources) {
     ImportedClip clip = source();
-    clip.videoColorProperties = ColorProperties{{}, "bt709", {}};
+    clip.video.colorProperties = ColorProperties{{}, "bt709", {}};
     ImportedClip output = source();
-    output.videoColorProperties = ColorProperties{"smpte170m", "bt709", "smpte170m"};
+    output.video.colorProperties = ColorProperties{"smpte170m", "bt709", "smpte170m"};
     EXPECT_EQ(failure(output, clip), "");
-    clip.videoColorProperties.reset();
+    clip.video.colorProperties.reset();
     EXPECT_NE(validateOutput(output, clip, expectation()).details.find("Source color tags unspecified"),
               std::string::npos);
 }
 
 TEST(ExportValidation, PCMDepthAndAddedAudio) {
     ImportedClip clip = source();
-    clip.audioFormatID = linearPCM;
-    clip.audioBitDepth = 20;
+    clip.audio->formatID = linearPCM;
+    clip.audio->bitDepth = 20;
     ImportedClip output = clip;
-    output.audioBitDepth = 16;
+    output.audio->bitDepth = 16;
     EXPECT_EQ(failure(output, clip), wrapped("PCM audio is 16-bit, expected 24"));
-    clip.hasAudio = false;
+    clip.audio.reset();
     EXPECT_EQ(failure(output, clip), wrapped("an audio track was added even though the source has no audio"));
 }
 

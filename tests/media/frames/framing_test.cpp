@@ -297,7 +297,7 @@ TEST_F(FramingExportTest, CropAndZoomTogetherWithOddSizesAndCorners) {
     const ZoomChart chart;
     ExportRequest request;
     request.clip = makeStill("odd.mov", chart.frame(layouts[3], 853, 481), VideoCodec::proRes422, 12);
-    ASSERT_EQ(request.clip.encodedWidth, 853);
+    ASSERT_EQ(request.clip.encodedWidth(), 853);
     VerticalCropSettings crop;
     crop.aspectRatio = 0.8;
     crop.smoothing = 0;

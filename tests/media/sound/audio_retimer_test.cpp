@@ -12,11 +12,11 @@ namespace flowtide::test {
 namespace {
 
 ImportedClip clipWithSound(double duration, double rate, std::int64_t channels) {
-    ImportedClip clip = plainProbe().clip;
+    ImportedClip clip;
     clip.duration = duration;
-    clip.hasAudio = true;
-    clip.audioSampleRate = rate;
-    clip.audioChannelCount = channels;
+    clip.audio.emplace();
+    clip.audio->sampleRate = rate;
+    clip.audio->channelCount = channels;
     return clip;
 }
 
