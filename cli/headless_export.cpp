@@ -72,7 +72,7 @@ ExportRequest requestFor(const HeadlessExportJob& job, ImportedClip clip) {
     request.sourceRange = job.sourceRange;
     request.smoothing = job.smoothing;
     request.interpolation = job.interpolation;
-    request.opticalFlowRanges = job.opticalFlowRanges;
+    request.opticalFlowRanges = job.opticalFlowRanges.value_or(SourceRanges{});
     request.verticalCrop = job.verticalCrop;
     request.zoom = job.zoom;
     request.outputURL = job.output;

@@ -72,7 +72,7 @@ ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
     logSourceMatch(clip, log);
     logCrop(request, crop, log);
 
-    plan.opticalFlowRanges = OpticalFlowScope::normalized(request.opticalFlowRanges.value_or(SourceRanges{}), range);
+    plan.opticalFlowRanges = OpticalFlowScope::normalized(request.opticalFlowRanges, range);
     plan.interpolation = plan.opticalFlowRanges.empty() ? FrameInterpolation::nearest : request.interpolation;
     log(fmt::format("[Export] Frame rendering: {} · {} source ranges", displayName(plan.interpolation),
                     plan.opticalFlowRanges.size()));

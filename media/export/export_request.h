@@ -22,7 +22,7 @@ struct ExportRequest {
     std::optional<SourceRange> sourceRange; ///< absent: the whole clip
     double smoothing = 0.5;
     FrameInterpolation interpolation = FrameInterpolation::nearest;
-    std::optional<SourceRanges> opticalFlowRanges; ///< source seconds
+    SourceRanges opticalFlowRanges; ///< source seconds, in any order; in-between frames are made inside these alone
     std::optional<VerticalCropSettings> verticalCrop;
     std::optional<ZoomSettings> zoom;
     std::optional<TimeMap> previewTimeMap; ///< used instead of building one; its timing agrees with the whole clip's

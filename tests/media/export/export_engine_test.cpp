@@ -157,10 +157,10 @@ TEST_F(ExportEngineTest, DestinationsThatCannotBeReplacedAreRefused) {
 TEST_F(ExportEngineTest, OpticalFlowNeedsAnEffectiveRange) {
     ExportRequest wanted = request();
     wanted.interpolation = FrameInterpolation::opticalFlow;
-    wanted.opticalFlowRanges = SourceRanges{{3, 4}}; // behind the clip's end
+    wanted.opticalFlowRanges = {{3, 4}}; // behind the clip's end
     EXPECT_EQ(run(wanted), "");
     EXPECT_NE(log_.find("[Export] Frame rendering: Original Frames · 0 source ranges"), std::string::npos);
-    wanted.opticalFlowRanges = SourceRanges{{0.5, 1}};
+    wanted.opticalFlowRanges = {{0.5, 1}};
     log_.clear();
     EXPECT_EQ(run(wanted), "");
     EXPECT_NE(log_.find("[Export] Frame rendering: Optical Flow · 1 source ranges"), std::string::npos);
