@@ -1,13 +1,17 @@
-// A thread that waits for signals.
+// Waits for termination requests on a thread of its own, since hardly anything may be called from a signal handler.
 #include "cli/cancel_on_signal.h"
 
 #include <pthread.h>
 
+#include <array>
 #include <utility>
 
 namespace flowtide {
 
 namespace {
+
+/// What asks a process to end and leaves it the time to tidy up.
+constexpr std::array terminationRequests{SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
 // Ends the waiting thread; sent to it alone.
 constexpr int wakeUp = SIGUSR1;
@@ -22,7 +26,7 @@ bool isIgnored(int signal) {
 CancelOnSignal::CancelOnSignal(std::function<void()> cancel)
     : cancel_(std::move(cancel)) {
     sigemptyset(&requests_);
-    for (const int signal : {SIGINT, SIGTERM})
+    for (const int signal : terminationRequests)
         if (!isIgnored(signal)) sigaddset(&requests_, signal);
     sigset_t blocked = requests_;
     sigaddset(&blocked, wakeUp);

@@ -1,4 +1,4 @@
-// Ctrl-C and termination requests as a call.
+// Turns Ctrl-C, a closed terminal and termination requests into a call.
 #pragma once
 
 #include <signal.h>
@@ -9,9 +9,9 @@
 
 namespace flowtide {
 
-/// While it lives, the first SIGINT or SIGTERM calls a function (on a thread of its own) instead of ending the
-/// process, and a second one ends it. Signals that the process was started to ignore stay ignored. Made before any
-/// other thread starts, so that every thread inherits the blocked signals.
+/// While it lives, the first SIGINT, SIGTERM, SIGHUP or SIGQUIT calls a function (on a thread of its own) instead of
+/// ending the process, and a second one ends it. Signals that the process was started to ignore stay ignored. Made
+/// before any other thread starts, so that every thread inherits the blocked signals.
 class CancelOnSignal {
 public:
     explicit CancelOnSignal(std::function<void()> cancel);

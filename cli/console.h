@@ -11,7 +11,12 @@ struct Console {
     std::ostream& output;
     std::ostream& error;
 
-    void print(std::string_view line) const { output << line << '\n' << std::flush; }
+    /// Prints a line. Throws FlowtideError the first time that standard output does not take what it is given, so that
+    /// nobody takes a lost answer for a given one. A reader that goes away has read what it wanted: that is no failure.
+    void print(std::string_view line) const;
+    /// The same for a text that brings its own line feeds.
+    void printText(std::string_view text) const;
+    /// Prints a line on standard error. There is nowhere to say that it failed.
     void complain(std::string_view line) const { error << line << '\n' << std::flush; }
 };
 

@@ -1,12 +1,17 @@
-// The demo clip: an orbiting light over a drifting gradient, a tone that rises, a click at each half turn.
+// Makes the demo and its clip: an orbiting light over a drifting gradient, a tone that rises, a click at each half
+// turn.
 #include "cli/demo.h"
 
+#include "cli/cancel_on_signal.h"
+#include "cli/failure_sentence.h"
 #include "media/export/export_engine.h"
 #include "media/export/temporary_export.h"
+#include "media/flowtide_error.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <numbers>
 
@@ -107,7 +112,8 @@ std::vector<float> drawSound(int index) {
     return samples;
 }
 
-void makeDemoClip(const MediaBackend& backend, const std::filesystem::path& path) {
+void makeDemoClip(const MediaBackend& backend, const std::filesystem::path& path,
+                  const std::atomic<bool>& isCancelled) {
     TemporaryExport file(path);
     const auto writer = backend.createMovie(file, fileTypeForPath(path), {});
     VideoSettings video;
@@ -125,6 +131,7 @@ void makeDemoClip(const MediaBackend& backend, const std::filesystem::path& path
     writer->addAudio(audio);
     writer->start();
     for (int i = 0; i < frameCount; ++i) {
+        if (isCancelled) throw FlowtideError::exportCancelled();
         writer->appendVideo(drawFrame(i), i);
         writer->appendAudio(drawSound(i));
     }
@@ -138,26 +145,31 @@ void makeDemoClip(const MediaBackend& backend, const std::filesystem::path& path
 
 int runDemo(const std::filesystem::path& folder, const MediaBackend& backend, const Console& console) {
     try {
+        ExportEngine engine(backend, [](std::string_view) {});
+        std::atomic<bool> isCancelled = false;
+        const CancelOnSignal cancelOnSignal([&] {
+            isCancelled = true;
+            engine.cancel();
+        });
         std::filesystem::create_directories(folder);
         const auto source = folder / "demo.mov";
         const auto retimed = folder / "demo-retimed.mov";
-        makeDemoClip(backend, source);
+        makeDemoClip(backend, source, isCancelled);
+        console.print(
+            fmt::format("The clip, four seconds long, is at {}.", std::filesystem::absolute(source).string()));
         ExportRequest request;
         request.clip = ImportedClip::load(backend, source);
         for (const auto& [time, speed] : {std::pair{0.0, 1.0}, {1.5, 0.25}, {2.5, 0.25}, {4.0, 1.0}})
             request.keyframes.push_back({Uuid::random(), time, speed, SpeedKeyframeRole::curve});
         request.smoothing = 1;
         request.outputURL = retimed;
-        ExportEngine engine(backend, [](std::string_view) {});
         const ExportValidationReport report = engine.run(request, [](double) {});
-        console.print(
-            fmt::format("The clip, four seconds long, is at {}.", std::filesystem::absolute(source).string()));
         console.print(fmt::format("The export, which slows down to a quarter of the speed and back, is at {}.",
                                   std::filesystem::absolute(retimed).string()));
         console.print(fmt::format("It was verified against the clip: {}.", report.summary));
         return 0;
     } catch (const std::exception& error) {
-        console.complain(fmt::format("The demo failed: {}", error.what()));
+        console.complain("The demo failed: " + sentenceFor(error));
         return 1;
     }
 }

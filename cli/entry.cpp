@@ -1,9 +1,10 @@
-// The entry.
+// Decides from the words alone what a run of the program is.
 #include "cli/entry.h"
 
 #include "cli/demo.h"
 #include "cli/headless_export.h"
 #include "cli/help.h"
+#include "media/flowtide_error.h"
 
 #include <fmt/format.h>
 
@@ -11,6 +12,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace flowtide::FlowtideMain {
 
@@ -31,6 +33,16 @@ std::optional<std::string> firstOption(const HeadlessExport::Arguments& argument
     return option == arguments.end() ? std::nullopt : std::optional(*option);
 }
 
+int answer(std::string_view text, const Console& console) {
+    try {
+        console.printText(text);
+        return 0;
+    } catch (const FlowtideError& error) {
+        console.complain(error.what());
+        return 1;
+    }
+}
+
 int startWindow(const Console& console) {
     if (hasDisplay())
         console.complain("This version of Loftwell Video has no window yet. Use --headless-export; --help tells how.");
@@ -47,14 +59,8 @@ int main(const HeadlessExport::Arguments& arguments, const MediaBackend& backend
         return std::find(arguments.begin(), arguments.end(), word) != arguments.end();
     };
     if (has("--headless-export") || has("--headless-proxy")) return HeadlessExport::run(arguments, backend, console);
-    if (has("--help") || has("-h")) {
-        console.output << helpText << std::flush;
-        return 0;
-    }
-    if (has("--version")) {
-        console.print(fmt::format("Loftwell Video {} (Flowtide)", FLOWTIDE_VERSION));
-        return 0;
-    }
+    if (has("--help") || has("-h")) return answer(helpText, console);
+    if (has("--version")) return answer(fmt::format("Loftwell Video {} (Flowtide)\n", FLOWTIDE_VERSION), console);
     if (const auto option = firstOption(arguments)) {
         console.complain(fmt::format("Unknown option {}. See --help.", *option));
         return 1;

@@ -4,6 +4,7 @@
 #include "cli/cancel_on_signal.h"
 #include "cli/decimal.h"
 #include "cli/export_job.h"
+#include "cli/failure_sentence.h"
 #include "cli/progress_bar.h"
 #include "cli/run_display.h"
 #include "core/curve_engine.h"
@@ -107,7 +108,11 @@ void runAsync(const Arguments& arguments, const MediaBackend& backend, const Con
     const ExportValidationReport report =
         engine.run(request, [&display](double fraction) { display.progress(fraction); });
     display.hideBar();
-    display.print("[Headless] Done — verified " + report.summary);
+    try {
+        display.print("[Headless] Done — verified " + report.summary);
+    } catch (const FlowtideError& error) {
+        throw FlowtideError::outputFailed(fmt::format("The export is in place, but: {}", error.what()));
+    }
 }
 
 void runProxyAsync(const Arguments& arguments) {
@@ -124,7 +129,7 @@ int run(const Arguments& arguments, const MediaBackend& backend, const Console& 
             runAsync(arguments, backend, console);
         return 0;
     } catch (const std::exception& error) {
-        console.complain(fmt::format("[Headless] Export failed: {}", error.what()));
+        console.complain("[Headless] Export failed: " + sentenceFor(error));
         return 1;
     }
 }

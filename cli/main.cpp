@@ -1,5 +1,6 @@
-// The program.
+// The program's start: joins the command line and the FFmpeg backend, and catches what nothing else has.
 #include "cli/entry.h"
+#include "cli/failure_sentence.h"
 #include "media/ffmpeg/ffmpeg_backend.h"
 
 #include <csignal>
@@ -7,14 +8,16 @@
 #include <iostream>
 
 int main(int argc, char** argv) {
-    // A reader of our output that goes away must not end an export.
+    // A reader of our output that goes away must not end an export, and a file that may not grow any further is a
+    // write's failure, which has a sentence and tidies up.
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
     try {
         const auto backend = flowtide::makeFFmpegBackend();
         const flowtide::HeadlessExport::Arguments arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
         return flowtide::FlowtideMain::main(arguments, *backend, {std::cout, std::cerr});
     } catch (const std::exception& error) {
-        std::cerr << "Loftwell Video ended unexpectedly: " << error.what() << '\n';
+        std::cerr << "Loftwell Video ended unexpectedly: " << flowtide::sentenceFor(error) << '\n';
     } catch (...) {
         std::cerr << "Loftwell Video ended unexpectedly.\n";
     }

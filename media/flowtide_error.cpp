@@ -31,5 +31,8 @@ FlowtideError FlowtideError::exportCancelled() {
 FlowtideError FlowtideError::invalidArgument(const std::string& sentence) {
     return {Case::invalidArgument, sentence};
 }
+FlowtideError FlowtideError::outputFailed(const std::string& sentence) {
+    return {Case::outputFailed, sentence};
+}
 
 } // namespace flowtide

@@ -19,6 +19,7 @@ public:
         noAudioTrack,
         exportCancelled,
         invalidArgument, ///< the command line; described by its bare sentence
+        outputFailed,    ///< standard output; likewise
     };
 
     static FlowtideError readerFailed(const std::string& message);
@@ -31,6 +32,7 @@ public:
     static FlowtideError noAudioTrack();
     static FlowtideError exportCancelled();
     static FlowtideError invalidArgument(const std::string& sentence);
+    static FlowtideError outputFailed(const std::string& sentence);
 
     Case kind() const { return case_; }
 

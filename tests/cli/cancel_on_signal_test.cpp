@@ -1,10 +1,12 @@
-// Signals as cancellation.
+// Which signals cancel, which end the process, and what is left as it was.
 #include "cli/cancel_on_signal.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <future>
 
 namespace flowtide {
@@ -12,7 +14,7 @@ namespace {
 
 TEST(CancelOnSignalDeathTest, FirstCancelsSecondEndsTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
-    for (const int signal : {SIGINT, SIGTERM}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         EXPECT_EXIT(
             {
                 std::promise<void> cancelled;
@@ -35,6 +37,22 @@ TEST(CancelOnSignal, StrayWakeUpsDoNotStopIt) {
     cancelled.get_future().wait();
 }
 
+TEST(CancelOnSignalDeathTest, IgnoredSignalsStayIgnored) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            ::signal(SIGHUP, SIG_IGN); // as nohup does
+            std::promise<void> cancelled;
+            {
+                const CancelOnSignal cancelOnSignal([&] { cancelled.set_value(); });
+                ::kill(::getpid(), SIGHUP);
+            }
+            const bool heard = cancelled.get_future().wait_for(std::chrono::seconds(0)) == std::future_status::ready;
+            std::exit(heard ? 1 : 0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 TEST(CancelOnSignal, EndsWithoutASignalAndRestoresTheMask) {
     sigset_t before;
     pthread_sigmask(SIG_SETMASK, nullptr, &before);
@@ -43,7 +61,7 @@ TEST(CancelOnSignal, EndsWithoutASignalAndRestoresTheMask) {
     }
     sigset_t after;
     pthread_sigmask(SIG_SETMASK, nullptr, &after);
-    for (const int signal : {SIGINT, SIGTERM, SIGUSR1})
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGUSR1})
         EXPECT_EQ(sigismember(&after, signal), sigismember(&before, signal)) << signal;
 }
 

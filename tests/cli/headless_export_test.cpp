@@ -6,10 +6,34 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <new>
 #include <sstream>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
 
 namespace flowtide::test {
 namespace {
+
+/// Takes what it is given until a text occurs in it; then it fails, with a cause.
+class FailingBuffer : public std::stringbuf {
+public:
+    FailingBuffer(std::string last, int cause)
+        : last_(std::move(last))
+        , cause_(cause) {}
+
+protected:
+    int sync() override {
+        if (str().find(last_) == std::string::npos) return 0;
+        errno = cause_;
+        return -1;
+    }
+
+private:
+    std::string last_;
+    int cause_;
+};
 
 class HeadlessExportTest : public testing::Test {
 protected:
@@ -18,12 +42,14 @@ protected:
         script_.source = plainProbe();
     }
 
-    int run(HeadlessExport::Arguments arguments) {
+    int run(HeadlessExport::Arguments arguments) { return runInto(output_, std::move(arguments)); }
+
+    int runInto(std::ostream& output, HeadlessExport::Arguments arguments) {
         for (auto& argument : arguments)
             if (argument.ends_with(".mov")) argument = (folder_ / argument.c_str()).string();
         output_.str("");
         error_.str("");
-        return FlowtideMain::main(arguments, ScriptedBackend(script_), {output_, error_});
+        return FlowtideMain::main(arguments, ScriptedBackend(script_), {output, error_});
     }
 
     TemporaryFolder folder_;
@@ -96,6 +122,48 @@ TEST_F(HeadlessExportTest, EveryFailureIsOneLine) {
     EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov"}), 1);
     EXPECT_EQ(error_.str(), "[Headless] Export failed: Asset reader failed: Video decode failed mid-file\n");
     EXPECT_EQ(folder_.names(), std::vector<std::string>{"in.mov"});
+}
+
+TEST_F(HeadlessExportTest, ALineThatCannotBePrintedEndsTheRunUnlessItsReaderHasGone) {
+    const HeadlessExport::Arguments arguments = {"--headless-export", "in.mov", "out.mov"};
+    const std::string full = "Standard output could not be written: No space left on device (error 28)\n";
+    const struct {
+        const char* line;
+        int cause;
+        int status;
+        std::string error;
+        bool isInPlace;
+    } cases[] = {
+        {"[Headless] Curve", ENOSPC, 1, "[Headless] Export failed: " + full, false},
+        {"[Export] Verification passed", ENOSPC, 1, "[Headless] Export failed: " + full, false},
+        {"[Headless] Done", ENOSPC, 1, "[Headless] Export failed: The export is in place, but: " + full, true},
+        {"[Headless] Curve", EPIPE, 0, "", true},
+    };
+    for (const auto& [line, cause, status, error, isInPlace] : cases) {
+        SCOPED_TRACE(line);
+        std::filesystem::remove(folder_ / "out.mov");
+        FailingBuffer buffer(line, cause);
+        std::ostream output(&buffer);
+        EXPECT_EQ(runInto(output, arguments), status);
+        EXPECT_EQ(error_.str(), error);
+        EXPECT_EQ(folder_.names(),
+                  isInPlace ? std::vector<std::string>({"in.mov", "out.mov"}) : std::vector<std::string>({"in.mov"}));
+    }
+}
+
+TEST_F(HeadlessExportTest, WhatTheLibraryThrowsReadsAsASentence) {
+    const std::pair<std::function<void()>, const char*> cases[] = {
+        {[] { throw std::bad_alloc(); }, "There is not enough memory."},
+        {[] { throw std::length_error("vector::_M_default_append"); }, "There is not enough memory."},
+        {[] { throw std::system_error(EAGAIN, std::generic_category()); },
+         "The system refused what the run needs: Resource temporarily unavailable (error 11)"},
+    };
+    for (const auto& [fail, sentence] : cases) {
+        script_.onAppendVideo = [&](std::int64_t) { fail(); };
+        EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov"}), 1);
+        EXPECT_EQ(error_.str(), "[Headless] Export failed: " + std::string(sentence) + "\n");
+        EXPECT_EQ(folder_.names(), std::vector<std::string>{"in.mov"});
+    }
 }
 
 TEST_F(HeadlessExportTest, WordsOutsideHeadlessRuns) {

@@ -4,6 +4,7 @@
 #include "tests/support/program.h"
 #include "tests/support/temporary_folder.h"
 
+#include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <utility>
 
 namespace flowtide::test {
 namespace {
@@ -119,8 +121,11 @@ TEST_F(ProgramTest, ReadOnlyFolder) {
 
 TEST_F(ProgramTest, SignalsCancelAndLeaveNothing) {
     writeFile(folder_ / "out.mov", "old take");
-    for (const int signal : {SIGINT, SIGTERM}) {
-        RunningProgram program({"--headless-export", in(), path("out.mov"), "0:0.01,99:0.01"});
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+        SCOPED_TRACE(signal);
+        // Whoever runs the tests may have them ignore some.
+        RunningProgram program({"--headless-export", in(), path("out.mov"), "0:0.01,99:0.01"},
+                               [signal] { ::signal(signal, SIG_DFL); });
         ASSERT_TRUE(program.waitForOutput("[Export] Rendering"));
         ::kill(program.pid(), signal);
         const ProgramResult result = program.wait();
@@ -128,6 +133,19 @@ TEST_F(ProgramTest, SignalsCancelAndLeaveNothing) {
         EXPECT_EQ(result.standardError, "[Headless] Export failed: Export was cancelled.\n");
         EXPECT_EQ(folder_.names(), (std::vector<std::string>{"in.mov", "out.mov"}));
         EXPECT_EQ(readFile(folder_ / "out.mov"), "old take");
+    }
+}
+
+TEST_F(ProgramTest, StandardOutputThatTakesNothingIsAFailure) {
+    const auto intoFullDevice = [] { ::dup2(::open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO); };
+    const std::string sentence = "Standard output could not be written: No space left on device (error 28)";
+    expectRefused({"--headless-export", in(), path("out.mov")}, sentence, intoFullDevice);
+    const std::pair<std::vector<std::string>, std::string> others[] = {
+        {{"--help"}, ""}, {{"--version"}, ""}, {{"demo", path("demo")}, "The demo failed: "}};
+    for (const auto& [arguments, prefix] : others) {
+        const ProgramResult result = runProgram(arguments, intoFullDevice);
+        EXPECT_EQ(result.status, 1) << arguments.front();
+        EXPECT_EQ(result.standardError, prefix + sentence + "\n");
     }
 }
 
