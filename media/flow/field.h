@@ -1,4 +1,5 @@
-// A rectangular array of values, one for each pixel of a level; kernels may read and write a vector past its end.
+// Two-dimensional arrays for what estimation knows of each pixel, with slack at their end: kernels may read and write a
+// whole vector past the last value.
 #pragma once
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 
 namespace flowtide::flow {
 
+/// A rectangle of values, row after row without gaps.
 template <typename Value>
 class Field {
 public:

@@ -1,4 +1,4 @@
-// Confidence-weighted pull and push.
+// The order of the levels in pull-push, and their memory.
 #include "media/flow/flow_fill.h"
 
 #include <algorithm>
@@ -63,7 +63,7 @@ void FlowFill::fill(const MotionView& flow, const GrayImage& from, const GrayIma
     });
     result.resize(flow.width, flow.height);
     workers.run((flow.height + tileSize - 1) / tileSize, [&](int tile) {
-        kernels.restoreGood(flow, from.view(), to.view(), filled_.row(0), result.row(0), tile, tile + 1);
+        kernels.restoreMatched(flow, from.view(), to.view(), filled_.row(0), result.row(0), tile, tile + 1);
     });
 }
 

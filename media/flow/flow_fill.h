@@ -1,4 +1,4 @@
-// Filling of vectors that cannot be trusted.
+// Filling of vectors that the consistency check does not trust, such as those of what the other frame hides.
 #pragma once
 
 #include "media/flow/field.h"
@@ -10,8 +10,9 @@
 
 namespace flowtide::flow {
 
-/// Replaces vectors of low confidence by what surrounds them, likely luma counting more; found vectors that fit the
-/// images far better than the filling stay. Keeps its memory from one field to the next.
+/// Pull-push interpolation of scattered data (Gortler, Grzeszczuk, Szeliski and Cohen, "The Lumigraph", 1996), weighted
+/// by confidence; its push is a joint bilateral upsampling guided by luma (Kopf, Cohen, Lischinski and Uyttendaele,
+/// 2007). Vectors that match the images far better than the filling stay. Keeps its memory from one field to the next.
 class FlowFill {
 public:
     FlowFill();

@@ -1,4 +1,4 @@
-// Matching both ways, consistency, filling.
+// The order of the steps, and the threshold of a cut.
 #include "media/flow/flow_pair.h"
 
 #include <numeric>
@@ -25,7 +25,7 @@ void FlowEstimator::estimate(std::shared_ptr<const Pyramid> first, std::shared_p
     pair.first = std::move(first);
     pair.second = std::move(second);
     patchFlow_.estimate(*pair.first, *pair.second, kernels_, workers_, pair.forward.motion, pair.backward.motion);
-    judge(pair);
+    checkConsistency(pair);
     const double confidence = (meanConfidence(pair.forward.confidence) + meanConfidence(pair.backward.confidence)) / 2;
     pair.isCut = confidence < cutConfidence;
     if (pair.isCut) return;
@@ -33,7 +33,7 @@ void FlowEstimator::estimate(std::shared_ptr<const Pyramid> first, std::shared_p
     fill(pair.backward, *pair.second, *pair.first);
 }
 
-void FlowEstimator::judge(FlowPair& pair) {
+void FlowEstimator::checkConsistency(FlowPair& pair) {
     for (DirectedFlow* flow : {&pair.forward, &pair.backward}) {
         flow->confidence.resize(flow->motion.width(), flow->motion.height());
         flow->visibility.resize(flow->motion.width(), flow->motion.height());
@@ -41,8 +41,8 @@ void FlowEstimator::judge(FlowPair& pair) {
     const MotionView forward = pair.forward.view();
     const MotionView backward = pair.backward.view();
     workers_.runBands(forward.height, [&](int begin, int end) {
-        kernels_.judge(forward, backward.motion, begin, end);
-        kernels_.judge(backward, forward.motion, begin, end);
+        kernels_.checkConsistency(forward, backward.motion, begin, end);
+        kernels_.checkConsistency(backward, forward.motion, begin, end);
     });
 }
 

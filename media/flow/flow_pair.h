@@ -1,4 +1,4 @@
-// The motion between two frames, both ways, with how far it can be trusted.
+// The optical flow between two frames, both ways, with its confidence, and whether they are a cut.
 #pragma once
 
 #include "media/flow/field.h"
@@ -35,7 +35,8 @@ struct FlowPair {
     bool isCut = false;    ///< the frames show different scenes
 };
 
-/// Estimates the motion of pairs of one size; keeps its memory from one pair to the next.
+/// Estimates the flow of pairs of one size: patch matching, the forward-backward consistency check, filling, and a shot
+/// boundary where hardly any vector is consistent. Keeps its memory from one pair to the next.
 class FlowEstimator {
 public:
     FlowEstimator(const Kernels& kernels, WorkerPool& workers)
@@ -46,7 +47,7 @@ public:
     void estimate(std::shared_ptr<const Pyramid> first, std::shared_ptr<const Pyramid> second, FlowPair& pair);
 
 private:
-    void judge(FlowPair& pair);
+    void checkConsistency(FlowPair& pair);
     void fill(DirectedFlow& flow, const Pyramid& from, const Pyramid& to);
 
     const Kernels& kernels_;

@@ -1,4 +1,4 @@
-// The choice of in-between frames.
+// The one place that knows the interpolators' types.
 #include "media/flow/frame_renderer.h"
 
 #include "media/flow/optical_flow_interpolator.h"

@@ -1,4 +1,4 @@
-// Chooses what makes the frames between two source frames.
+// The factory of frame interpolators: what the rest of the media layer asks for in-between frames.
 #pragma once
 
 #include "media/frames/frame_interpolation.h"

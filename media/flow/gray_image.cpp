@@ -1,4 +1,4 @@
-// Luma pyramids.
+// Reading luma from frames of any depth, edge padding, and halving.
 #include "media/flow/gray_image.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Pair caching and the cases that need no motion.
+// Which pairs and pyramids are kept for the next frame, and the frames that need no motion: ends, still pairs, cuts.
 #include "media/flow/optical_flow_interpolator.h"
 
 #include "media/flow/phase_field.h"
@@ -19,7 +19,7 @@ constexpr double samePhase = 0.000001; // nearer to a frame than this, the frame
 constexpr std::size_t pairsKept = 3; // one, and those on both sides
 constexpr std::size_t framesKept = 2;
 
-/// Frames that come and go at another pace tell nothing of how motion bends.
+/// Second differences need three frames at equal intervals.
 bool evenlySpaced(double one, double other) {
     return std::abs(one - other) < 0.1 * other;
 }
@@ -56,7 +56,7 @@ struct OpticalFlowInterpolator::CurrentPair {
     std::shared_ptr<KnownPair> pair;
     std::optional<SourceSeconds> timeBefore;
     std::optional<SourceSeconds> timeAfter;
-    std::optional<flow::Bend> bend;
+    std::optional<flow::PairAcceleration> accelerations;
 };
 
 OpticalFlowInterpolator::OpticalFlowInterpolator(int width, int height, PixelLayout layout,
@@ -79,7 +79,7 @@ VideoFrame OpticalFlowInterpolator::render(const FramePair& frames, SourceSecond
     KnownPair& pair = *current_->pair;
     if (pair.isStill) return first;
     if (pair.flow.isCut) return phase < 0.5 ? first : second;
-    flow::PhaseField& field = phases_.at(pair.flow, current_->bend, phase);
+    flow::PhaseField& field = phases_.at(pair.flow, current_->accelerations, phase);
     return flow::warped(first, second, field, phase, pool_, kernels_, workers_);
 }
 
@@ -103,8 +103,8 @@ void OpticalFlowInterpolator::moveTo(const FramePair& frames) {
         after = pairOf(frames.second, *frames.after);
     const flow::FlowPair& flow = current->pair->flow;
     if (current->pair->moves() && before && before->moves() && after && after->moves())
-        current->bend = {acceleration(flow.forward, before->flow.backward),
-                         acceleration(flow.backward, after->flow.forward)};
+        current->accelerations = {acceleration(flow.forward, before->flow.backward),
+                                  acceleration(flow.backward, after->flow.forward)};
     current->timeBefore = timeOf(frames.before);
     current->timeAfter = timeOf(frames.after);
     current_ = std::move(current);

@@ -1,4 +1,4 @@
-// The walk from the coarsest level to the finest, both ways at once.
+// The levels of patches from the coarsest to the finest, both directions side by side, and their memory.
 #include "media/flow/patch_flow.h"
 
 #include <algorithm>
@@ -35,8 +35,9 @@ public:
         const std::size_t size = static_cast<std::size_t>(patches.stride) * static_cast<std::size_t>(patches.rows + 3);
         memory_.resize(planes * size);
         float* next = memory_.data();
-        for (float** plane : {&patches.x, &patches.y, &nextX_, &nextY_, &patches.luma, &patches.slopeX, &patches.slopeY,
-                              &patches.slopeAtX, &patches.slopeAtY, &patches.xx, &patches.xy, &patches.yy})
+        for (float** plane :
+             {&patches.x, &patches.y, &nextX_, &nextY_, &patches.luma, &patches.gradientX, &patches.gradientY,
+              &patches.gradientAtX, &patches.gradientAtY, &patches.xx, &patches.xy, &patches.yy})
             *plane = std::exchange(next, next + size);
         std::fill_n(patches.x, 4 * size, 0.0F);
         std::fill_n(patches.luma, size, noLuma);
@@ -54,7 +55,7 @@ public:
     }
     void sweepBandAt(const Kernels& kernels, int band) {
         const int end = std::min((band + 1) * searchBand, rows());
-        kernels.refreshSlopes(search_, band * searchBand, end);
+        kernels.refreshGradients(search_, band * searchBand, end);
         kernels.sweepPatches(search_.patches, nextX_, nextY_, band * searchBand, end);
     }
     void endSweep() {
@@ -132,12 +133,12 @@ void PatchFlow::estimate(const std::vector<GrayImage>& first, const std::vector<
     const int cells = finest[0].rows() - 1;
     const int bands = bandsOf(cells, densifyBand);
     const std::size_t scratch = densifyScratchSize(finest[0].search().patches.columns);
-    votes_.resize(static_cast<std::size_t>(2 * bands) * scratch);
+    weightedSums_.resize(static_cast<std::size_t>(2 * bands) * scratch);
     workers.run(2 * bands, [&](int task) {
         Field<MotionVector>& result = *results[static_cast<std::size_t>(task % 2)];
         const int band = task / 2;
         kernels.densify(finest[static_cast<std::size_t>(task % 2)].search(),
-                        votes_.data() + static_cast<std::size_t>(task) * scratch, result.row(0), result.width(),
+                        weightedSums_.data() + static_cast<std::size_t>(task) * scratch, result.row(0), result.width(),
                         band * densifyBand, std::min((band + 1) * densifyBand, cells));
     });
 }

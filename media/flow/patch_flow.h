@@ -1,4 +1,4 @@
-// Dense motion between two luma pyramids, by matching overlapping patches from coarse to fine.
+// Dense optical flow between two luma pyramids, by matching overlapping patches from coarse to fine.
 #pragma once
 
 #include "media/flow/field.h"
@@ -10,7 +10,10 @@
 
 namespace flowtide::flow {
 
-/// Finds the motion between images of one size; keeps its memory from one pair to the next.
+/// Dense inverse search (Kroeger, Timofte, Dai and Van Gool, "Fast Optical Flow using Dense Inverse Search", 2016) with
+/// what it leaves out: candidates are propagated between neighbouring patches (Barnes, Shechtman, Finkelstein and
+/// Goldman, "PatchMatch", 2009) and the patches' displacements are regularised on each level before the next one
+/// starts. Keeps its memory from one pair to the next.
 class PatchFlow {
 public:
     PatchFlow();
@@ -27,7 +30,7 @@ private:
     struct LevelPair;
 
     std::vector<LevelPair> levels_; ///< finest first
-    std::vector<float> votes_;
+    std::vector<float> weightedSums_;
 };
 
 } // namespace flowtide::flow

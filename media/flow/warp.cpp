@@ -1,4 +1,4 @@
-// The planes of an in-between frame.
+// Hands each plane to the warping kernel, with the siting of its samples.
 #include "media/flow/warp.h"
 
 namespace flowtide::flow {

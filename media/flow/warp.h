@@ -1,4 +1,4 @@
-// Draws an in-between frame.
+// Drawing of an in-between frame from both frames and the flow at its phase.
 #pragma once
 
 #include "media/flow/phase_field.h"
@@ -7,7 +7,8 @@
 
 namespace flowtide::flow {
 
-/// Blends both frames, each moved along the field to the phase, in every plane and in the frames' own bit depth.
+/// Backward warping of both frames along the field to the phase, and their blend, in every plane and in the frames' own
+/// bit depth.
 VideoFrame warped(const VideoFrame& first, const VideoFrame& second, PhaseField& field, double phase, FramePool& pool,
                   const Kernels& kernels, WorkerPool& workers);
 

@@ -1,4 +1,4 @@
-// Judging a field of motion by the way back, and filling what can't be trusted.
+// The forward-backward consistency check, and pull-push filling of what it does not trust.
 #include "media/flow/kernels/kernel_sets.h"
 #include "media/flow/kernels/sampling.h"
 #include "media/flow/kernels/tile_error.h"
@@ -7,12 +7,12 @@ namespace flowtide::flow::FLOWTIDE_LANES {
 
 namespace {
 
-constexpr float smallestWeight = 1e-4F;
-constexpr float unlikeness = 0.01F; // of a parent's weight, by squared luma difference
-constexpr float goodError = 3;      // mean luma codes; a vector with less is worth keeping …
-constexpr float muchWorse = 3;      // … if the filling's error is more than this many times as large, and 1
+constexpr float leastKnown = 1e-4F;
+constexpr float lumaFalloff = 0.01F;  // of a parent's weight, by squared luma difference
+constexpr float wellMatchedError = 3; // mean luma codes; a vector with less is kept …
+constexpr float worseFactor = 3;      // … if the filling's error is more than this many times as large, and 1
 
-void judge(const MotionView& flow, const MotionVector* back, int begin, int end) {
+void checkConsistency(const MotionView& flow, const MotionVector* back, int begin, int end) {
     const int right = flow.width > 1 ? 4 : 0; // bytes to the neighbouring vectors
     const int below = flow.height > 1 ? 4 * flow.width : 0;
     const int farX = (flow.width - 1) * motionUnits;
@@ -20,15 +20,15 @@ void judge(const MotionView& flow, const MotionVector* back, int begin, int end)
     for (int y = begin; y < end; ++y)
         for (int x = 0; x < flow.width; x += 8) {
             const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(y) * flow.width + x;
-            const int count = least(8, flow.width - x);
+            const int count = min(8, flow.width - x);
             const Motion8 motion = loadMotion(flow.motion + at);
             const Int8 tx = (laneNumbers() + x) * motionUnits + motion.x;
             const Int8 ty = y * motionUnits + motion.y;
             const Int8 inside = (tx >= 0) & (ty >= 0) & (tx <= farX) & (ty <= farY);
-            const Int8 ix = between(tx >> 6, Int8{}, Int8{} + greatest(flow.width - 2, 0));
-            const Int8 iy = between(ty >> 6, Int8{}, Int8{} + greatest(flow.height - 2, 0));
-            const Int8 fx = between(tx - ix * motionUnits, Int8{}, Int8{} + motionUnits);
-            const Int8 fy = between(ty - iy * motionUnits, Int8{}, Int8{} + motionUnits);
+            const Int8 ix = clamp(tx >> 6, Int8{}, Int8{} + max(flow.width - 2, 0));
+            const Int8 iy = clamp(ty >> 6, Int8{}, Int8{} + max(flow.height - 2, 0));
+            const Int8 fx = clamp(tx - ix * motionUnits, Int8{}, Int8{} + motionUnits);
+            const Int8 fy = clamp(ty - iy * motionUnits, Int8{}, Int8{} + motionUnits);
             const Int8 offset = (iy * flow.width + ix) * 4;
             const auto* bytes = reinterpret_cast<const std::uint8_t*>(back);
             const Motion8 a = unpacked(gathered(bytes, offset));
@@ -47,15 +47,15 @@ void judge(const MotionView& flow, const MotionVector* back, int begin, int end)
             const Float8 mismatch = missX * missX + missY * missY;
             const Float8 stretch = 1 + 0.02F * (vx * vx + vy * vy);
             // exp(-mismatch / (0.5 + …)), nearly.
-            Float8 confidence = greatest(1 - mismatch / (4.0F * stretch), Float8{});
+            Float8 confidence = max(1 - mismatch / (4.0F * stretch), Float8{});
             confidence *= confidence;
             confidence *= confidence;
             confidence *= confidence;
             const Float8 tolerance = 2 + 0.02F * (vx * vx + vy * vy);
-            const Float8 likely = least(tolerance / greatest(mismatch, Float8{} + 1e-6F), Float8{} + 1.0F);
+            const Float8 visibility = min(tolerance / max(mismatch, Float8{} + 1e-6F), Float8{} + 1.0F);
             const Int8 zero{};
             storeBytes(flow.confidence + at, inside ? toInt(confidence * 255 + 0.5F) : zero, count);
-            storeBytes(flow.visibility + at, inside ? toInt(likely * likely * 255 + 0.5F) : zero, count);
+            storeBytes(flow.visibility + at, inside ? toInt(visibility * visibility * 255 + 0.5F) : zero, count);
         }
 }
 
@@ -87,14 +87,14 @@ void storePulled(const Contribution& upper, const Contribution& lower, const Fil
     const Float4 known = pairSums(upper.known + lower.known);
     store(coarse.x + at, pairSums(upper.x + lower.x) / known);
     store(coarse.y + at, pairSums(upper.y + lower.y) / known);
-    store(coarse.known + at, least(known, Float4{} + 1.0F));
+    store(coarse.known + at, min(known, Float4{} + 1.0F));
     store(coarse.luma + at, pairSums(upper.luma + lower.luma) * 0.25F);
 }
 
 void pullMotion(const MotionView& flow, const ImageView& image, const FillPlanes& coarse, int begin, int end) {
     const auto row = [&](int x, int y) {
         // Past the last column the last one counts again, as it does for an odd width.
-        const Int8 columns = between(laneNumbers() + x, Int8{}, Int8{} + (flow.width - 1));
+        const Int8 columns = clamp(laneNumbers() + x, Int8{}, Int8{} + (flow.width - 1));
         const std::ptrdiff_t line = static_cast<std::ptrdiff_t>(y) * flow.width;
         const bool whole = x + 8 <= flow.width;
         const Motion8 motion =
@@ -103,13 +103,13 @@ void pullMotion(const MotionView& flow, const ImageView& image, const FillPlanes
             whole ? loadBytes(flow.confidence + line + x) : gathered(flow.confidence + line, columns) & 255;
         const Int8 luma = whole ? loadBytes(image.origin + y * image.stride + x)
                                 : gathered(image.origin + y * image.stride, columns) & 255;
-        const Float8 known = confidence >= trusted
+        const Float8 known = confidence >= trustedConfidence
                                  ? Float8{} + 1.0F
-                                 : greatest(toFloat(confidence) * (1.0F / 255), Float8{} + smallestWeight);
+                                 : max(toFloat(confidence) * (1.0F / 255), Float8{} + leastKnown);
         return Contribution{known * toFloat(motion.x), known * toFloat(motion.y), known, toFloat(luma)};
     };
     for (int y = begin; y < end; ++y) {
-        const int lower = least(2 * y + 1, flow.height - 1);
+        const int lower = min(2 * y + 1, flow.height - 1);
         for (int x = 0; x < coarse.width; x += 4)
             storePulled(row(2 * x, 2 * y), row(2 * x, lower), coarse, y * coarse.stride + x);
         padRow(coarse, y);
@@ -124,22 +124,22 @@ void pull(const FillPlanes& fine, const FillPlanes& coarse, int begin, int end) 
                             load<Float8>(fine.luma + at)};
     };
     for (int y = begin; y < end; ++y) {
-        const int lower = least(2 * y + 1, fine.height - 1);
+        const int lower = min(2 * y + 1, fine.height - 1);
         for (int x = 0; x < coarse.width; x += 4)
             storePulled(row(2 * x, 2 * y), row(2 * x, lower), coarse, y * coarse.stride + x);
         padRow(coarse, y);
     }
 }
 
-/// What the four coarse pixels around each of eight fine ones say.
-struct Pushed {
+/// The weighted mean of the four coarse pixels around each of eight fine ones.
+struct Interpolated {
     Float8 x;
     Float8 y;
 };
-Pushed pushed(const FillPlanes& coarse, int x, int y, Float8 luma) {
+Interpolated interpolated(const FillPlanes& coarse, int x, int y, Float8 luma) {
     const int nearRow = y / 2;
-    const int farRow = between(y % 2 ? nearRow + 1 : nearRow - 1, 0, coarse.height - 1);
-    Pushed sum{};
+    const int farRow = clamp(y % 2 ? nearRow + 1 : nearRow - 1, 0, coarse.height - 1);
+    Interpolated sum{};
     Float8 weights{};
     for (int n = 0; n < 2; ++n) {
         const std::ptrdiff_t at = (n == 0 ? nearRow : farRow) * coarse.stride + x / 2 - 1;
@@ -148,8 +148,8 @@ Pushed pushed(const FillPlanes& coarse, int x, int y, Float8 luma) {
         const auto other = load<Float8>(coarse.luma + at);
         const float vertical = n == 0 ? 0.75F : 0.25F;
         const auto add = [&](Float8 px, Float8 py, Float8 parentLuma, float horizontal) {
-            const Float8 apart = parentLuma - luma;
-            const Float8 weight = vertical * horizontal / (1 + unlikeness * apart * apart);
+            const Float8 gap = parentLuma - luma;
+            const Float8 weight = vertical * horizontal / (1 + lumaFalloff * gap * gap);
             sum.x += weight * px;
             sum.y += weight * py;
             weights += weight;
@@ -169,7 +169,7 @@ void push(const FillPlanes& fine, const FillPlanes& coarse, int begin, int end) 
         for (int x = 0; x < fine.width; x += 8) {
             const std::ptrdiff_t at = y * fine.stride + x;
             const auto known = load<Float8>(fine.known + at);
-            const Pushed from = pushed(coarse, x, y, load<Float8>(fine.luma + at));
+            const Interpolated from = interpolated(coarse, x, y, load<Float8>(fine.luma + at));
             const auto vx = load<Float8>(fine.x + at);
             const auto vy = load<Float8>(fine.y + at);
             store(fine.x + at, from.x + known * (vx - from.x));
@@ -184,34 +184,35 @@ void pushMotion(const MotionView& flow, const ImageView& image, const FillPlanes
     for (int y = begin; y < end; ++y)
         for (int x = 0; x < flow.width; x += 8) {
             const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(y) * flow.width + x;
-            const int count = least(8, flow.width - x);
+            const int count = min(8, flow.width - x);
             const Motion8 motion = loadMotion(flow.motion + at);
             const Int8 confidence = loadBytes(flow.confidence + at);
-            const Int8 unsure = (confidence < trusted) & (laneNumbers() < count);
-            if (!any(unsure)) {
+            const Int8 untrusted = (confidence < trustedConfidence) & (laneNumbers() < count);
+            if (!any(untrusted)) {
                 storeFirst(filled + at, packed(motion), count);
                 continue;
             }
-            const Pushed from = pushed(coarse, x, y, toFloat(loadBytes(image.origin + y * image.stride + x)));
-            const Float8 known = greatest(toFloat(confidence) * (1.0F / 255), Float8{} + smallestWeight);
+            const Interpolated from =
+                interpolated(coarse, x, y, toFloat(loadBytes(image.origin + y * image.stride + x)));
+            const Float8 known = max(toFloat(confidence) * (1.0F / 255), Float8{} + leastKnown);
             constexpr int lift = 32768; // makes truncation round
             const Int8 vx = toInt(from.x + known * (toFloat(motion.x) - from.x) + (lift + 0.5F)) - lift;
             const Int8 vy = toInt(from.y + known * (toFloat(motion.y) - from.y) + (lift + 0.5F)) - lift;
-            storeFirst(filled + at, packed({unsure ? vx : motion.x, unsure ? vy : motion.y}), count);
+            storeFirst(filled + at, packed({untrusted ? vx : motion.x, untrusted ? vy : motion.y}), count);
         }
 }
 
 /// Whether any vector of a tile may be put back.
-bool hasUnsure(const MotionView& flow, const MotionVector* filled, int left, int top) {
-    const int right = least(left + tileSize, flow.width);
-    const int bottom = least(top + tileSize, flow.height);
+bool hasUntrusted(const MotionView& flow, const MotionVector* filled, int left, int top) {
+    const int right = min(left + tileSize, flow.width);
+    const int bottom = min(top + tileSize, flow.height);
     for (int y = top; y < bottom; ++y) {
         const std::ptrdiff_t line = static_cast<std::ptrdiff_t>(y) * flow.width;
         for (int x = left; x < right; ++x) {
-            if (flow.confidence[line + x] >= trusted) continue;
-            const int apartX = flow.motion[line + x].x - filled[line + x].x;
-            const int apartY = flow.motion[line + x].y - filled[line + x].y;
-            if (apartX * apartX + apartY * apartY > motionUnits * motionUnits / 4) return true;
+            if (flow.confidence[line + x] >= trustedConfidence) continue;
+            const int differenceX = flow.motion[line + x].x - filled[line + x].x;
+            const int differenceY = flow.motion[line + x].y - filled[line + x].y;
+            if (differenceX * differenceX + differenceY * differenceY > motionUnits * motionUnits / 4) return true;
         }
     }
     return false;
@@ -231,25 +232,25 @@ void matchingError(const MotionView& flow, const MotionVector* motion, const Ima
     tileMeans(values, means);
 }
 
-void restoreGood(const MotionView& flow, const ImageView& from, const ImageView& to, const MotionVector* filled,
-                 MotionVector* result, int beginTile, int endTile) {
-    const int end = least(endTile * tileSize, flow.height);
+void restoreMatched(const MotionView& flow, const ImageView& from, const ImageView& to, const MotionVector* filled,
+                    MotionVector* result, int beginTile, int endTile) {
+    const int end = min(endTile * tileSize, flow.height);
     for (int top = beginTile * tileSize; top < end; top += tileSize) {
-        const int bottom = least(top + tileSize, flow.height);
+        const int bottom = min(top + tileSize, flow.height);
         const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(top) * flow.width;
         std::memcpy(result + start, filled + start,
                     static_cast<std::size_t>(bottom - top) * static_cast<std::size_t>(flow.width) *
                         sizeof(MotionVector));
         for (int left = 0; left < flow.width; left += tileSize) {
-            if (!hasUnsure(flow, filled, left, top)) continue;
+            if (!hasUntrusted(flow, filled, left, top)) continue;
             TileMeans found;
             TileMeans fill;
             matchingError(flow, flow.motion, from, to, left, top, found);
             matchingError(flow, filled, from, to, left, top, fill);
             for (int y = top; y < bottom; ++y)
-                for (int x = left; x < least(left + tileSize, flow.width); ++x) {
+                for (int x = left; x < min(left + tileSize, flow.width); ++x) {
                     const float error = found.at[y - top][x - left];
-                    if (error >= goodError || fill.at[y - top][x - left] <= muchWorse * error + 1) continue;
+                    if (error >= wellMatchedError || fill.at[y - top][x - left] <= worseFactor * error + 1) continue;
                     const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(y) * flow.width + x;
                     result[at] = flow.motion[at];
                 }
@@ -260,12 +261,12 @@ void restoreGood(const MotionView& flow, const ImageView& from, const ImageView&
 } // namespace
 
 void addFieldKernels(Kernels& kernels) {
-    kernels.judge = judge;
+    kernels.checkConsistency = checkConsistency;
     kernels.pullMotion = pullMotion;
     kernels.pull = pull;
     kernels.push = push;
     kernels.pushMotion = pushMotion;
-    kernels.restoreGood = restoreGood;
+    kernels.restoreMatched = restoreMatched;
 }
 
 } // namespace flowtide::flow::FLOWTIDE_LANES

@@ -1,4 +1,4 @@
-// What each kernel file adds to a set of kernels, once for every set of instructions.
+// The functions by which each kernel file enters its kernels in a table, once for every set of instructions.
 #pragma once
 
 #include "media/flow/kernels/kernels.h"

@@ -1,4 +1,4 @@
-// The choice of kernels for the machine.
+// The tables of kernels, one for each set of instructions that was compiled, and the choice for the machine.
 #include "media/flow/kernels/kernels.h"
 
 #include "media/flow/kernels/kernel_sets.h"

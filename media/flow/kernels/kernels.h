@@ -11,7 +11,6 @@ namespace flowtide::flow {
 struct MotionVector {
     std::int16_t x;
     std::int16_t y;
-    friend bool operator==(const MotionVector&, const MotionVector&) = default;
 };
 constexpr int motionUnits = 64;
 
@@ -33,12 +32,12 @@ struct PatchPlanes {
     std::ptrdiff_t stride;
     float* x; ///< displacement, in the level's pixels
     float* y;
-    float* luma;   ///< at the patch's centre; far from any luma on the border
-    float* slopeX; ///< gradient of the mismatch at (slopeAtX, slopeAtY)
-    float* slopeY;
-    float* slopeAtX;
-    float* slopeAtY;
-    float* xx; ///< curvature of the mismatch
+    float* luma;      ///< at the patch's centre; far from any luma on the border
+    float* gradientX; ///< half of the gradient of the ZSSD at the displacement (gradientAtX, gradientAtY)
+    float* gradientY;
+    float* gradientAtX;
+    float* gradientAtY;
+    float* xx; ///< the damped Gauss–Newton Hessian of the ZSSD
     float* xy;
     float* yy;
 };
@@ -85,8 +84,8 @@ struct FillPlanes {
     float* luma;
 };
 
-/// One in fixed point, for phases and shares.
-constexpr int shareUnits = 1 << 14;
+/// 1 in fixed point, for phases and blend weights.
+constexpr int fractionUnits = 1 << 14;
 
 /// One direction's motion brought to a phase: rows follow each other without gaps.
 struct Projection {
@@ -98,7 +97,7 @@ struct Projection {
 struct PhaseImages {
     ImageView first;
     ImageView second;
-    int phase; ///< in shareUnits
+    int phase; ///< in fractionUnits
 };
 
 /// For each half-resolution pixel of an in-between frame: rows follow each other without gaps, with room for a vector
@@ -106,9 +105,9 @@ struct PhaseImages {
 struct PhasePlanes {
     int width;
     int height;
-    MotionVector* motion;      ///< from the first frame to the second, through the pixel
-    const MotionVector* shift; ///< by which both places lie beside the straight line; absent: nowhere
-    std::int16_t* secondShare; ///< how much of the pixel the second frame gives, in shareUnits
+    MotionVector* motion;       ///< from the first frame to the second, through the pixel
+    const MotionVector* shift;  ///< by which both places lie beside the straight line; absent: nowhere
+    std::int16_t* secondWeight; ///< how much of the pixel the second frame gives, in fractionUnits
 };
 
 /// A plane of samples of one or two bytes.
@@ -139,27 +138,34 @@ constexpr std::size_t warpScratchSize(int fieldWidth) {
 }
 
 /// Confidence from which a vector is never filled over.
-constexpr int trusted = 230;
+constexpr int trustedConfidence = 230;
 /// Side of the squares that are looked at as a whole where two motions disagree.
 constexpr int tileSize = 16;
 
 struct Kernels {
-    /// Finds and refines the displacements of the rows of patches from `begin`, a multiple of searchBand, to `end`.
+    /// Finds the displacements of the rows of patches from `begin`, a multiple of searchBand, to `end`: predictive
+    /// search by the sum of absolute differences (exhaustive on the coarsest level), then inverse-compositional
+    /// alignment (Baker and Matthews, "Lucas–Kanade 20 Years On", 2004) of the zero-mean patch, so that brightness may
+    /// change.
     void (*searchPatches)(const PatchSearch& search, int begin, int end);
-    /// Measures the slopes of patches anew that have moved since.
-    void (*refreshSlopes)(const PatchSearch& search, int begin, int end);
-    /// Moves each patch to the balance of its own match and what its neighbours, weighted by likeness, do.
+    /// Measures the gradients of patches anew that have moved since.
+    void (*refreshGradients)(const PatchSearch& search, int begin, int end);
+    /// A Jacobi iteration of the regularised matching (Horn and Schunck, "Determining Optical Flow", 1981): each patch
+    /// moves to the balance of its own match and its neighbours' mean. Neighbours count by the Lorentzian influence of
+    /// their difference (Black and Anandan, "The Robust Estimation of Multiple Motions", 1996) and by likeness of luma.
     void (*sweepPatches)(const PatchPlanes& patches, float* nextX, float* nextY, int begin, int end);
-    /// The displacement of every pixel in rows 4·begin to 4·end: the mean of its four patches, those that fit the pixel
-    /// best counting most.
-    /// `scratch`: densifyScratchSize() floats.
+    /// The displacement of every pixel in rows 4·begin to 4·end: the mean of its four patches, each weighted by one
+    /// over its squared difference at the pixel, 1 at most (as in dense inverse search). `scratch`:
+    /// densifyScratchSize() floats.
     void (*densify)(const PatchSearch& search, float* scratch, MotionVector* motion, std::ptrdiff_t stride, int begin,
                     int end);
 
-    /// Confidence and visibility of rows `begin` to `end`, by following each vector and coming back with the other
-    /// field.
-    void (*judge)(const MotionView& flow, const MotionVector* back, int begin, int end);
-    /// Averages the vectors and the luma of 2 × 2 pixels, weighted by confidence, into rows of the first fill level.
+    /// Confidence and visibility of rows `begin` to `end` by the forward-backward consistency check, with a tolerance
+    /// that grows with the motion (Sundaram, Brox and Keutzer, "Dense Point Trajectories by GPU-accelerated Large
+    /// Displacement Optical Flow", 2010).
+    void (*checkConsistency)(const MotionView& flow, const MotionVector* back, int begin, int end);
+    /// Pull-push: averages the vectors of 2 × 2 pixels, weighted by confidence, and their luma into rows of the first
+    /// fill level.
     void (*pullMotion)(const MotionView& flow, const ImageView& image, const FillPlanes& coarse, int begin, int end);
     /// The same from one fill level to the next.
     void (*pull)(const FillPlanes& fine, const FillPlanes& coarse, int begin, int end);
@@ -169,23 +175,27 @@ struct Kernels {
     void (*pushMotion)(const MotionView& flow, const ImageView& image, const FillPlanes& coarse, MotionVector* filled,
                        int begin, int end);
     /// Rows of tiles of the filled motion, but a found vector where the filled one fits the images far worse.
-    void (*restoreGood)(const MotionView& flow, const ImageView& from, const ImageView& to, const MotionVector* filled,
-                        MotionVector* result, int beginTile, int endTile);
+    void (*restoreMatched)(const MotionView& flow, const ImageView& from, const ImageView& to,
+                           const MotionVector* filled, MotionVector* result, int beginTile, int endTile);
 
-    /// Carries each vector along `share` (in shareUnits) of its motion to the cells that it falls between; the most
-    /// trusted, then the nearest, stays. `reversed`: the flow is that of the second frame. `cells` are zero before.
-    void (*splat)(const MotionView& flow, int share, bool reversed, std::uint64_t* cells);
-    /// Reads rows of cells; a hole takes its row's nearest neighbour.
-    void (*resolve)(const std::uint64_t* cells, int width, const Projection& result, int begin, int end);
-    /// The mean of both projections where they agree, elsewhere the one that the images agree on, in rows of tiles.
-    void (*choose)(const PhaseImages& images, const Projection& one, const Projection& other, int width, int height,
-                   MotionVector* result, int beginTile, int endTile);
-    /// The median of each pixel and its four neighbours, for both components.
+    /// Forward splatting: carries each vector along its motion to a phase (in fractionUnits), into the four cells
+    /// around; the most confident, then the nearest, stays. `reversed`: the flow is that of the second frame. `cells`
+    /// are zero before.
+    void (*splat)(const MotionView& flow, int phase, bool reversed, std::uint64_t* cells);
+    /// Reads rows of cells; a hole takes the vector of its row's nearest cell.
+    void (*resolveSplat)(const std::uint64_t* cells, int width, const Projection& result, int begin, int end);
+    /// The mean of both projections where they agree, elsewhere the one with the better photo-consistency (the smaller
+    /// mean difference of both images), in rows of tiles.
+    void (*fuseProjections)(const PhaseImages& images, const Projection& one, const Projection& other, int width,
+                            int height, MotionVector* result, int beginTile, int endTile);
+    /// The median of each pixel and its four neighbours, for both components: removes outliers.
     void (*crossMedian)(const MotionVector* motion, int width, int height, MotionVector* result, int begin, int end);
-    /// How much each frame gives: less where a pixel of it is likely to be hidden in the other.
-    void (*shares)(const PhaseImages& images, const MotionView& forward, const MotionView& backward,
-                   const PhasePlanes& field, int begin, int end);
-    /// Draws rows of a plane: bicubic samples of both frames, blended. `scratch`: warpScratchSize() values.
+    /// Visibility-weighted blending (as in Jiang et al., "Super SloMo", 2018): each frame counts by its nearness and,
+    /// as far as both differ, by how likely its pixel is seen in the other.
+    void (*blendWeights)(const PhaseImages& images, const MotionView& forward, const MotionView& backward,
+                         const PhasePlanes& field, int begin, int end);
+    /// Draws rows of a plane: backward warping of both frames by cubic convolution (Keys, 1981; Catmull–Rom, a = -1/2),
+    /// blended. `scratch`: warpScratchSize() values.
     void (*warp)(const PlaneWarp& warp, float* scratch, int begin, int end);
 };
 

@@ -42,16 +42,16 @@ inline void store(void* to, Vector value) {
 
 // The standard library's templates would be shared with code for other machines.
 template <typename Value>
-inline Value least(Value a, Value b) {
+inline Value min(Value a, Value b) {
     return a < b ? a : b;
 }
 template <typename Value>
-inline Value greatest(Value a, Value b) {
+inline Value max(Value a, Value b) {
     return a > b ? a : b;
 }
 template <typename Value>
-inline Value between(Value value, Value low, Value high) {
-    return least(greatest(value, low), high);
+inline Value clamp(Value value, Value low, Value high) {
+    return min(max(value, low), high);
 }
 
 inline Float8 toFloat(Int8 value) {
@@ -62,7 +62,7 @@ inline Int8 toInt(Float8 value) {
     return __builtin_convertvector(value, Int8);
 }
 inline Float8 absolute(Float8 value) {
-    return greatest(value, -value);
+    return max(value, -value);
 }
 
 // What the compilers make of plain conversions is several times slower where there is one instruction for it.
@@ -90,13 +90,6 @@ inline Int8 toInt(Byte8 bytes) {
 inline Int8 toInt(Short8 values) {
 #if defined(__AVX2__)
     return reinterpret_cast<Int8>(_mm256_cvtepi16_epi32(reinterpret_cast<__m128i>(values)));
-#else
-    return __builtin_convertvector(values, Int8);
-#endif
-}
-inline Int8 toInt(Word8 values) {
-#if defined(__AVX2__)
-    return reinterpret_cast<Int8>(_mm256_cvtepu16_epi32(reinterpret_cast<__m128i>(values)));
 #else
     return __builtin_convertvector(values, Int8);
 #endif

@@ -1,4 +1,4 @@
-// Patch matching: candidate search, sub-pixel refinement, sweeps.
+// Patch matching on one level: candidate search, sub-pixel alignment, regularisation.
 #include "media/flow/kernels/kernel_sets.h"
 #include "media/flow/kernels/patch_place.h"
 #include "media/flow/kernels/sampling.h"
@@ -8,16 +8,16 @@ namespace flowtide::flow::FLOWTIDE_LANES {
 namespace {
 
 constexpr int patchPixels = patchSize * patchSize;
-constexpr int coarsestReach = 6;      // pixels, each way
-constexpr int coarsestMotionCost = 4; // SAD a pixel of motion
-constexpr float strangerCost = 16;    // SAD, for any candidate but the prediction …
-constexpr float strangerSlope = 16;   // … and for each pixel that it differs from it
-constexpr float strangerReach = 8;
+constexpr int coarsestReach = 6;            // pixels, each way
+constexpr int coarsestMotionCost = 4;       // SAD a pixel of motion
+constexpr float deviationCost = 16;         // SAD, for any candidate but the prediction …
+constexpr float deviationCostPerPixel = 16; // … and for each pixel that it differs from it
+constexpr float deviationLimit = 8;
 constexpr int refinementSteps = 3;
 constexpr float damping = 0.2F * patchPixels;
 constexpr float longestStep = 2; // pixels; a longer refinement is a failed one
 constexpr float priorWeight = 2000;
-constexpr float linearReach = 0.15F; // pixels that a patch may move before its slope has to be measured anew
+constexpr float linearReach = 0.15F; // pixels that a patch may move before its gradient has to be measured anew
 
 /// Four times the patch at a sub-pixel place, bilinear; entry k holds its rows k and k + 4.
 struct Samples {
@@ -49,14 +49,14 @@ inline Samples sampled(const SubPixelPlace& place, std::ptrdiff_t stride) {
     return result;
 }
 
-/// How bad a match is, and which way is down; for the patches' means made equal.
+/// The zero-mean sum of squared differences (ZSSD) of a match and half of its gradient by the displacement.
 struct Residual {
     float squared;
     float alongX;
     float alongY;
 };
 
-/// The part of a patch's matching that does not depend on where it is looked for.
+/// The template of inverse-compositional alignment: what does not depend on where it is looked for.
 class Template {
 public:
     Template(const ImageView& image, int left, int top) {
@@ -108,7 +108,7 @@ public:
                 (static_cast<float>(all[1]) - sum * meanX_) / 8, (static_cast<float>(all[2]) - sum * meanY_) / 8};
     }
 
-    float xx;
+    float xx; ///< Gauss–Newton Hessian, damped (Levenberg)
     float xy;
     float yy;
 
@@ -158,7 +158,7 @@ private:
     Byte16 rows_[patchSize / 2];
 };
 
-/// Finds one patch.
+/// Matches one patch.
 class PatchMatch {
 public:
     PatchMatch(const PatchSearch& search, int i, int j)
@@ -222,12 +222,13 @@ public:
             alignas(32) float penalties[8];
             const Float8 distance =
                 absolute(load<Float8>(x + first) - prediction.x) + absolute(load<Float8>(y + first) - prediction.y);
-            const Float8 penalty = strangerCost + strangerSlope * between(distance, Float8{}, Float8{} + strangerReach);
+            const Float8 penalty =
+                deviationCost + deviationCostPerPixel * clamp(distance, Float8{}, Float8{} + deviationLimit);
             store(penalties, penalty);
-            // Most are out of the question already.
-            unsigned worthy = bits((penalty < least) & (laneNumbers() < count - first));
-            for (; worthy != 0; worthy &= worthy - 1) {
-                const int lane = __builtin_ctz(worthy);
+            // The penalties alone rule most out.
+            unsigned eligible = bits((penalty < least) & (laneNumbers() < count - first));
+            for (; eligible != 0; eligible &= eligible - 1) {
+                const int lane = __builtin_ctz(eligible);
                 if (penalties[lane] >= least) continue;
                 const Motion motion{x[first + lane], y[first + lane]};
                 const float cost = static_cast<float>(knownDifference(motion)) + penalties[lane];
@@ -239,7 +240,7 @@ public:
         return best;
     }
 
-    /// Refines a whole-pixel match and records what the sweeps need.
+    /// Aligns a whole-pixel match to fractions of a pixel and records what regularisation needs.
     void refine(Motion start) {
         const Template patch(search_.from, left_, top_);
         const float determinant = patch.xx * patch.yy - patch.xy * patch.xy;
@@ -250,9 +251,9 @@ public:
             const Motion down{(patch.yy * here.alongX - patch.xy * here.alongY) / determinant,
                               (patch.xx * here.alongY - patch.xy * here.alongX) / determinant};
             const Motion moved{measured.x - down.x, measured.y - down.y};
-            const float strayX = moved.x - start.x;
-            const float strayY = moved.y - start.y;
-            if (!(strayX * strayX + strayY * strayY <= longestStep * longestStep)) break;
+            const float fromStartX = moved.x - start.x;
+            const float fromStartY = moved.y - start.y;
+            if (!(fromStartX * fromStartX + fromStartY * fromStartY <= longestStep * longestStep)) break;
             motion = moved;
             if (down.x * down.x + down.y * down.y < linearReach * linearReach) break;
             const Residual there = residual(patch, moved);
@@ -267,25 +268,25 @@ public:
         const std::ptrdiff_t at = (j_ + 1) * patches.stride + i_ + 1;
         patches.x[at] = motion.x;
         patches.y[at] = motion.y;
-        recordSlope(measured, here);
+        recordGradient(measured, here);
         patches.xx[at] = patch.xx;
         patches.xy[at] = patch.xy;
         patches.yy[at] = patch.yy;
-        patches.luma[at] = *pixelAt(search_.from, between(patchStride * i_, 0, search_.from.width - 1),
-                                    between(patchStride * j_, 0, search_.from.height - 1));
+        patches.luma[at] = *pixelAt(search_.from, clamp(patchStride * i_, 0, search_.from.width - 1),
+                                    clamp(patchStride * j_, 0, search_.from.height - 1));
     }
 
-    /// Measures the slope anew where the sweeps have moved the patch.
-    void refresh(Motion motion) { recordSlope(motion, residual(Template(search_.from, left_, top_), motion)); }
+    /// Measures the gradient anew where the sweeps have moved the patch.
+    void refresh(Motion motion) { recordGradient(motion, residual(Template(search_.from, left_, top_), motion)); }
 
 private:
-    void recordSlope(Motion motion, const Residual& here) {
+    void recordGradient(Motion motion, const Residual& here) {
         const PatchPlanes& patches = search_.patches;
         const std::ptrdiff_t at = (j_ + 1) * patches.stride + i_ + 1;
-        patches.slopeAtX[at] = motion.x;
-        patches.slopeAtY[at] = motion.y;
-        patches.slopeX[at] = here.alongX;
-        patches.slopeY[at] = here.alongY;
+        patches.gradientAtX[at] = motion.x;
+        patches.gradientAtY[at] = motion.y;
+        patches.gradientX[at] = here.alongX;
+        patches.gradientY[at] = here.alongY;
     }
 
     int difference(int dx, int dy) const {
@@ -328,14 +329,14 @@ void searchPatches(const PatchSearch& search, int begin, int end) {
         }
 }
 
-void refreshSlopes(const PatchSearch& search, int begin, int end) {
+void refreshGradients(const PatchSearch& search, int begin, int end) {
     const PatchPlanes& patches = search.patches;
     for (int j = begin; j < end; ++j)
         for (int i = 0; i < patches.columns; ++i) {
             const std::ptrdiff_t at = (j + 1) * patches.stride + i + 1;
-            const float apartX = patches.x[at] - patches.slopeAtX[at];
-            const float apartY = patches.y[at] - patches.slopeAtY[at];
-            if (apartX * apartX + apartY * apartY <= linearReach * linearReach) continue;
+            const float differenceX = patches.x[at] - patches.gradientAtX[at];
+            const float differenceY = patches.y[at] - patches.gradientAtY[at];
+            if (differenceX * differenceX + differenceY * differenceY <= linearReach * linearReach) continue;
             PatchMatch(search, i, j).refresh({patches.x[at], patches.y[at]});
         }
 }
@@ -356,23 +357,25 @@ void sweepPatches(const PatchPlanes& patches, float* nextX, float* nextY, int be
                 const auto otherX = load<Float8>(patches.x + at + beside);
                 const auto otherY = load<Float8>(patches.y + at + beside);
                 const auto otherLuma = load<Float8>(patches.luma + at + beside);
-                const Float8 apartX = otherX - x;
-                const Float8 apartY = otherY - y;
-                const Float8 weight =
-                    1 / ((1 + (apartX * apartX + apartY * apartY) * 0.25F) * (1 + 0.03F * absolute(otherLuma - luma)));
+                const Float8 differenceX = otherX - x;
+                const Float8 differenceY = otherY - y;
+                const Float8 weight = 1 / ((1 + (differenceX * differenceX + differenceY * differenceY) * 0.25F) *
+                                           (1 + 0.03F * absolute(otherLuma - luma)));
                 sumX += weight * otherX;
                 sumY += weight * otherY;
                 weights += weight;
             }
-            const Float8 apartX = x - load<Float8>(patches.slopeAtX + at);
-            const Float8 apartY = y - load<Float8>(patches.slopeAtY + at);
+            const Float8 differenceX = x - load<Float8>(patches.gradientAtX + at);
+            const Float8 differenceY = y - load<Float8>(patches.gradientAtY + at);
             const auto patchXX = load<Float8>(patches.xx + at);
             const auto patchXY = load<Float8>(patches.xy + at);
             const auto patchYY = load<Float8>(patches.yy + at);
             const Float8 xx = patchXX + priorWeight;
             const Float8 yy = patchYY + priorWeight;
-            const Float8 alongX = load<Float8>(patches.slopeX + at) + (patchXX - damping) * apartX + patchXY * apartY;
-            const Float8 alongY = load<Float8>(patches.slopeY + at) + patchXY * apartX + (patchYY - damping) * apartY;
+            const Float8 alongX =
+                load<Float8>(patches.gradientX + at) + (patchXX - damping) * differenceX + patchXY * differenceY;
+            const Float8 alongY =
+                load<Float8>(patches.gradientY + at) + patchXY * differenceX + (patchYY - damping) * differenceY;
             const Float8 gx = priorWeight * (sumX / weights - x) - alongX;
             const Float8 gy = priorWeight * (sumY / weights - y) - alongY;
             const Float8 determinant = xx * yy - patchXY * patchXY;
@@ -388,7 +391,7 @@ void sweepPatches(const PatchPlanes& patches, float* nextX, float* nextY, int be
 
 void addPatchKernels(Kernels& kernels) {
     kernels.searchPatches = searchPatches;
-    kernels.refreshSlopes = refreshSlopes;
+    kernels.refreshGradients = refreshGradients;
     kernels.sweepPatches = sweepPatches;
 }
 

@@ -1,4 +1,4 @@
-// Where a patch lies when it has moved.
+// Sub-pixel positions of displaced patches, kept inside an image's padding.
 #pragma once
 
 #include "media/flow/kernels/kernels.h"
@@ -17,10 +17,10 @@ inline int rounded(float value) {
 
 /// Keeps a patch, and the pixel that interpolation needs beside it, inside the padding.
 inline int insideX(const ImageView& image, int x) {
-    return between(x, -ImageView::padding, image.width + ImageView::padding - patchSize - 1);
+    return clamp(x, -ImageView::padding, image.width + ImageView::padding - patchSize - 1);
 }
 inline int insideY(const ImageView& image, int y) {
-    return between(y, -ImageView::padding, image.height + ImageView::padding - patchSize - 1);
+    return clamp(y, -ImageView::padding, image.height + ImageView::padding - patchSize - 1);
 }
 inline const std::uint8_t* pixelAt(const ImageView& image, int x, int y) {
     return image.origin + y * image.stride + x;

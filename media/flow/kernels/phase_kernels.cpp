@@ -1,4 +1,4 @@
-// Projection of both flows to a phase, choice between them, occlusion.
+// Forward splatting of both flows to a phase, their fusion, and blend weights by occlusion.
 #include "media/flow/kernels/kernel_sets.h"
 #include "media/flow/kernels/sampling.h"
 #include "media/flow/kernels/tile_error.h"
@@ -7,15 +7,15 @@ namespace flowtide::flow::FLOWTIDE_LANES {
 
 namespace {
 
-constexpr float doubtCost = 2;          // luma codes that no confidence at all costs a candidate
+constexpr float lowConfidenceCost = 2;  // luma codes that no confidence at all costs a candidate
 constexpr int sameMotion = motionUnits; // nearer candidates are averaged
 constexpr float leastWeight = 0.1F;
 constexpr float outsideWeight = 0.001F;
 constexpr float photometricHalf = 10; // luma codes at which occlusion counts by a quarter
 
-/// A share of a vector, rounded.
-inline Int8 scaled(Int8 units, int share) {
-    return (units * share + shareUnits / 2) >> 14;
+/// A vector's component times a phase, rounded.
+inline Int8 scaled(Int8 units, int phase) {
+    return (units * phase + fractionUnits / 2) >> 14;
 }
 
 // A cell, from the highest bits down: confidence and nearness of what landed there, plus one; the packed vector.
@@ -26,7 +26,7 @@ using Long4 = std::int64_t __attribute__((vector_size(32)));
 
 /// Keeps the greater of four cells and four values.
 inline void keepGreater(std::uint64_t* cells, Long4 values) {
-    store(cells, greatest(load<Long4>(cells), values));
+    store(cells, max(load<Long4>(cells), values));
 }
 
 /// What eight neighbouring vectors bring to one corner each, where the corners lie side by side too.
@@ -36,16 +36,16 @@ inline void keepGreater(std::uint64_t* cells, Int8 ranks, Int8 vectors) {
                 reinterpret_cast<Long4>(__builtin_shufflevector(vectors, ranks, 4, 12, 5, 13, 6, 14, 7, 15)));
 }
 
-void splat(const MotionView& flow, int share, bool reversed, std::uint64_t* cells) {
+void splat(const MotionView& flow, int phase, bool reversed, std::uint64_t* cells) {
     const int width = flow.width;
     const int height = flow.height;
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; x += 8) {
             const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(y) * width + x;
-            const int count = least(8, width - x);
+            const int count = min(8, width - x);
             const Motion8 motion = loadMotion(flow.motion + at);
-            const Int8 tx = (laneNumbers() + x) * motionUnits + scaled(motion.x, share);
-            const Int8 ty = y * motionUnits + scaled(motion.y, share);
+            const Int8 tx = (laneNumbers() + x) * motionUnits + scaled(motion.x, phase);
+            const Int8 ty = y * motionUnits + scaled(motion.y, phase);
             const Int8 vectors = reversed ? packed({-motion.x, -motion.y}) : packed(motion);
             const Int8 ranks = (loadBytes(flow.confidence + at) >> 4 << nearnessBits) + 1;
             const Int8 columns = tx >> 6;
@@ -78,7 +78,7 @@ void splat(const MotionView& flow, int share, bool reversed, std::uint64_t* cell
                 const int row = rows[lane];
                 const std::uint64_t vector = static_cast<std::uint32_t>(vectors[lane]);
                 const auto put = [&](std::uint64_t* cell, int n) {
-                    *cell = greatest(*cell, (static_cast<std::uint64_t>(ranked[n][lane]) << 32) | vector);
+                    *cell = max(*cell, (static_cast<std::uint64_t>(ranked[n][lane]) << 32) | vector);
                 };
                 std::uint64_t* cell = cells + static_cast<std::ptrdiff_t>(row) * width + column;
                 if (column >= 0 && row >= 0 && column < width - 1 && row < height - 1) {
@@ -100,7 +100,7 @@ void splat(const MotionView& flow, int share, bool reversed, std::uint64_t* cell
         }
 }
 
-void resolve(const std::uint64_t* cells, int width, const Projection& result, int begin, int end) {
+void resolveSplat(const std::uint64_t* cells, int width, const Projection& result, int begin, int end) {
     for (int y = begin; y < end; ++y) {
         const std::uint64_t* line = cells + static_cast<std::ptrdiff_t>(y) * width;
         MotionVector* motion = result.motion + static_cast<std::ptrdiff_t>(y) * width;
@@ -124,7 +124,7 @@ void resolve(const std::uint64_t* cells, int width, const Projection& result, in
             if (rank == 0) continue;
             if (filledTo < x) fill(x, x);
             motion[x] = vectorOf(x);
-            confidence[x] = static_cast<std::uint8_t>(least((rank - 1) >> nearnessBits << 4, 255U));
+            confidence[x] = static_cast<std::uint8_t>(min((rank - 1) >> nearnessBits << 4, 255U));
             last = x;
             filledTo = x + 1;
         }
@@ -157,23 +157,24 @@ inline Int8 averageRow(const MotionVector* one, const MotionVector* other, Motio
     const Motion8 a = loadMotion(one);
     const Motion8 b = loadMotion(other);
     storeFirst(result, packed({(a.x + b.x) >> 1, (a.y + b.y) >> 1}), count);
-    const Float8 apartX = toFloat(a.x - b.x);
-    const Float8 apartY = toFloat(a.y - b.y);
-    return (apartX * apartX + apartY * apartY >= static_cast<float>(sameMotion * sameMotion)) & (laneNumbers() < count);
+    const Float8 differenceX = toFloat(a.x - b.x);
+    const Float8 differenceY = toFloat(a.y - b.y);
+    return (differenceX * differenceX + differenceY * differenceY >= static_cast<float>(sameMotion * sameMotion)) &
+           (laneNumbers() < count);
 }
 
-void choose(const PhaseImages& images, const Projection& one, const Projection& other, int width, int height,
-            MotionVector* result, int beginTile, int endTile) {
-    const int end = least(endTile * tileSize, height);
+void fuseProjections(const PhaseImages& images, const Projection& one, const Projection& other, int width, int height,
+                     MotionVector* result, int beginTile, int endTile) {
+    const int end = min(endTile * tileSize, height);
     for (int top = beginTile * tileSize; top < end; top += tileSize)
         for (int left = 0; left < width; left += tileSize) {
-            const int bottom = least(top + tileSize, height);
-            const int right = least(left + tileSize, width);
+            const int bottom = min(top + tileSize, height);
+            const int right = min(left + tileSize, width);
             Int8 differ{};
             for (int y = top; y < bottom; ++y)
                 for (int x = left; x < right; x += 8) {
                     const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(y) * width + x;
-                    differ |= averageRow(one.motion + at, other.motion + at, result + at, least(8, right - x));
+                    differ |= averageRow(one.motion + at, other.motion + at, result + at, min(8, right - x));
                 }
             if (!any(differ)) continue;
             TileMeans oneError;
@@ -185,11 +186,13 @@ void choose(const PhaseImages& images, const Projection& one, const Projection& 
                     const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(y) * width + x;
                     const MotionVector a = one.motion[at];
                     const MotionVector b = other.motion[at];
-                    const auto apartX = static_cast<float>(a.x - b.x);
-                    const auto apartY = static_cast<float>(a.y - b.y);
-                    if (apartX * apartX + apartY * apartY < static_cast<float>(sameMotion * sameMotion)) continue;
+                    const auto differenceX = static_cast<float>(a.x - b.x);
+                    const auto differenceY = static_cast<float>(a.y - b.y);
+                    if (differenceX * differenceX + differenceY * differenceY <
+                        static_cast<float>(sameMotion * sameMotion))
+                        continue;
                     const auto cost = [&](const TileMeans& error, std::uint8_t confidence) {
-                        return error.at[y - top][x - left] - doubtCost / 255 * static_cast<float>(confidence);
+                        return error.at[y - top][x - left] - lowConfidenceCost / 255 * static_cast<float>(confidence);
                     };
                     result[at] = cost(otherError, other.confidence[at]) < cost(oneError, one.confidence[at]) ? b : a;
                 }
@@ -198,20 +201,20 @@ void choose(const PhaseImages& images, const Projection& one, const Projection& 
 
 inline Short16 medianOfFive(Short16 a, Short16 b, Short16 c, Short16 d, Short16 e) {
     // Drops the least and the greatest of four; the median is the middle one of the rest and the fifth.
-    const Short16 low = greatest(least(a, b), least(c, d));
-    const Short16 high = least(greatest(a, b), greatest(c, d));
-    return greatest(least(low, high), least(greatest(low, high), e));
+    const Short16 low = max(min(a, b), min(c, d));
+    const Short16 high = min(max(a, b), max(c, d));
+    return max(min(low, high), min(max(low, high), e));
 }
 
 void crossMedian(const MotionVector* motion, int width, int height, MotionVector* result, int begin, int end) {
     for (int y = begin; y < end; ++y) {
         const MotionVector* line = motion + static_cast<std::ptrdiff_t>(y) * width;
-        const MotionVector* above = motion + static_cast<std::ptrdiff_t>(greatest(y - 1, 0)) * width;
-        const MotionVector* below = motion + static_cast<std::ptrdiff_t>(least(y + 1, height - 1)) * width;
+        const MotionVector* above = motion + static_cast<std::ptrdiff_t>(max(y - 1, 0)) * width;
+        const MotionVector* below = motion + static_cast<std::ptrdiff_t>(min(y + 1, height - 1)) * width;
         MotionVector* out = result + static_cast<std::ptrdiff_t>(y) * width;
         for (int x = 0; x < width; x += 8) {
             const auto centre = load<Short16>(line + x);
-            Short16 left = load<Short16>(line + greatest(x - 1, 0));
+            Short16 left = load<Short16>(line + max(x - 1, 0));
             if (x == 0)
                 left = __builtin_shufflevector(centre, centre, 0, 1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13);
             Short16 right = load<Short16>(line + x + 1);
@@ -222,33 +225,33 @@ void crossMedian(const MotionVector* motion, int width, int height, MotionVector
             }
             const Short16 median =
                 medianOfFive(centre, left, right, load<Short16>(above + x), load<Short16>(below + x));
-            storeFirst(out + x, reinterpret_cast<Int8>(median), least(8, width - x));
+            storeFirst(out + x, reinterpret_cast<Int8>(median), min(8, width - x));
         }
     }
 }
 
 /// Whether eight places of a frame lie inside it, and how far what they show is seen in the other frame too.
-struct Seen {
+struct Visibility {
     Int8 inside;
-    Float8 inOther; ///< 1: surely
+    Float8 inOther; ///< 1: certainly
 };
 
-inline Seen seenAt(const MotionView& flow, Int8 placeX, Int8 placeY) {
+inline Visibility visibilityAt(const MotionView& flow, Int8 placeX, Int8 placeY) {
     const Int8 column = (placeX + motionUnits / 2) >> 6;
     const Int8 row = (placeY + motionUnits / 2) >> 6;
     const Int8 inside = (column >= 0) & (row >= 0) & (column < flow.width) & (row < flow.height);
-    const Int8 offset = (between(row, Int8{}, Int8{} + (flow.height - 1)) * flow.width) +
-                        between(column, Int8{}, Int8{} + (flow.width - 1));
+    const Int8 offset = (clamp(row, Int8{}, Int8{} + (flow.height - 1)) * flow.width) +
+                        clamp(column, Int8{}, Int8{} + (flow.width - 1));
     return {inside, toFloat(gathered(flow.visibility, offset) & 255) * (1.0F / 255)};
 }
 
-void shares(const PhaseImages& images, const MotionView& forward, const MotionView& backward, const PhasePlanes& field,
-            int begin, int end) {
-    const float phase = static_cast<float>(images.phase) / shareUnits;
+void blendWeights(const PhaseImages& images, const MotionView& forward, const MotionView& backward,
+                  const PhasePlanes& field, int begin, int end) {
+    const float phase = static_cast<float>(images.phase) / fractionUnits;
     for (int y = begin; y < end; ++y)
         for (int x = 0; x < field.width; x += 8) {
             const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(y) * field.width + x;
-            const int count = least(8, field.width - x);
+            const int count = min(8, field.width - x);
             const Motion8 motion = loadMotion(field.motion + at);
             Int8 px = (laneNumbers() + x) * motionUnits;
             Int8 py = Int8{} + y * motionUnits;
@@ -259,28 +262,28 @@ void shares(const PhaseImages& images, const MotionView& forward, const MotionVi
             }
             const Int8 firstX = px - scaled(motion.x, images.phase);
             const Int8 firstY = py - scaled(motion.y, images.phase);
-            const Seen atFirst = seenAt(forward, firstX, firstY);
-            const Seen atSecond = seenAt(backward, firstX + motion.x, firstY + motion.y);
-            const Int8 sure = atFirst.inside & atSecond.inside & (atFirst.inOther >= 1) & (atSecond.inOther >= 1);
-            Int8 share = Int8{} + images.phase;
-            if (any(~sure)) {
-                const Float8 apart = difference(images, px, py, motion);
-                const Float8 matters = apart / (apart + photometricHalf);
-                const Float8 squared = matters * matters;
+            const Visibility atFirst = visibilityAt(forward, firstX, firstY);
+            const Visibility atSecond = visibilityAt(backward, firstX + motion.x, firstY + motion.y);
+            const Int8 unoccluded = atFirst.inside & atSecond.inside & (atFirst.inOther >= 1) & (atSecond.inOther >= 1);
+            Int8 secondWeight = Int8{} + images.phase;
+            if (any(~unoccluded)) {
+                const Float8 gap = difference(images, px, py, motion);
+                const Float8 influence = gap / (gap + photometricHalf);
+                const Float8 squared = influence * influence;
                 // What one frame shows and the other doesn't must not be taken from the other.
                 const auto weight = [&](Int8 inside, Float8 seen) {
                     return inside ? 1 + (seen + leastWeight - 1) * squared : Float8{} + outsideWeight;
                 };
                 const Float8 first = (1 - phase) * weight(atFirst.inside, atSecond.inOther);
                 const Float8 second = phase * weight(atSecond.inside, atFirst.inOther);
-                const Int8 weighed = toInt(second / (first + second) * shareUnits + 0.5F);
-                share = sure ? share : weighed;
+                const Int8 weighed = toInt(second / (first + second) * fractionUnits + 0.5F);
+                secondWeight = unoccluded ? secondWeight : weighed;
             }
-            const Short8 shortShare = toShort(share);
+            const Short8 shortWeights = toShort(secondWeight);
             if (count == 8)
-                store(field.secondShare + at, shortShare);
+                store(field.secondWeight + at, shortWeights);
             else
-                std::memcpy(field.secondShare + at, &shortShare,
+                std::memcpy(field.secondWeight + at, &shortWeights,
                             static_cast<std::size_t>(count) * sizeof(std::int16_t));
         }
 }
@@ -289,10 +292,10 @@ void shares(const PhaseImages& images, const MotionView& forward, const MotionVi
 
 void addPhaseKernels(Kernels& kernels) {
     kernels.splat = splat;
-    kernels.resolve = resolve;
-    kernels.choose = choose;
+    kernels.resolveSplat = resolveSplat;
+    kernels.fuseProjections = fuseProjections;
     kernels.crossMedian = crossMedian;
-    kernels.shares = shares;
+    kernels.blendWeights = blendWeights;
 }
 
 } // namespace flowtide::flow::FLOWTIDE_LANES

@@ -1,4 +1,4 @@
-// Reading fields and images at eight places at once.
+// Gathers and bilinear samples of fields and images at eight places at once.
 #pragma once
 
 #include "media/flow/kernels/kernels.h"
@@ -84,8 +84,8 @@ inline bool any(Int8 lanes) {
 /// Bilinear values of an image at places in MotionVector's units, times 4096; the edge's value outside.
 inline Int8 imageAt(const ImageView& image, Int8 x, Int8 y) {
     const int reach = (ImageView::padding - 1) * motionUnits;
-    x = between(x, Int8{} - reach, Int8{} + ((image.width - 1) * motionUnits + reach - motionUnits * 3));
-    y = between(y, Int8{} - reach, Int8{} + ((image.height - 1) * motionUnits + reach - motionUnits));
+    x = clamp(x, Int8{} - reach, Int8{} + ((image.width - 1) * motionUnits + reach - motionUnits * 3));
+    y = clamp(y, Int8{} - reach, Int8{} + ((image.height - 1) * motionUnits + reach - motionUnits));
     const Int8 right = x & (motionUnits - 1);
     const Int8 below = y & (motionUnits - 1);
     const Int8 offset = (y >> 6) * static_cast<int>(image.stride) + (x >> 6);

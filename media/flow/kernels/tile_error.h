@@ -1,4 +1,4 @@
-// Mean errors in the neighbourhood of each pixel of a tile.
+// Box-filtered matching errors: the mean of 5 × 5 pixels around each pixel of a tile.
 #pragma once
 
 #include "media/flow/kernels/sampling.h"
@@ -38,9 +38,9 @@ inline void tileMeans(const TileValues& values, TileMeans& means) {
 template <typename ValueAt>
 inline void fillTile(int left, int top, int width, int height, TileValues& values, ValueAt&& valueAt) {
     for (int y = 0; y < tileRows; ++y) {
-        const int row = between(top - tileReach + y, 0, height - 1);
+        const int row = clamp(top - tileReach + y, 0, height - 1);
         for (int x = 0; x < tileStride; x += 8) {
-            const Int8 columns = between(laneNumbers() + (left - tileReach + x), Int8{}, Int8{} + (width - 1));
+            const Int8 columns = clamp(laneNumbers() + (left - tileReach + x), Int8{}, Int8{} + (width - 1));
             store(values.at[y] + x, valueAt(columns, row));
         }
     }

@@ -6,9 +6,9 @@ namespace flowtide::flow::FLOWTIDE_LANES {
 
 namespace {
 
-constexpr int fractions = 16;      // sub-pixel positions a pixel
-constexpr int outside = 8;         // pixels beyond the edge after which every place looks like the edge
-constexpr float alikeReach = 1.0F; // sixteenths by which neighbours may lie apart that are sampled together
+constexpr int fractions = 16;              // sub-pixel positions a pixel
+constexpr int outside = 8;                 // pixels beyond the edge after which every place looks like the edge
+constexpr float uniformMotionLimit = 1.0F; // sixteenths by which neighbours may lie apart that are sampled together
 constexpr int middleLane = 3;
 constexpr int tapBits = 13;    // Catmull–Rom taps at sixteenths are whole numbers then
 constexpr int middleBits = 14; // of a value between the sums across and down
@@ -96,11 +96,11 @@ public:
         , scale_(1.0F / static_cast<float>(1 << (2 * tapBits - middleShift_))) {}
 
     /// Whether togetherDown() may read from a sample on: its taps, and whole vectors.
-    bool holdsTogether(int column, int row) const {
+    bool holdsUniform(int column, int row) const {
         return column >= 1 && row >= 1 && column + 15 <= plane_.width && row + 2 < plane_.height;
     }
     /// Sixteen samples' sums down, from the one before (column, row) on; half of the fixed-point range.
-    Short16 togetherDown(int column, int row, int fraction) const {
+    Short16 uniformDown(int column, int row, int fraction) const {
         const std::uint8_t* at = plane_.data + (row - 1) * plane_.stride + (column - 1) * bytes;
         Short16 sum{};
         for (int k = 0; k < 4; ++k, at += plane_.stride)
@@ -109,8 +109,8 @@ public:
     }
 
     Float8 bicubic(Places places) const {
-        const Int8 column = between(places.x >> 4, Int8{} - outside, Int8{} + (plane_.width + outside));
-        const Int8 row = between(places.y >> 4, Int8{} - outside, Int8{} + (plane_.height + outside));
+        const Int8 column = clamp(places.x >> 4, Int8{} - outside, Int8{} + (plane_.width + outside));
+        const Int8 row = clamp(places.y >> 4, Int8{} - outside, Int8{} + (plane_.height + outside));
         const Taps across = bytes == 1 ? alternateTaps(places.x) : neighbouringTaps(places.x);
         const Int8 beyond = (column < 1) | (row < 1) | (column + 2 >= plane_.width) | (row + 2 >= plane_.height);
         Int8 rows[4];
@@ -153,10 +153,9 @@ private:
         for (int k = 0; k < 4; ++k) {
             Sample samples[8][4];
             for (int lane = 0; lane < 8; ++lane) {
-                const std::uint8_t* line =
-                    plane_.data + between(row[lane] - 1 + k, 0, plane_.height - 1) * plane_.stride;
+                const std::uint8_t* line = plane_.data + clamp(row[lane] - 1 + k, 0, plane_.height - 1) * plane_.stride;
                 for (int i = 0; i < 4; ++i)
-                    samples[lane][i] = load<Sample>(line + between(column[lane] - 1 + i, 0, plane_.width - 1) * bytes);
+                    samples[lane][i] = load<Sample>(line + clamp(column[lane] - 1 + i, 0, plane_.width - 1) * bytes);
             }
             if constexpr (bytes == 1) {
                 rows[k] = sum(ByteRow{load<Int8>(samples)}, taps);
@@ -191,7 +190,7 @@ struct FieldRow {
     float* y;
     float* shiftX;
     float* shiftY;
-    float* share;
+    float* secondWeight;
 };
 
 constexpr int rowPadding = 8; // before the first value, and at least as much after the last
@@ -205,8 +204,8 @@ struct FieldRows {
 
 inline FieldRows fieldRowsOf(int y, bool halfHeight, int height) {
     // Chroma rows of half height lie midway between two luma rows: on a row of the field.
-    if (halfHeight) return {least(y, height - 1), least(y, height - 1), 4};
-    return {least(y / 2, height - 1), between(y % 2 ? y / 2 + 1 : y / 2 - 1, 0, height - 1), 3};
+    if (halfHeight) return {min(y, height - 1), min(y, height - 1), 4};
+    return {min(y / 2, height - 1), clamp(y % 2 ? y / 2 + 1 : y / 2 - 1, 0, height - 1), 3};
 }
 
 inline void repeatEdges(float* row, int width) {
@@ -234,10 +233,10 @@ void prepareRow(const PhasePlanes& field, const FieldRows& rows, const FieldRow&
     mixMotion(field.motion, out.x, out.y);
     if (field.shift) mixMotion(field.shift, out.shiftX, out.shiftY);
     for (int x = 0; x < field.width; x += 8) {
-        const auto share = [&](std::ptrdiff_t row) { return toInt(load<Short8>(field.secondShare + row + x)); };
-        store(out.share + x, mix(share(near), share(far)));
+        const auto weights = [&](std::ptrdiff_t row) { return toInt(load<Short8>(field.secondWeight + row + x)); };
+        store(out.secondWeight + x, mix(weights(near), weights(far)));
     }
-    repeatEdges(out.share, field.width);
+    repeatEdges(out.secondWeight, field.width);
 }
 
 /// Eight values of the plane's row from the field's: sixteen times each.
@@ -256,15 +255,15 @@ struct Sampled {
 
 /// The samples of eight neighbours that all moved alike; false when whole vectors don't fit.
 template <typename Sample>
-bool sampledTogether(const Source<Sample>& first, const Source<Sample>& second, int x, int y, const int (&offsets)[4],
-                     float scale, Sampled& result) {
+bool sampledUniformly(const Source<Sample>& first, const Source<Sample>& second, int x, int y, const int (&offsets)[4],
+                      float scale, Sampled& result) {
     const int column1 = x + (offsets[0] >> 4);
     const int row1 = y + (offsets[1] >> 4);
     const int column2 = x + (offsets[2] >> 4);
     const int row2 = y + (offsets[3] >> 4);
-    if (!first.holdsTogether(column1, row1) || !second.holdsTogether(column2, row2)) return false;
-    const Short16 down1 = first.togetherDown(column1, row1, offsets[1] & (fractions - 1));
-    const Short16 down2 = second.togetherDown(column2, row2, offsets[3] & (fractions - 1));
+    if (!first.holdsUniform(column1, row1) || !second.holdsUniform(column2, row2)) return false;
+    const Short16 down1 = first.uniformDown(column1, row1, offsets[1] & (fractions - 1));
+    const Short16 down2 = second.uniformDown(column2, row2, offsets[3] & (fractions - 1));
     const Short16 low = joined(lowHalf(down1), lowHalf(down2));
     const Short16 high = joined(highHalf(down1), highHalf(down2));
     const std::int16_t* taps1 = tapTable.at[offsets[0] & (fractions - 1)];
@@ -291,8 +290,8 @@ inline int rounded(float value) {
     return static_cast<int>(value + (lift + 0.5F)) - static_cast<int>(lift);
 }
 
-/// Which lanes are farther from the one in the middle than `reach`.
-inline Int8 strayed(Float8 values, float reach) {
+/// Which lanes deviate from the one in the middle by more than `reach`.
+inline Int8 deviating(Float8 values, float reach) {
     return absolute(values - values[middleLane]) > reach;
 }
 
@@ -309,8 +308,8 @@ void warpRow(const PlaneWarp& warp, const FieldRow& row, int y) {
     const float toFirst = -warp.phase;
     const float toSecond = 1 - warp.phase;
     std::uint8_t* out = warp.out + y * warp.outStride;
-    const float reach = alikeReach / greatest(warp.phase, 1 - warp.phase);
-    const float togetherScale = 1.0F / static_cast<float>(1 << (13 - bitDepth)); // two taps' loss of 15 bits
+    const float reach = uniformMotionLimit / max(warp.phase, 1 - warp.phase);
+    const float uniformScale = 1.0F / static_cast<float>(1 << (13 - bitDepth)); // two taps' loss of 15 bits
     for (int x = 0; x < width; x += 8) {
         const Float8 vx = spread(row.x, x, warp.halfWidth) * unitX;
         const Float8 vy = spread(row.y, x, warp.halfWidth) * unitY;
@@ -320,24 +319,24 @@ void warpRow(const PlaneWarp& warp, const FieldRow& row, int y) {
             sx = spread(row.shiftX, x, warp.halfWidth) * unitX;
             sy = spread(row.shiftY, x, warp.halfWidth) * unitY;
         }
-        const Float8 share = spread(row.share, x, warp.halfWidth) * (1.0F / (16 * shareUnits));
-        Int8 differ = strayed(vx, reach) | strayed(vy, reach);
-        if (warp.field.shift) differ |= strayed(sx, alikeReach) | strayed(sy, alikeReach);
+        const Float8 secondWeight = spread(row.secondWeight, x, warp.halfWidth) * (1.0F / (16 * fractionUnits));
+        Int8 differ = deviating(vx, reach) | deviating(vy, reach);
+        if (warp.field.shift) differ |= deviating(sx, uniformMotionLimit) | deviating(sy, uniformMotionLimit);
         const auto middle = [&](Float8 shift, float part, Float8 motion) {
             return rounded(shift[middleLane] + part * motion[middleLane]);
         };
         const int together[4] = {middle(sx, toFirst, vx), middle(sy, toFirst, vy), middle(sx, toSecond, vx),
                                  middle(sy, toSecond, vy)};
         Sampled values;
-        if (x + 8 > width || any(differ) || !sampledTogether(first, second, x, y, together, togetherScale, values)) {
+        if (x + 8 > width || any(differ) || !sampledUniformly(first, second, x, y, together, uniformScale, values)) {
             const Int8 columns = (laneNumbers() + x) * fractions;
             const Int8 line = Int8{} + y * fractions;
             values = {first.bicubic({columns + rounded(sx + toFirst * vx), line + rounded(sy + toFirst * vy)}),
                       second.bicubic({columns + rounded(sx + toSecond * vx), line + rounded(sy + toSecond * vy)})};
         }
-        const Float8 blended = values.first + share * (values.second - values.first) + 0.5F;
-        const Int8 codes = toInt(between(blended, Float8{}, Float8{} + largest));
-        const int count = least(8, width - x);
+        const Float8 blended = values.first + secondWeight * (values.second - values.first) + 0.5F;
+        const Int8 codes = toInt(clamp(blended, Float8{}, Float8{} + largest));
+        const int count = min(8, width - x);
         if constexpr (sizeof(Sample) == 1) {
             storeBytes(out + x, codes, count);
         } else {

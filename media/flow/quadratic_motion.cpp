@@ -1,5 +1,5 @@
-// Acceleration on coarse cells, where single vectors' errors cancel out.
-#include "media/flow/bend.h"
+// Accelerations are kept on coarse cells, where single vectors' errors cancel out, and interpolated between them.
+#include "media/flow/quadratic_motion.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,7 +10,7 @@ namespace {
 
 constexpr int cellSize = 16;           // half-resolution pixels
 constexpr int sampleStep = 2;          // pixels between the vectors that are looked at
-constexpr float doubt = 1;             // as many certain vectors without acceleration count in every cell
+constexpr float regularisation = 1;    // as many certain vectors without acceleration count in every cell
 constexpr float farthestShift = 16000; // in MotionVector's units; leaves room beside the farthest motion
 constexpr int shiftCell = 8;           // half-resolution pixels that share one place to look for accelerations
 
@@ -18,8 +18,8 @@ Vector inPixels(MotionVector v) {
     return {static_cast<float>(v.x) / motionUnits, static_cast<float>(v.y) / motionUnits};
 }
 
-/// The value between the centres of cells.
-Vector between(const Acceleration& cells, float x, float y) {
+/// Bilinear interpolation between the centres of cells.
+Vector interpolated(const Acceleration& cells, float x, float y) {
     const float cx = std::clamp(x / cellSize - 0.5F, 0.0F, static_cast<float>(cells.width() - 1));
     const float cy = std::clamp(y / cellSize - 0.5F, 0.0F, static_cast<float>(cells.height() - 1));
     const int ix = static_cast<int>(cx);
@@ -57,7 +57,7 @@ Acceleration acceleration(const DirectedFlow& onwards, const DirectedFlow& backw
     for (int j = 0; j < cells.height(); ++j)
         for (int i = 0; i < cells.width(); ++i) {
             Vector sum;
-            float weights = doubt;
+            float weights = regularisation;
             for (int y = j * cellSize; y < std::min((j + 1) * cellSize, height); y += sampleStep)
                 for (int x = i * cellSize; x < std::min((i + 1) * cellSize, width); x += sampleStep) {
                     const Vector on = inPixels(onwards.motion(x, y));
@@ -72,13 +72,13 @@ Acceleration acceleration(const DirectedFlow& onwards, const DirectedFlow& backw
     return cells;
 }
 
-void shiftAt(const Bend& bend, const Field<MotionVector>& motion, double phase, WorkerPool& workers,
-             Field<MotionVector>& shift) {
+void quadraticShift(const PairAcceleration& accelerations, const Field<MotionVector>& motion, double phase,
+                    WorkerPool& workers, Field<MotionVector>& shift) {
     const int width = motion.width();
     const int height = motion.height();
-    const auto share = static_cast<float>(phase);
+    const auto t = static_cast<float>(phase);
     // Half of the mean acceleration, times t (1 - t).
-    const float scale = share * (1 - share) / 4 * motionUnits;
+    const float scale = t * (1 - t) / 4 * motionUnits;
     const int columns = (width + shiftCell - 1) / shiftCell + 1;
     const int rows = (height + shiftCell - 1) / shiftCell + 1;
     Field<Vector> coarse(columns, rows);
@@ -87,8 +87,8 @@ void shiftAt(const Bend& bend, const Field<MotionVector>& motion, double phase, 
             const auto x = static_cast<float>(i * shiftCell);
             const auto y = static_cast<float>(j * shiftCell);
             const Vector v = inPixels(motion.clamped(i * shiftCell, j * shiftCell));
-            coarse(i, j) = scale * (between(bend.first, x - share * v.x, y - share * v.y) +
-                                    between(bend.second, x + (1 - share) * v.x, y + (1 - share) * v.y));
+            coarse(i, j) = scale * (interpolated(accelerations.first, x - t * v.x, y - t * v.y) +
+                                    interpolated(accelerations.second, x + (1 - t) * v.x, y + (1 - t) * v.y));
         }
     shift.resize(width, height);
     workers.runBands(height, [&](int begin, int end) {
