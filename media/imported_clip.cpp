@@ -58,6 +58,7 @@ ImportedClip ImportedClip::load(const MediaBackend& backend, const std::filesyst
     clip.fileType = fileTypeForPath(path);
     clip.video = std::move(*media.video);
     clip.audio = std::move(media.audio);
+    clip.uncarriedStreams = std::move(media.uncarriedStreams);
     clip.metadata = std::move(media.metadata);
     clip.frameRate = clip.video.nominalFrameRate > 0 ? clip.video.nominalFrameRate : defaultFrameRate;
     clip.preferredTransform = affineTransform(clip.video.displayMatrix);

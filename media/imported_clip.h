@@ -5,12 +5,14 @@
 #include "media/color.h"
 #include "media/media_time.h"
 #include "media/orientation.h"
+#include "media/video_frame.h"
 
 #include <cstdint>
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace flowtide {
 
@@ -22,6 +24,14 @@ struct CarriedMetadata {
     std::optional<MasteringDisplay> masteringDisplay;
     std::optional<ContentLightLevel> contentLightLevel;
     MediaTime sampleAspectRatio{1, 1};
+};
+
+/// A stream, or the chapters, of a file that exports leave out.
+struct UncarriedStream {
+    enum class Kind { video, sound, subtitles, timecode, chapters, coverPicture, data };
+    Kind kind = Kind::data;
+    std::optional<FourCC> format; ///< as the file names it
+    friend bool operator==(const UncarriedStream&, const UncarriedStream&) = default;
 };
 
 /// A video track as its file describes it.
@@ -36,6 +46,11 @@ struct VideoTrack {
     std::int64_t bitDepth = 8;
     bool isFullRange = false;
     bool hasAlpha = false;
+    std::optional<ChromaSubsampling> chroma; ///< as encoded, 4:4:4 for RGB; absent for grey and for rarer samplings
+    bool isRGB = false;
+    bool isInterlaced = false;
+    bool hasHDR10Plus = false; ///< HDR metadata that changes from picture to picture
+    bool hasDolbyVision = false;
     std::optional<ColorProperties> colorProperties; ///< absent when no tag is present
 };
 
@@ -45,6 +60,7 @@ struct AudioTrack {
     std::int64_t channelCount = 0;
     std::string channelLayout; ///< the layout's standard name, such as "5.1"; empty when the track names none
     std::optional<FourCC> formatID;
+    bool isLosslesslyCompressed = false;     ///< such as Apple Lossless and FLAC; linear PCM is not compressed
     std::int64_t bitDepth = 0;               ///< 0 when the format has none
     std::optional<double> estimatedDataRate; ///< bits per second
 };
@@ -54,6 +70,7 @@ struct ProbedMedia {
     double duration = 0; ///< seconds
     std::optional<VideoTrack> video;
     std::optional<AudioTrack> audio;
+    std::vector<UncarriedStream> uncarriedStreams; ///< in the file's order
     CarriedMetadata metadata;
 };
 
@@ -71,6 +88,7 @@ struct ImportedClip {
     FileType fileType = FileType::quickTimeMovie;
     VideoTrack video;
     std::optional<AudioTrack> audio;
+    std::vector<UncarriedStream> uncarriedStreams; ///< in the file's order
     CarriedMetadata metadata;
 
     std::int64_t encodedWidth() const { return video.encodedWidth; }

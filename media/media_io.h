@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/time.h"
+#include "media/cancel_check.h"
 #include "media/imported_clip.h"
 #include "media/video_frame.h"
 
@@ -41,6 +42,8 @@ public:
     virtual ~AudioReader() = default;
     /// The next block; nothing at the end. Throws FlowtideError::readerFailed.
     virtual std::optional<AudioBlock> next() = 0;
+    /// How many separate stretches of the sound read so far could not be decoded; nothing is delivered for them.
+    virtual int damagedStretchCount() const = 0;
 };
 
 /// How the pictures of a movie are encoded.
@@ -102,9 +105,12 @@ public:
     virtual ~MediaBackend() = default;
     /// Reads the tracks' descriptions. Throws FlowtideError::readerFailed when the file is no readable movie.
     virtual ProbedMedia probe(const std::filesystem::path& path) const = 0;
-    virtual std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout,
-                                                   SourceRange range) const = 0;
-    virtual std::unique_ptr<AudioReader> openAudio(const ImportedClip& clip, SourceRange range) const = 0;
+    /// The readers ask `isCancelled` before every packet, on the way to the range too, and throw
+    /// FlowtideError::exportCancelled once it says so.
+    virtual std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout, SourceRange range,
+                                                   const CancelCheck& isCancelled = {}) const = 0;
+    virtual std::unique_ptr<AudioReader> openAudio(const ImportedClip& clip, SourceRange range,
+                                                   const CancelCheck& isCancelled = {}) const = 0;
     /// `output` must outlive the writer.
     virtual std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType fileType,
                                                      const CarriedMetadata& metadata) const = 0;

@@ -116,22 +116,26 @@ ExportValidationReport ExportEngine::run(const ExportRequest& wanted, const Prog
 void ExportEngine::render(const ExportRequest& request, const ExportPlan& plan, FrameInterpolating* renderer,
                           TemporaryExport& file, const ProgressHandler& onProgress) {
     const ImportedClip& clip = request.clip;
+    const CancelCheck cancelCheck = [this] { return isCancelled(); };
     const auto writer = backend_.createMovie(file, clip.fileType, clip.metadata);
     writer->addVideo(plan.video);
     AudioData audio;
     if (plan.audio) {
-        audio = AudioDecoding::readAll(backend_, clip, plan.timeMap.sourceRange());
+        audio = AudioDecoding::readAll(backend_, clip, plan.timeMap.sourceRange(), cancelCheck);
         log_(fmt::format("[Export] Audio loaded: {} samples, {:.0f} Hz, {} channels", audio.samples.size(),
                          audio.sampleRate, audio.channels));
+        if (audio.damagedStretches > 0)
+            log_(fmt::format("[Export] Warning: {} damaged stretches of the source's sound were replaced by silence.",
+                             audio.damagedStretches));
         writer->addAudio(*plan.audio);
     }
     writer->start();
     logCodec(clip, plan.video, log_);
     SourceRange range = plan.timeMap.sourceRange();
     if (renderer) range = {std::max(range.lower - contextReachSeconds, 0.0), range.upper + contextReachSeconds};
-    const auto video = backend_.openVideo(clip, plan.video.layout, range);
+    const auto video = backend_.openVideo(clip, plan.video.layout, range, cancelCheck);
     const RenderInputs inputs{plan, *video, renderer, plan.audio ? &audio : nullptr, *writer};
-    renderInterleaved(inputs, log_, onProgress, [this] { return isCancelled(); });
+    renderInterleaved(inputs, log_, onProgress, cancelCheck);
     if (const int concealed = video->concealedFrameCount(); concealed > 0)
         log_(fmt::format("[Export] Warning: {} damaged source frames were decoded approximately.", concealed));
     writer->finish();

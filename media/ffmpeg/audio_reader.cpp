@@ -29,11 +29,12 @@ bool isMisreadPCM(const AVCodecParameters& parameters) {
 
 class FFmpegAudioReader : public AudioReader {
 public:
-    FFmpegAudioReader(const ImportedClip& clip, SourceRange range)
+    FFmpegAudioReader(const ImportedClip& clip, SourceRange range, CancelCheck isCancelled)
         : movie_(openMovie(clip.url))
         , sampleRate_(clip.audio ? static_cast<int>(std::lround(clip.audio->sampleRate)) : 0)
         , channels_(clip.audio ? static_cast<int>(clip.audio->channelCount) : 0)
         , range_(range)
+        , isCancelled_(std::move(isCancelled))
         , packet_(makePacket())
         , frame_(makeFrame()) {
         if (!movie_.audio) throw FlowtideError::noAudioTrack();
@@ -55,10 +56,12 @@ public:
             const int received = avcodec_receive_frame(decoder_.get(), frame_.get());
             if (received >= 0) {
                 auto block = convert();
+                inDamage_ = false;
                 if (!block) continue;
                 if (block->time.value > range_.upper) return std::nullopt;
                 return block;
             }
+            if (received != AVERROR_EOF && received != AVERROR(EAGAIN)) noteDamage();
             if (received == AVERROR_EOF || (draining_ && received != AVERROR(EAGAIN))) {
                 if (truncated_) throw FlowtideError::readerFailed("Audio decode failed mid-file");
                 return std::nullopt;
@@ -67,8 +70,16 @@ public:
         }
     }
 
+    int damagedStretchCount() const override { return damagedStretches_; }
+
 private:
+    /// A packet that cannot be decoded leaves a gap; neighbouring ones leave one gap together.
+    void noteDamage() {
+        if (!std::exchange(inDamage_, true)) ++damagedStretches_;
+    }
+
     void feed() {
+        throwIfCancelled(isCancelled_);
         const int read = av_read_frame(movie_.format.get(), packet_.get());
         if (read < 0) {
             const bool exhausted = !lastIndexed_ || lastDecodeTime_ >= *lastIndexed_;
@@ -80,8 +91,7 @@ private:
         if (packet_->stream_index == movie_.audio->index) {
             if (packet_->dts != AV_NOPTS_VALUE)
                 lastDecodeTime_ = packet_->dts + std::max<std::int64_t>(packet_->duration - 1, 0);
-            // A damaged packet leaves a gap, which is filled with silence.
-            avcodec_send_packet(decoder_.get(), packet_.get());
+            if (avcodec_send_packet(decoder_.get(), packet_.get()) < 0) noteDamage();
         }
         av_packet_unref(packet_.get());
     }
@@ -139,6 +149,7 @@ private:
     int sampleRate_;
     int channels_;
     SourceRange range_;
+    CancelCheck isCancelled_;
     PacketPtr packet_;
     FramePtr frame_;
     ResamplerPtr resampler_;
@@ -148,14 +159,17 @@ private:
     std::optional<double> trackEnd_;
     std::optional<double> nextStart_;
     std::int64_t lastDecodeTime_ = AV_NOPTS_VALUE;
+    int damagedStretches_ = 0;
+    bool inDamage_ = false;
     bool draining_ = false;
     bool truncated_ = false;
 };
 
 } // namespace
 
-std::unique_ptr<AudioReader> openAudioReader(const ImportedClip& clip, SourceRange range) {
-    return std::make_unique<FFmpegAudioReader>(clip, range);
+std::unique_ptr<AudioReader> openAudioReader(const ImportedClip& clip, SourceRange range,
+                                             const CancelCheck& isCancelled) {
+    return std::make_unique<FFmpegAudioReader>(clip, range, isCancelled);
 }
 
 } // namespace flowtide::ffmpeg

@@ -7,6 +7,7 @@
 
 namespace flowtide::ffmpeg {
 
-std::unique_ptr<AudioReader> openAudioReader(const ImportedClip& clip, SourceRange range);
+std::unique_ptr<AudioReader> openAudioReader(const ImportedClip& clip, SourceRange range,
+                                             const CancelCheck& isCancelled);
 
 } // namespace flowtide::ffmpeg

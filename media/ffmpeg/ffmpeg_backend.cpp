@@ -1,4 +1,4 @@
-// The backend's front door.
+// The backend that the rest of the program is given.
 #include "media/ffmpeg/ffmpeg_backend.h"
 
 #include "media/ffmpeg/audio_reader.h"
@@ -21,13 +21,14 @@ public:
 
     ProbedMedia probe(const std::filesystem::path& path) const override { return ffmpeg::probeMovie(path); }
 
-    std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout,
-                                           SourceRange range) const override {
-        return ffmpeg::openVideoReader(clip, layout, range);
+    std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout, SourceRange range,
+                                           const CancelCheck& isCancelled) const override {
+        return ffmpeg::openVideoReader(clip, layout, range, isCancelled);
     }
 
-    std::unique_ptr<AudioReader> openAudio(const ImportedClip& clip, SourceRange range) const override {
-        return ffmpeg::openAudioReader(clip, range);
+    std::unique_ptr<AudioReader> openAudio(const ImportedClip& clip, SourceRange range,
+                                           const CancelCheck& isCancelled) const override {
+        return ffmpeg::openAudioReader(clip, range, isCancelled);
     }
 
     std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType fileType,

@@ -17,16 +17,16 @@ namespace {
 constexpr const char* decodeFailure = "Video decode failed mid-file";
 
 // With open groups of pictures the first frame that decodes after a seek can lie behind the time asked for: look a
-// little earlier first, then in larger steps.
+// little earlier first, then in steps that double, so that all attempts together cost little more than the last.
 constexpr double firstBackOffSeconds = 0.25;
-constexpr double furtherBackOffSeconds = 2;
 
 class FFmpegVideoReader : public VideoReader {
 public:
-    FFmpegVideoReader(const ImportedClip& clip, PixelLayout layout, SourceRange range)
+    FFmpegVideoReader(const ImportedClip& clip, PixelLayout layout, SourceRange range, CancelCheck isCancelled)
         : movie_(openMovie(clip.url))
         , importer_(layout, static_cast<int>(clip.encodedWidth()), static_cast<int>(clip.encodedHeight()))
         , range_(range)
+        , isCancelled_(std::move(isCancelled))
         , packet_(makePacket()) {
         if (!movie_.video) throw FlowtideError::noVideoTrack();
         deliverOnly(*movie_.format, *movie_.video);
@@ -77,14 +77,16 @@ private:
     void seekTo(double time) {
         const int damagedBefore = damagedFrames_;
         double target = time;
-        double backOff = firstBackOffSeconds;
-        for (;;) {
+        for (double backOff = firstBackOffSeconds;; backOff *= 2) {
             damagedFrames_ = damagedBefore;
             seek(std::max(target, 0.0));
             findFrameAt(time);
             const bool found = !waiting_.empty() && waiting_.front().seconds <= time + frameReachedGraceSeconds;
-            if (found || target <= 0) return;
-            target -= std::exchange(backOff, furtherBackOffSeconds);
+            const bool known = firstDecodeTime_ != AV_NOPTS_VALUE;
+            if (found || target <= 0 || (known && firstDecodeTime_ <= 0)) return;
+            target -= backOff;
+            // From the same key frame the same frames would come again.
+            if (known) target = std::min(target, secondsOf(firstDecodeTime_ - 1, movie_.video->time_base));
         }
     }
 
@@ -103,7 +105,7 @@ private:
         av_seek_frame(movie_.format.get(), movie_.video->index, timestampAt(seconds), AVSEEK_FLAG_BACKWARD);
         avcodec_flush_buffers(decoder_.get());
         waiting_.clear();
-        lastDecodeTime_ = AV_NOPTS_VALUE;
+        firstDecodeTime_ = lastDecodeTime_ = AV_NOPTS_VALUE;
         fedPastEnd_ = false;
         draining_ = false;
         truncated_ = false;
@@ -130,6 +132,7 @@ private:
 
     void feed() {
         if (draining_) return;
+        throwIfCancelled(isCancelled_);
         const int read = endReached() ? AVERROR_EOF : av_read_frame(movie_.format.get(), packet_.get());
         if (read < 0) {
             truncated_ = !endReached() && (read != AVERROR_EOF || !indexExhausted());
@@ -140,6 +143,7 @@ private:
         if (packet_->stream_index == movie_.video->index) {
             const AVRational base = movie_.video->time_base;
             if (packet_->dts != AV_NOPTS_VALUE) lastDecodeTime_ = packet_->dts;
+            if (firstDecodeTime_ == AV_NOPTS_VALUE) firstDecodeTime_ = packet_->dts;
             if (packet_->pts != AV_NOPTS_VALUE && secondsOf(packet_->pts, base) > range_.upper) fedPastEnd_ = true;
             // The decoder was emptied before, so it always takes the packet; what it cannot decode is a lost frame.
             if (avcodec_send_packet(decoder_.get(), packet_.get()) < 0) ++damagedFrames_;
@@ -167,9 +171,11 @@ private:
     CodecContextPtr decoder_;
     FrameImporter importer_;
     SourceRange range_;
+    CancelCheck isCancelled_;
     PacketPtr packet_;
     std::optional<std::int64_t> lastIndexed_;
     std::deque<Decoded> waiting_;
+    std::int64_t firstDecodeTime_ = AV_NOPTS_VALUE; ///< of the packets fed since the last seek
     std::int64_t lastDecodeTime_ = AV_NOPTS_VALUE;
     bool fedPastEnd_ = false;
     bool draining_ = false;
@@ -180,8 +186,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<VideoReader> openVideoReader(const ImportedClip& clip, PixelLayout layout, SourceRange range) {
-    return std::make_unique<FFmpegVideoReader>(clip, layout, range);
+std::unique_ptr<VideoReader> openVideoReader(const ImportedClip& clip, PixelLayout layout, SourceRange range,
+                                             const CancelCheck& isCancelled) {
+    return std::make_unique<FFmpegVideoReader>(clip, layout, range, isCancelled);
 }
 
 } // namespace flowtide::ffmpeg

@@ -7,6 +7,7 @@
 
 namespace flowtide::ffmpeg {
 
-std::unique_ptr<VideoReader> openVideoReader(const ImportedClip& clip, PixelLayout layout, SourceRange range);
+std::unique_ptr<VideoReader> openVideoReader(const ImportedClip& clip, PixelLayout layout, SourceRange range,
+                                             const CancelCheck& isCancelled);
 
 } // namespace flowtide::ffmpeg

@@ -18,7 +18,8 @@ constexpr std::int64_t marginFrames = 4;
 
 } // namespace
 
-AudioData readAll(const MediaBackend& backend, const ImportedClip& clip, SourceRange range) {
+AudioData readAll(const MediaBackend& backend, const ImportedClip& clip, SourceRange range,
+                  const CancelCheck& isCancelled) {
     AudioData audio;
     if (!clip.audio) throw FlowtideError::noAudioTrack();
     audio.sampleRate = clip.audio->sampleRate;
@@ -34,7 +35,7 @@ AudioData readAll(const MediaBackend& backend, const ImportedClip& clip, SourceR
     const std::int64_t endFrame = static_cast<std::int64_t>(std::ceil(range.upper * audio.sampleRate)) + marginFrames;
     audio.samples.reserve(static_cast<std::size_t>(std::min(static_cast<std::int64_t>(expected), firstReservation)));
 
-    const auto reader = backend.openAudio(clip, range);
+    const auto reader = backend.openAudio(clip, range, isCancelled);
     while (const auto block = reader->next()) {
         const auto blockFrames = static_cast<std::int64_t>(block->samples.size()) / audio.channels;
         const std::int64_t blockStart = std::llround(block->time.value * audio.sampleRate);
@@ -50,6 +51,7 @@ AudioData readAll(const MediaBackend& backend, const ImportedClip& clip, SourceR
         audio.samples.insert(audio.samples.end(), block->samples.begin() + (from - blockStart) * audio.channels,
                              block->samples.begin() + (to - blockStart) * audio.channels);
     }
+    audio.damagedStretches = reader->damagedStretchCount();
     return audio;
 }
 

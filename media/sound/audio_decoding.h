@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/time.h"
+#include "media/cancel_check.h"
 #include "media/imported_clip.h"
 
 #include <cstdint>
@@ -18,6 +19,7 @@ struct AudioData {
     double sampleRate = 0; ///< Hz
     std::int64_t channels = 0;
     std::int64_t firstFrame = 0;
+    int damagedStretches = 0; ///< stretches that could not be decoded and are silent instead
 
     std::int64_t frameCount() const { return channels > 0 ? static_cast<std::int64_t>(samples.size()) / channels : 0; }
 };
@@ -27,8 +29,10 @@ namespace AudioDecoding {
 /// 512 MB of 32-bit floats; no export holds more.
 constexpr std::int64_t largestSampleCount = 134'217'728;
 
-/// Decodes the sound of a range of the clip. The limit is judged on the whole clip. Throws FlowtideError::readerFailed.
-AudioData readAll(const MediaBackend& backend, const ImportedClip& clip, SourceRange range);
+/// Decodes the sound of a range of the clip. The limit is judged on the whole clip. Throws FlowtideError::readerFailed,
+/// or exportCancelled as soon as `isCancelled` says so.
+AudioData readAll(const MediaBackend& backend, const ImportedClip& clip, SourceRange range,
+                  const CancelCheck& isCancelled = {});
 
 } // namespace AudioDecoding
 } // namespace flowtide

@@ -19,6 +19,7 @@ struct MediaScript {
     std::function<ProbedMedia(const ProbedMedia&)> probeOfOutput{}; ///< from the source's probe
     std::int64_t decodableFrames = 1'000'000;                       ///< after them the video reader fails
     std::vector<AudioBlock> audioBlocks{};
+    int damagedSoundStretches = 0;
     std::function<void(std::int64_t)> onAppendVideo{}; ///< called with the frame's index, may throw
     std::function<void()> onFinish{};
 };
@@ -47,7 +48,8 @@ public:
         return written && script_.probeOfOutput ? script_.probeOfOutput(script_.source) : script_.source;
     }
 
-    std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout, SourceRange) const override {
+    std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout, SourceRange,
+                                           const CancelCheck&) const override {
         class Reader : public VideoReader {
         public:
             Reader(const MediaScript& script, const ImportedClip& clip, PixelLayout layout)
@@ -74,21 +76,26 @@ public:
         return std::make_unique<Reader>(script_, clip, layout);
     }
 
-    std::unique_ptr<AudioReader> openAudio(const ImportedClip&, SourceRange) const override {
+    std::unique_ptr<AudioReader> openAudio(const ImportedClip&, SourceRange,
+                                           const CancelCheck& isCancelled) const override {
         class Reader : public AudioReader {
         public:
-            explicit Reader(const MediaScript& script)
-                : script_(script) {}
+            Reader(const MediaScript& script, CancelCheck isCancelled)
+                : script_(script)
+                , isCancelled_(std::move(isCancelled)) {}
             std::optional<AudioBlock> next() override {
+                throwIfCancelled(isCancelled_);
                 if (index_ >= script_.audioBlocks.size()) return std::nullopt;
                 return script_.audioBlocks[index_++];
             }
+            int damagedStretchCount() const override { return script_.damagedSoundStretches; }
 
         private:
             const MediaScript& script_;
+            CancelCheck isCancelled_;
             std::size_t index_ = 0;
         };
-        return std::make_unique<Reader>(script_);
+        return std::make_unique<Reader>(script_, isCancelled);
     }
 
     std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType, const CarriedMetadata&) const override {
