@@ -1,6 +1,8 @@
 // The colour tags of a clip, and the HDR data that travels with its pictures.
 #pragma once
 
+#include "core/output_size.h"
+
 #include <array>
 #include <optional>
 #include <string>
@@ -16,6 +18,10 @@ struct ColorProperties {
     bool complete() const { return primaries && transferFunction && matrix; }
     friend bool operator==(const ColorProperties&, const ColorProperties&) = default;
 };
+
+/// The tags kept as they are, the missing ones inferred: BT.2020 where the primaries or the matrix say so, else
+/// BT.601 for standard definition and BT.709 above it.
+ColorProperties completedColor(const ColorProperties& tags, OutputSize size);
 
 /// HDR mastering and light-level data that travels beside the pictures, in the units of the HEVC standard.
 struct MasteringDisplay {

@@ -19,10 +19,6 @@ constexpr std::int64_t defaultAudioBitRate = 256'000;
 constexpr std::int64_t lowestAudioBitRate = 64'000;
 constexpr std::int64_t highestAudioBitRate = 320'000;
 
-bool isStandardDefinition(OutputSize size) {
-    return std::min(size.width, size.height) <= 576;
-}
-
 } // namespace
 
 VideoCodec outputCodec(const ImportedClip& clip) {
@@ -67,22 +63,6 @@ std::vector<std::string> presentColorTagNames(const ColorProperties& tags) {
     if (tags.transferFunction) names.emplace_back("transfer function");
     if (tags.matrix) names.emplace_back("YCbCr matrix");
     return names;
-}
-
-ColorProperties completedColor(const ColorProperties& tags, OutputSize size) {
-    const auto starts = [](const std::optional<std::string>& tag, const char* prefix) {
-        return tag && tag->rfind(prefix, 0) == 0;
-    };
-    ColorProperties usual{"bt709", "bt709", "bt709"};
-    if (starts(tags.primaries, "bt2020") || starts(tags.matrix, "bt2020"))
-        usual = {"bt2020", "bt2020-10", "bt2020nc"};
-    else if (starts(tags.primaries, "bt470bg") || starts(tags.matrix, "bt470bg"))
-        usual = {"bt470bg", "smpte170m", "bt470bg"};
-    else if (isStandardDefinition(size))
-        usual = {"smpte170m", "smpte170m", "smpte170m"};
-    return {tags.primaries ? tags.primaries : usual.primaries,
-            tags.transferFunction ? tags.transferFunction : usual.transferFunction,
-            tags.matrix ? tags.matrix : usual.matrix};
 }
 
 std::optional<FourCC> expectedAudioFormatID(const ImportedClip& clip, FileType outputFileType) {

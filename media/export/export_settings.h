@@ -24,9 +24,6 @@ VideoSettings videoSettings(const ImportedClip& clip, VideoCodec codec, OutputSi
 
 /// The tags present, by their names in messages: "color primaries", "transfer function", "YCbCr matrix".
 std::vector<std::string> presentColorTagNames(const ColorProperties& tags);
-/// The tags kept as they are, the missing ones inferred: BT.2020 where the primaries or the matrix say so, else
-/// BT.601 for standard definition and BT.709 above it.
-ColorProperties completedColor(const ColorProperties& tags, OutputSize size);
 
 /// The audio format that an export of the clip must have; nothing without audio.
 std::optional<FourCC> expectedAudioFormatID(const ImportedClip& clip, FileType outputFileType);

@@ -50,25 +50,10 @@ TEST(ExportSettings, DecodeLayoutFollowsCodecAndDepth) {
     EXPECT_EQ(pixelFormatName(decodePixelFormat(clip)), "420v");
 }
 
-TEST(ExportSettings, IncompleteColorKeepsItsTagsAndInfersTheRest) {
-    const OutputSize sd{720, 480};
-    const OutputSize hd{1920, 1080};
-    const struct {
-        ColorProperties tags;
-        OutputSize size;
-        ColorProperties expected;
-    } cases[] = {
-        {{{}, {}, "smpte170m"}, sd, {"smpte170m", "smpte170m", "smpte170m"}},
-        {{{}, {}, "bt470bg"}, hd, {"bt470bg", "smpte170m", "bt470bg"}},
-        {{{}, "bt709", {}}, hd, {"bt709", "bt709", "bt709"}},
-        {{"bt2020", "arib-std-b67", {}}, hd, {"bt2020", "arib-std-b67", "bt2020nc"}},
-        {{"bt709", {}, "bt709"}, sd, {"bt709", "smpte170m", "bt709"}},
-    };
-    for (const auto& [tags, size, expected] : cases)
-        EXPECT_EQ(completedColor(tags, size), expected);
+TEST(ExportSettings, ColorTags) {
     EXPECT_EQ(presentColorTagNames({{}, "bt709", "bt709"}),
               (std::vector<std::string>{"transfer function", "YCbCr matrix"}));
-    EXPECT_EQ(videoSettings(hevcClip(), VideoCodec::hevc, hd, 1).color, std::nullopt);
+    EXPECT_EQ(videoSettings(hevcClip(), VideoCodec::hevc, {1920, 1080}, 1).color, std::nullopt);
 }
 
 TEST(ExportSettings, AudioFollowsSourceAndContainer) {
