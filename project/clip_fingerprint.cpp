@@ -9,7 +9,6 @@
 #include <openssl/evp.h>
 
 #include <array>
-#include <cerrno>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -47,7 +46,7 @@ private:
 
 std::string clipFingerprint(const std::filesystem::path& file) {
     const ReadOnlyFile clip(file, ReadOnlyFile::Links::followed);
-    if (!clip.isOpen()) throwSystemError(errno);
+    if (!clip.isOpen()) throwSystemError(lastSystemError());
     const auto size = clip.regularFileSize();
     if (!size) throw ProjectError::invalid("Choose a regular video file.");
 
@@ -56,7 +55,7 @@ std::string clipFingerprint(const std::filesystem::path& file) {
     std::array<char, windowBytes> window;
     for (const std::uint64_t offset : {std::uint64_t{0}, *size / 2, *size < windowBytes ? 0 : *size - windowBytes}) {
         const auto count = clip.readAt(offset, window);
-        if (!count) throwSystemError(errno);
+        if (!count) throwSystemError(lastSystemError());
         digest.add({window.data(), *count});
     }
     return digest.hexDigest();

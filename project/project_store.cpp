@@ -109,7 +109,7 @@ void ProjectStore::repoint(const fs::path& from, const fs::path& to) {
 /// Reads, changes and writes the list while no other process can; `change` returns whether there is anything to write.
 void ProjectStore::changeRecent(const std::function<bool(RecentProjects&)>& change) {
     const FolderLock lock(operations_, directory_);
-    if (lock.holds()) removeAbandonedFiles(operations_, directory_);
+    removeAbandonedSaves(operations_, directory_);
     RecentProjects list = recent();
     if (!change(list)) return;
     if (list.size() > mostRecentProjects) list.resize(mostRecentProjects);

@@ -11,6 +11,7 @@
 #include "media/media_io.h"
 #include "media/sound/audio_decoding.h"
 #include "project/files/local_file_safety.h"
+#include "project/files/project_error.h"
 
 #include <fmt/format.h>
 
@@ -44,6 +45,8 @@ void replaceFinalExport(TemporaryExport& file) {
         file.moveIntoPlace();
     } catch (const std::system_error& error) {
         throw FlowtideError::writerFailed("Could not move validated export into place: " + describe(error.code()));
+    } catch (const ProjectError& error) {
+        throw FlowtideError::writerFailed(std::string("Could not move validated export into place: ") + error.what());
     }
 }
 

@@ -8,34 +8,27 @@
 
 namespace flowtide {
 
-/// Writes a hidden file beside `path` with mode 0600, flushes it, renames it over `path` and flushes the folder. Throws
-/// ProjectError with the system's sentence and takes the hidden file away; `path` then holds what it held, except when
-/// only the last flush failed.
+/// Writes a hidden file beside `path` with mode 0600 and moves it into place (HiddenFile). Throws ProjectError with the
+/// system's sentence and takes the hidden file away; `path` then holds what it held, except when only the last flush
+/// failed.
 void writeAtomically(FileOperations& operations, const std::filesystem::path& path, std::string_view bytes);
+
+/// Removes the hidden files that killed processes left in a folder while they wrote atomically. Best effort.
+void removeAbandonedSaves(FileOperations& operations, const std::filesystem::path& folder);
 
 /// Creates a folder and the missing ones above it, private to the user (0700), each flushed into its parent. Throws
 /// ProjectError. Folders that exist keep their mode.
 void makePrivateFolders(FileOperations& operations, const std::filesystem::path& path);
 
-/// Deletes the hidden files that killed processes left in a folder. Only for a caller that keeps every writer out.
-void removeAbandonedFiles(FileOperations& operations, const std::filesystem::path& folder);
-
 /// The exclusive lock of a folder, held until destruction. A lock file that a dead process left behind is not locked
-/// and keeps nobody waiting. Where the file system has no locks, holds() is false and nobody is kept out.
+/// and keeps nobody waiting. Where the file system has no locks, nobody is kept out.
 class FolderLock {
 public:
     /// Waits for other holders. Throws ProjectError when the lock file cannot be opened.
     FolderLock(FileOperations& operations, const std::filesystem::path& folder);
-    ~FolderLock();
-    FolderLock(const FolderLock&) = delete;
-    FolderLock& operator=(const FolderLock&) = delete;
-
-    bool holds() const { return holds_; }
 
 private:
-    FileOperations& operations_;
-    int descriptor_;
-    bool holds_ = false;
+    Descriptor descriptor_;
 };
 
 } // namespace flowtide

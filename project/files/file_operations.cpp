@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
+#include <utility>
 
 namespace flowtide {
 namespace {
@@ -41,11 +42,15 @@ public:
         if (result == 0) ::chmod(path.c_str(), privateFolder);
         return result;
     }
-    int createFile(const std::filesystem::path& path) override {
-        return openPrivate(path, O_WRONLY | O_CREAT | O_EXCL);
+    int createFile(const std::filesystem::path& path, mode_t mode) override {
+        constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+        return retried([&] { return ::open(path.c_str(), flags, mode); });
     }
     int openLockFile(const std::filesystem::path& path) override {
         return openPrivate(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK);
+    }
+    int openExisting(const std::filesystem::path& path) override {
+        return retried([&] { return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); });
     }
     int openFolder(const std::filesystem::path& path) override {
         return retried([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
@@ -53,8 +58,16 @@ public:
     int lock(int descriptor) override {
         return retried([&] { return ::flock(descriptor, LOCK_EX); });
     }
-    ssize_t write(int descriptor, std::span<const char> bytes) override {
-        return retried([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
+    int tryLock(int descriptor) override {
+        return retried([&] { return ::flock(descriptor, LOCK_EX | LOCK_NB); });
+    }
+    int status(int descriptor, struct stat& result) override { return ::fstat(descriptor, &result); }
+    int status(const std::filesystem::path& path, struct stat& result) override {
+        return ::lstat(path.c_str(), &result);
+    }
+    int changeMode(int descriptor, mode_t mode) override { return ::fchmod(descriptor, mode); }
+    ssize_t writeAt(int descriptor, std::span<const std::byte> bytes, std::int64_t offset) override {
+        return retried([&] { return ::pwrite(descriptor, bytes.data(), bytes.size(), offset); });
     }
     int flush(int descriptor) override {
         return retried([&] { return ::fsync(descriptor); });
@@ -74,8 +87,31 @@ FileOperations& systemFileOperations() {
     return operations;
 }
 
-void throwSystemError(int error) {
-    throw ProjectError::invalid(fmt::format("{} (error {})", std::generic_category().message(error), error));
+void Descriptor::close() {
+    if (value_ >= 0) operations_.close(std::exchange(value_, -1));
+}
+
+void Descriptor::reset(int value) {
+    close();
+    value_ = value;
+}
+
+std::filesystem::path folderOf(const std::filesystem::path& path) {
+    return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
+}
+
+std::error_code flushFolder(FileOperations& operations, const std::filesystem::path& folder) {
+    const Descriptor descriptor(operations, operations.openFolder(folder));
+    if (!descriptor.isOpen() || (operations.flush(descriptor.get()) < 0 && errno != EINVAL)) return lastSystemError();
+    return {};
+}
+
+std::error_code lastSystemError() {
+    return {errno, std::generic_category()};
+}
+
+void throwSystemError(const std::error_code& error) {
+    throw ProjectError::invalid(fmt::format("{} (error {})", error.message(), error.value()));
 }
 
 } // namespace flowtide

@@ -1,15 +1,22 @@
-// File operations that fail, or end the process, at a chosen moment.
+// File operations that fail, or end the process, at a chosen moment, and processes to end that way.
 #pragma once
 
 #include "project/files/file_operations.h"
 
+#include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace flowtide::test {
 
-/// Passes everything on to the system until the operation number `at` (from 0).
+/// Passes everything on to the system until the operation number `at` (from 0); flushes apart, which take most of the
+/// time and make a difference to power cuts alone.
 class FaultyOperations : public FileOperations {
 public:
     enum class Fault {
@@ -23,76 +30,99 @@ public:
     };
     static constexpr int killedStatus = 42;
 
-    FaultyOperations(Fault fault, int at, int error)
+    explicit FaultyOperations(Fault fault = Fault::none, int at = 0, int error = 0)
         : fault_(fault)
         , at_(at)
         , error_(error) {}
 
-    int count() const { return count_; }
-    int flushes() const { return flushes_; }
+    int count() const { return static_cast<int>(calls_.size()); }
+    /// What was called, in order: the functions' names, flushes told apart as "flush file" and "flush folder".
+    const std::vector<std::string>& calls() const { return calls_; }
+    /// Called before each operation, with its name.
+    std::function<void(const std::string& call)> onCall;
+    /// A call that always fails, and its error.
+    std::pair<std::string, int> failing;
 
     int makeFolder(const std::filesystem::path& path) override {
-        return passed([&] { return system_.makeFolder(path); });
+        return passed("makeFolder", [&] { return system_.makeFolder(path); });
     }
-    int createFile(const std::filesystem::path& path) override {
-        return passed([&] { return system_.createFile(path); });
+    int createFile(const std::filesystem::path& path, mode_t mode) override {
+        return passed("createFile", [&] { return system_.createFile(path, mode); });
     }
     int openLockFile(const std::filesystem::path& path) override {
-        return passed([&] { return system_.openLockFile(path); });
+        return passed("openLockFile", [&] { return system_.openLockFile(path); });
+    }
+    int openExisting(const std::filesystem::path& path) override {
+        return passed("openExisting", [&] { return system_.openExisting(path); });
     }
     int openFolder(const std::filesystem::path& path) override {
-        return passed([&] { return system_.openFolder(path); });
+        return folder_ = passed("openFolder", [&] { return system_.openFolder(path); });
     }
     int lock(int descriptor) override {
-        return passed([&] { return system_.lock(descriptor); });
+        return passed("lock", [&] { return system_.lock(descriptor); });
     }
-    ssize_t write(int descriptor, std::span<const char> bytes) override {
-        const auto half = [&] { return system_.write(descriptor, bytes.first(bytes.size() / 2)); };
-        if (count_ == at_ && fault_ == Fault::killsHalfWritten) {
+    int tryLock(int descriptor) override {
+        return passed("tryLock", [&] { return system_.tryLock(descriptor); });
+    }
+    int status(int descriptor, struct stat& result) override {
+        return passed("status", [&] { return system_.status(descriptor, result); });
+    }
+    int status(const std::filesystem::path& path, struct stat& result) override {
+        return passed("status", [&] { return system_.status(path, result); });
+    }
+    int changeMode(int descriptor, mode_t mode) override {
+        return passed("changeMode", [&] { return system_.changeMode(descriptor, mode); });
+    }
+    ssize_t writeAt(int descriptor, std::span<const std::byte> bytes, std::int64_t offset) override {
+        const auto half = [&] { return system_.writeAt(descriptor, bytes.first(bytes.size() / 2), offset); };
+        if (count() == at_ && fault_ == Fault::killsHalfWritten) {
             half();
             ::_exit(killedStatus);
         }
-        if (count_ == at_ && fault_ == Fault::shortWrite) {
+        if (count() == at_ && fault_ == Fault::shortWrite) {
             fault_ = Fault::fails;
-            at_ = ++count_;
+            ++at_;
+            calls_.emplace_back("writeAt");
             return half();
         }
-        return passed([&] { return system_.write(descriptor, bytes); });
+        return passed("writeAt", [&] { return system_.writeAt(descriptor, bytes, offset); });
     }
     int flush(int descriptor) override {
-        ++flushes_;
-        return passed([&] { return system_.flush(descriptor); });
+        return passed(descriptor == folder_ ? "flush folder" : "flush file", [] { return 0; });
     }
     /// A descriptor is gone even when closing it fails.
     int close(int descriptor) override {
+        if (descriptor == folder_) folder_ = -1;
         const bool fails = isFailing();
-        const int result = passed([&] { return system_.close(descriptor); });
+        const int result = passed("close", [&] { return system_.close(descriptor); });
         if (fails) system_.close(descriptor);
         errno = error_;
         return result;
     }
     int rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
-        return passed([&] { return system_.rename(from, to); });
+        return passed("rename", [&] { return system_.rename(from, to); });
     }
     int remove(const std::filesystem::path& path) override {
-        return passed([&] { return system_.remove(path); });
+        return passed("remove", [&] { return system_.remove(path); });
     }
 
 private:
     bool isFailing() const {
-        return fault_ == Fault::failsForever ? count_ >= at_
-                                             : count_ == at_ && (fault_ == Fault::fails || fault_ == Fault::shortWrite);
+        return fault_ == Fault::failsForever
+                   ? count() >= at_
+                   : count() == at_ && (fault_ == Fault::fails || fault_ == Fault::shortWrite);
     }
 
     template <typename Call>
-    auto passed(Call call) -> decltype(call()) {
-        const bool now = count_ == at_;
-        if (isFailing()) {
-            ++count_;
-            errno = error_;
+    auto passed(const char* name, Call call) -> decltype(call()) {
+        const bool now = count() == at_;
+        const bool fails = isFailing();
+        calls_.emplace_back(name);
+        if (onCall) onCall(name);
+        if (fails || failing.first == name) {
+            errno = fails ? error_ : failing.second;
             return -1;
         }
-        ++count_;
         if (now && (fault_ == Fault::killsBefore || fault_ == Fault::killsHalfWritten)) ::_exit(killedStatus);
         const auto result = call();
         if (now && fault_ == Fault::killsAfter) ::_exit(killedStatus);
@@ -103,8 +133,28 @@ private:
     Fault fault_;
     int at_;
     int error_;
-    int count_ = 0;
-    int flushes_ = 0;
+    int folder_ = -1; ///< the open folder
+    std::vector<std::string> calls_;
 };
+
+/// Runs `work` in a process of its own, whose status is 1 when it throws, else 0.
+template <typename Work>
+pid_t startProcess(const Work& work) {
+    const pid_t child = ::fork();
+    if (child != 0) return child;
+    try {
+        work();
+    } catch (...) {
+        ::_exit(1);
+    }
+    ::_exit(0);
+}
+
+inline int statusOf(pid_t child) {
+    int status = 0;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    return WEXITSTATUS(status);
+}
 
 } // namespace flowtide::test
