@@ -65,4 +65,12 @@ struct TimedFrame {
     SourceSeconds time;
 };
 
+/// A decoded frame and the stretch of its file during which it is shown, in seconds of the file.
+struct SpannedFrame {
+    VideoFrame frame;
+    double time = 0; ///< its own
+    double from = 0; ///< shown from here: its time, or minus infinity for a track's first frame
+    double end = 0;  ///< up to here, exclusively; infinity for a track's last frame
+};
+
 } // namespace flowtide

@@ -10,14 +10,19 @@ std::int64_t AudioRetimer::totalFrames() const {
     return std::llround(timeMap_.outputDuration() * audio_.sampleRate);
 }
 
-void AudioRetimer::render(std::int64_t first, std::span<float> interleaved) {
+void AudioRetimer::renderStrided(double first, double stride, std::span<float> interleaved) {
     const std::int64_t channels = audio_.channels;
     const std::int64_t endFrame = audio_.firstFrame + audio_.frameCount();
     const auto count = static_cast<std::int64_t>(interleaved.size()) / channels;
     const float* samples = audio_.samples.data();
+    const double duration = timeMap_.outputDuration();
     for (std::int64_t n = 0; n < count; ++n) {
         float* out = interleaved.data() + n * channels;
-        const OutputSeconds outputTime{static_cast<double>(first + n) / audio_.sampleRate};
+        const OutputSeconds outputTime{(first + static_cast<double>(n) * stride) / audio_.sampleRate};
+        if (!(outputTime.value >= 0 && outputTime.value < duration)) {
+            std::fill_n(out, channels, 0.0F);
+            continue;
+        }
         const double position = timeMap_.sourceTime(outputTime, cursor_).value * audio_.sampleRate;
         const double whole = std::floor(position);
         const auto k = static_cast<std::int64_t>(whole);

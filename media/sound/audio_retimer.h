@@ -22,7 +22,13 @@ public:
 
     /// Fills `interleaved` (a whole number of sample frames) with the output from sample frame `first` on. Calls go
     /// forward through the output; over all of it the cost is linear.
-    void render(std::int64_t first, std::span<float> interleaved);
+    void render(std::int64_t first, std::span<float> interleaved) {
+        renderStrided(static_cast<double>(first), 1, interleaved);
+    }
+
+    /// The same from any place on and at any stride, both in sample frames of the output: 2 takes every other frame,
+    /// -1 goes backwards. Silent beyond the output's ends. Neither waits nor allocates.
+    void renderStrided(double first, double stride, std::span<float> interleaved);
 
 private:
     const AudioData& audio_;
