@@ -1,12 +1,11 @@
-// The two workers of a render.
+// The workers of a render: one makes frames, one encodes them, one retimes and encodes the sound.
 #include "media/export/interleaved_render.h"
 
 #include "media/export/frame_queue.h"
 #include "media/export/interleave_gate.h"
+#include "media/export/output_frames.h"
 #include "media/export/render_state.h"
 #include "media/flowtide_error.h"
-#include "media/frames/crop_zoom_renderer.h"
-#include "media/frames/held_frames.h"
 #include "media/sound/audio_retimer.h"
 
 #include <fmt/format.h>
@@ -15,7 +14,9 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace flowtide {
@@ -56,24 +57,28 @@ private:
     int running_;
 };
 
-/// One render's shared parts and the two jobs that run on them.
+/// One render's shared parts and the jobs that run on them.
 class InterleavedRender {
 public:
-    InterleavedRender(const RenderInputs& inputs, const std::function<bool()>& isCancelled)
+    InterleavedRender(const RenderInputs& inputs, const std::function<bool()>& isCancelled, const ThreadStarter& start)
         : inputs_(inputs)
         , isCancelled_(isCancelled)
+        , start_(start)
         , gate_(interleaveSlackSeconds, inputs.audio != nullptr)
         , group_(inputs.audio ? 2 : 1) {}
 
     void run(const ProgressHandler& onProgress) {
         const bool hasAudio = inputs_.audio != nullptr;
         {
-            const std::jthread videoWorker([&] { work(Track::video, [&] { writeVideo(); }); });
+            std::jthread videoWorker;
             std::jthread audioWorker;
-            if (hasAudio) audioWorker = std::jthread([&] { work(Track::audio, [&] { writeAudio(); }); });
-            while (!group_.waitFor(progressInterval)) {
-                if (isCancelled_()) gate_.release();
-                onProgress(state_.progress(hasAudio));
+            try {
+                videoWorker = started([&] { work(Track::video, [&] { writeVideo(); }); });
+                if (hasAudio) audioWorker = started([&] { work(Track::audio, [&] { writeAudio(); }); });
+                while (!group_.waitFor(progressInterval))
+                    onProgress(state_.progress(hasAudio));
+            } catch (...) {
+                fail(); // or a worker would wait for the other track for ever, and we for the worker
             }
         }
         if (isCancelled_()) throw FlowtideError::exportCancelled();
@@ -87,14 +92,27 @@ public:
 private:
     using Track = InterleaveGate::Track;
 
-    /// Runs a worker's job; a failure is recorded and lets the other worker through to notice it.
+    std::jthread started(std::function<void()> body) const {
+        try {
+            return start_(std::move(body));
+        } catch (const std::system_error& error) {
+            throw FlowtideError::writerFailed(fmt::format("Could not start a thread for the export: {} (error {})",
+                                                          error.code().message(), error.code().value()));
+        }
+    }
+
+    /// Records the exception that is being handled and lets every worker through to notice it.
+    void fail() {
+        state_.recordError(std::current_exception());
+        gate_.release();
+    }
+
     template <typename Job>
     void work(Track track, const Job& job) {
         try {
             job();
         } catch (...) {
-            state_.recordError(std::current_exception());
-            gate_.release();
+            fail();
         }
         gate_.finish(track);
         group_.leave();
@@ -102,43 +120,24 @@ private:
 
     bool shouldStop() const { return isCancelled_() || state_.hasError(); }
 
-    VideoFrame frameAt(const HeldFrames& held, SourceSeconds time) {
-        const TimedFrame& previous = *held.previous();
-        const auto& next = held.next();
-        if (inputs_.renderer && next && previous.time < time && time < next->time &&
-            OpticalFlowScope::contains(inputs_.plan.opticalFlowRanges, time))
-            return inputs_.renderer->render({previous, *next, held.before(), held.after()}, time);
-        return previous.frame;
-    }
-
-    /// Decodes, makes in-between frames, crops and zooms, a few frames ahead of the encoder.
-    void renderFrames(FrameQueue& queue) {
-        const ExportPlan& plan = inputs_.plan;
-        HeldFrames held(inputs_.video, inputs_.renderer ? HeldFrames::Context::kept : HeldFrames::Context::none);
-        CropZoomRenderer framing(plan.framing);
-        std::size_t cursor = 0;
-        for (std::int64_t i = 0; i < plan.frameCount; ++i) {
-            if (shouldStop()) return;
-            const OutputSeconds outputTime{plan.video.frameDuration.secondsTimes(i)};
-            const SourceSeconds sourceTime = plan.timeMap.sourceTime(outputTime, cursor);
-            held.advanceTo(sourceTime);
-            if (!held.previous()) return;
-            if (!queue.push(framing.render(frameAt(held, sourceTime), sourceTime, i))) return;
+    /// Makes the output's frames, a few ahead of the encoder.
+    void produceFrames(FrameQueue& queue) {
+        try {
+            OutputFrames frames(inputs_.plan, inputs_.video, inputs_.renderer);
+            while (!shouldStop()) {
+                auto frame = frames.next();
+                if (!frame || !queue.push(std::move(*frame))) break;
+            }
+        } catch (...) {
+            fail();
         }
+        queue.close();
     }
 
     void writeVideo() {
         const ExportPlan& plan = inputs_.plan;
         FrameQueue queue(framesAhead);
-        const std::jthread producer([&] {
-            try {
-                renderFrames(queue);
-            } catch (...) {
-                state_.recordError(std::current_exception());
-                gate_.release();
-            }
-            queue.close();
-        });
+        const std::jthread producer = started([&] { produceFrames(queue); });
         const StopAtExit stopAtExit{queue};
         std::int64_t written = 0;
         while (const auto frame = queue.pop()) {
@@ -172,6 +171,7 @@ private:
 
     const RenderInputs inputs_;
     const std::function<bool()>& isCancelled_;
+    const ThreadStarter& start_;
     RenderState state_;
     InterleaveGate gate_;
     WorkerGroup group_;
@@ -180,9 +180,9 @@ private:
 } // namespace
 
 void renderInterleaved(const RenderInputs& inputs, const LogSink& log, const ProgressHandler& onProgress,
-                       const std::function<bool()>& isCancelled) {
+                       const std::function<bool()>& isCancelled, const ThreadStarter& start) {
     log(fmt::format("[Export] Rendering {} video frames at source frame rate...", inputs.plan.frameCount));
-    InterleavedRender render(inputs, isCancelled);
+    InterleavedRender render(inputs, isCancelled, start);
     render.run(onProgress);
     log(fmt::format("[Export] Video done: {} frames, audio done: {}", render.framesWritten(),
                     inputs.audio ? "yes" : "no audio"));

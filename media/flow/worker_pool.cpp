@@ -12,10 +12,6 @@ namespace {
 constexpr int bandRows = 32;
 } // namespace
 
-std::jthread startThread(std::function<void()> body) {
-    return std::jthread(std::move(body));
-}
-
 // Once the delegated constructor has returned, whatever is thrown here runs the destructor, which stops the threads
 // that were made; without it they would be joined while they wait for work.
 WorkerPool::WorkerPool(int threads, const ThreadStarter& start)

@@ -1,6 +1,8 @@
 // A fixed set of threads that share out the parts of one job, so that an in-between frame takes all cores.
 #pragma once
 
+#include "media/thread_starter.h"
+
 #include <condition_variable>
 #include <exception>
 #include <functional>
@@ -9,10 +11,6 @@
 #include <vector>
 
 namespace flowtide::flow {
-
-/// Starts a thread that runs `body`. Throws std::system_error when there can be no more threads.
-using ThreadStarter = std::function<std::jthread(std::function<void()> body)>;
-std::jthread startThread(std::function<void()> body);
 
 /// Runs the tasks of one job at a time on the calling thread and on its own. Used by one thread at a time.
 class WorkerPool {

@@ -128,4 +128,21 @@ private:
     MediaScript script_;
 };
 
+/// Plays frames at given times, each with its place in the list as its number.
+class FrameSequence : public VideoReader {
+public:
+    explicit FrameSequence(std::vector<double> times)
+        : times_(std::move(times)) {}
+    std::optional<TimedFrame> next() override {
+        if (next_ >= times_.size()) return std::nullopt;
+        const double time = times_[next_];
+        return TimedFrame{numberedFrame({}, 16, 16, static_cast<std::int64_t>(next_++)), {time}};
+    }
+    int concealedFrameCount() const override { return 0; }
+
+private:
+    std::vector<double> times_;
+    std::size_t next_ = 0;
+};
+
 } // namespace flowtide::test
