@@ -59,7 +59,7 @@ double medianMilliseconds(Work work) {
 
 std::string repeated(const std::string& start, const std::string& item, const std::string& end) {
     std::string text = start;
-    while (text.size() + item.size() + end.size() <= largestProjectFile)
+    while (text.size() + item.size() + end.size() <= maximumProjectBytes)
         text += item;
     return text + end;
 }
@@ -67,7 +67,7 @@ std::string repeated(const std::string& start, const std::string& item, const st
 /// An object in which no key occurs twice.
 std::string distinctKeys() {
     std::string text = "{";
-    for (int i = 0; text.size() + 20 < largestProjectFile; ++i)
+    for (int i = 0; text.size() + 20 < maximumProjectBytes; ++i)
         text += "\"" + std::to_string(i) + "\":0,";
     return text + "\"\":0}";
 }
@@ -140,7 +140,7 @@ int main() {
         {"one string", [&] { return repeated("{\"a\":\"", "x", "\"}"); }},
         {"focal points", [&] { return repeated(R"({"edits":{"zoomBlocks":[{"focalKeyframes":[)", point, "0]}]}}"); }},
     };
-    std::printf("worst texts of %.0f MiB (the text is part of the peak)\n", largestProjectFile / 1048576.0);
+    std::printf("worst texts of %.0f MiB (the text is part of the peak)\n", maximumProjectBytes / 1048576.0);
     for (const auto& [name, make] : worst) {
         const Cost cost = costOf(make());
         std::printf("  %-24s %8.1f ms  peak %6.1f MB\n", name, cost.milliseconds, cost.megabytes);

@@ -1,4 +1,4 @@
-// The fingerprint's digest.
+// Which bytes of a clip its fingerprint covers, and their SHA-256.
 #include "project/clip_fingerprint.h"
 
 #include "project/files/file_operations.h"

@@ -1,4 +1,4 @@
-// Drives the JSON library's event parser and hands each value to its place.
+// Drives the JSON library's event parser and stores each value in its field.
 #include "project/json_reader.h"
 
 #include "project/files/project_error.h"
@@ -16,7 +16,7 @@ namespace {
 using Json = nlohmann::json;
 
 /// Far above the seven levels of a project; other keys may nest as deep as common readers accept.
-constexpr std::size_t deepest = 512;
+constexpr std::size_t maximumDepth = 512;
 
 [[noreturn]] void refuse(const std::string& reason) {
     throw ProjectError::invalid("The project file is damaged: " + reason + ".");
@@ -29,13 +29,13 @@ std::string inQuotes(std::string_view key) {
 
 class Events {
 public:
-    explicit Events(Place root)
+    explicit Events(FieldReference root)
         : next_(root) {}
 
     bool null() {
-        const Place place = placeForValue();
+        const FieldReference field = fieldForValue();
         // Null stands for the absence of an optional value.
-        if (!place.isIgnored() && !place.operations->inner) refuseType();
+        if (!field.isIgnored() && !field.type->makeValue) refuseType();
         return true;
     }
     bool boolean(bool value) { return scalar(value); }
@@ -47,38 +47,38 @@ public:
     bool binary(const Json::binary_t&) { return false; }
 
     bool start_object(std::size_t) {
-        enter(false);
+        openContainer(false);
         return true;
     }
     bool key(const std::string& name) {
         Level& level = levels_.back();
         const auto member =
-            level.place.isIgnored() ? std::nullopt : level.place.operations->member(level.place.target, name);
+            level.field.isIgnored() ? std::nullopt : level.field.type->findMember(level.field.target, name);
         if (!member) {
-            otherKeys_.push_back(name);
+            unknownKeys_.push_back(name);
             next_ = {};
             return true;
         }
         const std::uint64_t bit = std::uint64_t{1} << member->index;
         if (level.seen & bit) refuse(inQuotes(name) + " occurs twice");
         level.seen |= bit;
-        next_ = member->place;
+        next_ = member->field;
         key_ = name;
         return true;
     }
     bool end_object() {
         const Level level = levels_.back();
         levels_.pop_back();
-        if (!level.place.isIgnored()) {
-            const auto missing = level.place.operations->missing(level.place.target, level.seen);
+        if (!level.field.isIgnored()) {
+            const auto missing = level.field.type->firstMissingKey(level.field.target, level.seen);
             if (!missing.empty()) refuse(inQuotes(missing) + " is missing");
         }
-        requireDistinct(level.firstOtherKey);
+        requireDistinct(level.firstUnknownKey);
         return true;
     }
 
     bool start_array(std::size_t) {
-        enter(true);
+        openContainer(true);
         return true;
     }
     bool end_array() {
@@ -93,62 +93,61 @@ public:
 private:
     /// An open object or array.
     struct Level {
-        Place place;
+        FieldReference field;
         bool isArray;
-        std::size_t firstOtherKey; ///< in otherKeys_
-        std::uint64_t seen = 0;    ///< a bit for each own key, by its number
+        std::size_t firstUnknownKey; ///< in unknownKeys_
+        std::uint64_t seen = 0;      ///< a bit for each own key, by its number
     };
 
-    /// Where the value goes that has just begun.
-    Place placeForValue() {
+    /// The field of the value that has just begun.
+    FieldReference fieldForValue() {
         if (levels_.empty() || !levels_.back().isArray) return next_;
-        const Place list = levels_.back().place;
-        return list.isIgnored() ? Place{} : list.operations->element(list.target);
+        const FieldReference list = levels_.back().field;
+        return list.isIgnored() ? FieldReference{} : list.type->appendElement(list.target);
     }
 
     bool scalar(const Scalar& value) {
-        Place place = placeForValue();
-        if (place.isIgnored()) return true;
-        if (place.operations->inner) place = place.operations->inner(place.target);
-        if (!place.operations->take || !place.operations->take(place.target, value)) refuseType();
+        FieldReference field = fieldForValue();
+        if (field.isIgnored()) return true;
+        if (field.type->makeValue) field = field.type->makeValue(field.target);
+        if (!field.type->assign || !field.type->assign(field.target, value)) refuseType();
         return true;
     }
 
-    void enter(bool isArray) {
-        Place place = placeForValue();
-        if (!place.isIgnored() && place.operations->inner) place = place.operations->inner(place.target);
-        if (!place.isIgnored() &&
-            !(isArray ? place.operations->element != nullptr : place.operations->member != nullptr))
+    void openContainer(bool isArray) {
+        FieldReference field = fieldForValue();
+        if (!field.isIgnored() && field.type->makeValue) field = field.type->makeValue(field.target);
+        if (!field.isIgnored() && !(isArray ? field.type->appendElement != nullptr : field.type->findMember != nullptr))
             refuseType();
-        if (levels_.size() == deepest) refuse("it nests too deep");
-        levels_.push_back({place, isArray, otherKeys_.size()});
+        if (levels_.size() == maximumDepth) refuse("it nests too deep");
+        levels_.push_back({field, isArray, unknownKeys_.size()});
     }
 
-    /// Drops the other keys of the object that ends, after making sure that none occurs twice. Sorting keeps this
+    /// Drops the unknown keys of the object that ends, after making sure that none occurs twice. Sorting keeps this
     /// quick for any choice of keys.
-    void requireDistinct(std::size_t firstOtherKey) {
-        const auto first = otherKeys_.begin() + static_cast<std::ptrdiff_t>(firstOtherKey);
-        std::sort(first, otherKeys_.end());
-        if (std::adjacent_find(first, otherKeys_.end()) != otherKeys_.end()) refuse("a key occurs twice");
-        otherKeys_.erase(first, otherKeys_.end());
+    void requireDistinct(std::size_t firstUnknownKey) {
+        const auto first = unknownKeys_.begin() + static_cast<std::ptrdiff_t>(firstUnknownKey);
+        std::sort(first, unknownKeys_.end());
+        if (std::adjacent_find(first, unknownKeys_.end()) != unknownKeys_.end()) refuse("a key occurs twice");
+        unknownKeys_.erase(first, unknownKeys_.end());
     }
 
     [[noreturn]] void refuseType() const {
         refuse(key_.empty() ? "it is no such document" : "a value of " + inQuotes(key_) + " has the wrong type");
     }
 
-    Place next_; ///< of the value after a key, and of the whole text
+    FieldReference next_; ///< of the value after a key, and of the whole text
     std::vector<Level> levels_;
-    std::vector<std::string> otherKeys_; ///< of the open objects, outermost first
-    std::string key_;                    ///< the last own key, for messages
+    std::vector<std::string> unknownKeys_; ///< of the open objects, outermost first
+    std::string key_;                      ///< the last own key, for messages
 };
 
 } // namespace
 
-void read(std::string_view text, Place place) {
+void parse(std::string_view text, FieldReference field) {
     // The library takes a NUL for the end of the text and would not look at what follows.
     if (text.find('\0') != std::string_view::npos) refuse("it is not valid JSON");
-    Events events(place);
+    Events events(field);
     if (!Json::sax_parse(text.begin(), text.end(), &events)) refuse("it is not valid JSON");
 }
 

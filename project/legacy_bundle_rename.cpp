@@ -1,4 +1,4 @@
-// The decision and the steps of the rename.
+// Decides whether the bundle still has its former name, moves it and has a shell open it again.
 #include "project/legacy_bundle_rename.h"
 
 namespace flowtide::LegacyBundleRename {

@@ -1,4 +1,4 @@
-// The documents on top of the JSON library's writer and of our reader.
+// Writes documents through the JSON library and reads them through our own reader.
 #include "project/project_json.h"
 
 #include "project/files/project_error.h"
@@ -86,7 +86,7 @@ std::string encoded(const Document& document) {
 std::string encodeProject(const FlowtideProject& project) {
     validate(project);
     std::string text = encoded(project);
-    if (text.size() > largestProjectFile) throw ProjectError::invalid("The project is too large to be stored.");
+    if (text.size() > maximumProjectBytes) throw ProjectError::invalid("The project is too large to be stored.");
     return text;
 }
 

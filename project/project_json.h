@@ -11,8 +11,8 @@
 
 namespace flowtide {
 
-constexpr std::size_t largestProjectFile = 16'777'216; ///< bytes; larger documents are neither written nor read
-constexpr std::size_t largestRecentIndex = 1'048'576;  ///< bytes
+constexpr std::size_t maximumProjectBytes = 16'777'216; ///< larger documents are neither written nor read
+constexpr std::size_t maximumRecentIndexBytes = 1'048'576;
 
 /// Validates and writes. Throws ProjectError for a broken rule, and for a document that would be too large to read.
 std::string encodeProject(const FlowtideProject& project);

@@ -1,4 +1,4 @@
-// The store on top of documents, safe reading and atomic writing.
+// Saves, lists, finds and relinks projects, under the lock of their folder.
 #include "project/project_store.h"
 
 #include "project/clip_fingerprint.h"
@@ -30,7 +30,7 @@ std::string clipName(const FlowtideProject& project) {
 }
 
 /// Replaces the project's entry where it stands; a new one comes to the front.
-void enter(RecentProjects& list, const RecentProject& entry) {
+void addOrReplace(RecentProjects& list, const RecentProject& entry) {
     const auto same =
         std::find_if(list.begin(), list.end(), [&](const RecentProject& each) { return each.id == entry.id; });
     if (same != list.end())
@@ -59,7 +59,8 @@ void ProjectStore::save(const FlowtideProject& project) {
     makePrivateFolders(operations_, directory_);
     changeRecent([&](RecentProjects& list) {
         writeAtomically(operations_, file, document);
-        enter(list, {project.id, clipName(project), Url::ofFile(file), project.source.fingerprint, project.savedAt});
+        addOrReplace(list,
+                     {project.id, clipName(project), Url::ofFile(file), project.source.fingerprint, project.savedAt});
         return true;
     });
     removeLegacySidecar(project);
@@ -67,10 +68,10 @@ void ProjectStore::save(const FlowtideProject& project) {
 
 RecentProjects ProjectStore::recent() const {
     try {
-        auto list = decodeRecentProjects(LocalFileSafety::read(indexFile(), largestRecentIndex));
+        auto list = decodeRecentProjects(LocalFileSafety::read(indexFile(), maximumRecentIndexBytes));
         std::erase_if(list, [](const RecentProject& entry) { return !entry.projectURL.filePath(); });
         for (RecentProject& entry : list)
-            findMoved(entry);
+            followMovedFolder(entry);
         return list;
     } catch (const ProjectError&) {
         return {};
@@ -78,7 +79,7 @@ RecentProjects ProjectStore::recent() const {
 }
 
 /// After the whole folder was moved the list still names the files' old places.
-void ProjectStore::findMoved(RecentProject& entry) const {
+void ProjectStore::followMovedFolder(RecentProject& entry) const {
     const fs::path own = projectFile(entry.id);
     const fs::path listed = *entry.projectURL.filePath();
     std::error_code ignored;
@@ -112,7 +113,7 @@ void ProjectStore::changeRecent(const std::function<bool(RecentProjects&)>& chan
     removeAbandonedSaves(operations_, directory_);
     RecentProjects list = recent();
     if (!change(list)) return;
-    if (list.size() > mostRecentProjects) list.resize(mostRecentProjects);
+    if (list.size() > maximumRecentProjects) list.resize(maximumRecentProjects);
     writeAtomically(operations_, indexFile(), encodeRecentProjects(list));
 }
 
@@ -147,7 +148,7 @@ std::optional<FlowtideProject> ProjectStore::loadFor(const std::string& fingerpr
 }
 
 FlowtideProject ProjectStore::load(const fs::path& file) {
-    return decodeProject(LocalFileSafety::read(file, largestProjectFile));
+    return decodeProject(LocalFileSafety::read(file, maximumProjectBytes));
 }
 
 std::optional<fs::path> ProjectStore::resolve(const FlowtideProject& project) {

@@ -16,7 +16,7 @@ namespace flowtide {
 /// that several processes can use one folder. One thread at a time.
 class ProjectStore {
 public:
-    static constexpr std::size_t mostRecentProjects = 50;
+    static constexpr std::size_t maximumRecentProjects = 50;
 
     /// `directory`: the folder; without one stateDirectory(), which can throw ProjectError. Folder and files are
     /// created on the first save. `operations` must outlive the store.
@@ -50,7 +50,7 @@ public:
     FlowtideProject relink(FlowtideProject project, const std::filesystem::path& clip);
 
 private:
-    void findMoved(RecentProject& entry) const;
+    void followMovedFolder(RecentProject& entry) const;
     void changeRecent(const std::function<bool(RecentProjects&)>& change);
     void removeLegacySidecar(const FlowtideProject& project);
     std::filesystem::path indexFile() const;

@@ -1,4 +1,4 @@
-// One line of the library's list.
+// An entry of the list of recent projects.
 #pragma once
 
 #include "core/uuid.h"

@@ -1,4 +1,4 @@
-// The state folder's place, and the move from its former ones.
+// The order in which the state folder is looked for, and the move from its former ones.
 #include "project/state_directory.h"
 
 #include "project/files/atomic_file.h"

@@ -1,4 +1,4 @@
-// Where projects live.
+// Finds the folder that projects are kept in, and brings in what the folders of former names hold.
 #pragma once
 
 #include "project/files/file_operations.h"

@@ -1,4 +1,4 @@
-// The system calls behind FileOperations.
+// The operating system's calls, interrupted ones made again.
 #include "project/files/file_operations.h"
 
 #include "project/files/project_error.h"

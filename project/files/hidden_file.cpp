@@ -1,4 +1,4 @@
-// The steps of replacing a file, in the order that makes it safe.
+// Creates, fills and renames hidden files, each step in the order that keeps the destination whole.
 #include "project/files/hidden_file.h"
 
 #include "core/uuid.h"
@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t longestName = 255; // bytes: NAME_MAX of Linux's file systems
+constexpr std::size_t maximumNameBytes = 255; // NAME_MAX of Linux's file systems
 constexpr std::size_t uuidLength = 36;
 constexpr mode_t permissionBits = 0777;
 
@@ -56,12 +56,12 @@ std::optional<mode_t> modeOf(FileOperations& operations, const fs::path& path) {
 } // namespace
 
 bool HiddenName::fits(std::string_view extension, std::string_view marker) {
-    return 1 + marker.size() + uuidLength + extension.size() <= longestName;
+    return 1 + marker.size() + uuidLength + extension.size() <= maximumNameBytes;
 }
 
 fs::path HiddenName::newPathBeside(const fs::path& destination) const {
     const std::string rest = marker + Uuid::random().text() + extension;
-    const std::size_t room = longestName - std::min(longestName, 1 + rest.size());
+    const std::size_t room = maximumNameBytes - std::min(maximumNameBytes, 1 + rest.size());
     return folderOf(destination) / ("." + std::string(shortened(stem, room)) + rest);
 }
 

@@ -1,4 +1,4 @@
-// Reading and checking chosen files.
+// Reads chosen files without following links or waiting, and compares locations with links resolved.
 #include "project/files/local_file_safety.h"
 
 #include "project/files/project_error.h"
@@ -19,7 +19,7 @@ std::filesystem::path resolved(const std::filesystem::path& path) {
     return error ? absolute.lexically_normal() : canonical;
 }
 
-std::filesystem::path fileOf(const Url& url, const char* refusal) {
+std::filesystem::path pathOf(const Url& url, const char* refusal) {
     const auto path = url.filePath();
     if (!path) throw ProjectError::invalid(refusal);
     return *path;
@@ -49,7 +49,7 @@ std::string read(const std::filesystem::path& path, std::size_t maximumBytes) {
 }
 
 std::string read(const Url& url, std::size_t maximumBytes) {
-    return read(fileOf(url, "Choose a file on your Mac."), maximumBytes);
+    return read(pathOf(url, "Choose a file on your Mac."), maximumBytes);
 }
 
 void requireRegularFile(const std::filesystem::path& path) {
@@ -58,7 +58,7 @@ void requireRegularFile(const std::filesystem::path& path) {
 }
 
 void requireRegularFile(const Url& url) {
-    requireRegularFile(fileOf(url, "Choose a video file on your Mac."));
+    requireRegularFile(pathOf(url, "Choose a video file on your Mac."));
 }
 
 void requireDistinct(const std::filesystem::path& source, const std::filesystem::path& destination) {
@@ -70,7 +70,7 @@ void requireDistinct(const std::filesystem::path& source, const std::filesystem:
 
 void requireDistinct(const Url& source, const Url& destination) {
     constexpr const char* refusal = "Choose a destination on your Mac.";
-    requireDistinct(fileOf(source, refusal), fileOf(destination, refusal));
+    requireDistinct(pathOf(source, refusal), pathOf(destination, refusal));
 }
 
 } // namespace flowtide::LocalFileSafety

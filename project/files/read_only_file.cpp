@@ -1,4 +1,4 @@
-// POSIX reading.
+// Opens a file once and reads from its descriptor, so that what was checked is what is read.
 #include "project/files/read_only_file.h"
 
 #include <fcntl.h>

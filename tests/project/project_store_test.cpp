@@ -177,10 +177,10 @@ TEST_F(ProjectStoreTest, ChosenFiles) {
     EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "link"); }),
               "The file could not be opened. Choose a regular file, not a symbolic link.");
     std::string text = encodeProject(project);
-    text.resize(largestProjectFile, ' ');
+    text.resize(maximumProjectBytes, ' ');
     writeFile(folder / "project", text);
     EXPECT_EQ(ProjectStore::load(folder / "project"), project);
-    for (const std::uintmax_t size : {std::uintmax_t{largestProjectFile} + 1, std::uintmax_t{20} << 20}) {
+    for (const std::uintmax_t size : {std::uintmax_t{maximumProjectBytes} + 1, std::uintmax_t{20} << 20}) {
         fs::resize_file(folder / "project", size);
         EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "project"); }),
                   "The file is not a regular file or exceeds the supported size.");

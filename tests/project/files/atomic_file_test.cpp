@@ -190,7 +190,7 @@ TEST(AtomicSave, TheProcessDiesAtEveryOperation) {
 
 TEST(AtomicSave, ProcessesThatSaveTogetherLoseNothing) {
     constexpr std::size_t processes = 2;
-    constexpr std::size_t projects = ProjectStore::mostRecentProjects / processes;
+    constexpr std::size_t projects = ProjectStore::maximumRecentProjects / processes;
     constexpr std::size_t rounds = 1'000 / projects;
     const TemporaryFolder folder;
     // What a dead process leaves behind keeps nobody waiting.
