@@ -152,8 +152,9 @@ std::vector<Rule> rules() {
         {"inverted trim", [](auto& p) { p.edits.trimStart = 6, p.edits.trimEnd = 5; }, valuesSentence},
         {"no keyframes", [](auto& p) { p.edits.keyframes.clear(); }, valuesSentence},
         {"no framing", [](auto& p) { p.edits.centerKeyframes.clear(); }, valuesSentence},
-        {"equal keyframes", [](auto& p) { p.edits.keyframes[1].id = p.edits.keyframes[0].id; }, valuesSentence},
-        {"equal framing", [](auto& p) { p.edits.centerKeyframes[1].id = p.edits.centerKeyframes[0].id; },
+        // Not beside each other.
+        {"equal keyframes", [](auto& p) { p.edits.keyframes.push_back(p.edits.keyframes[0]); }, valuesSentence},
+        {"equal framing", [](auto& p) { p.edits.centerKeyframes.push_back(p.edits.centerKeyframes[0]); },
          valuesSentence},
         {"shared by both curves", [](auto& p) { p.edits.centerKeyframes[0].id = p.edits.keyframes[0].id; }, ""},
         {"unsorted keyframes", [](auto& p) { std::swap(p.edits.keyframes[0], p.edits.keyframes[1]); }, ""},
