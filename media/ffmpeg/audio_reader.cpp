@@ -42,6 +42,7 @@ public:
         deliverOnly(*movie_.format, *movie_.audio);
         decoder_ = openDecoder(*movie_.audio, startFailure);
         lastIndexed_ = lastIndexedDecodeTime(*movie_.audio);
+        reachedIndexEnd_ = !lastIndexed_;
         if (const auto span = spanOf(*movie_.audio)) trackEnd_ = span->end;
         if (range.lower > prerollSeconds) {
             const AVRational base = movie_.audio->time_base;
@@ -82,15 +83,13 @@ private:
         throwIfCancelled(isCancelled_);
         const int read = av_read_frame(movie_.format.get(), packet_.get());
         if (read < 0) {
-            const bool exhausted = !lastIndexed_ || lastDecodeTime_ >= *lastIndexed_;
-            truncated_ = read != AVERROR_EOF || !exhausted;
+            truncated_ = read != AVERROR_EOF || !reachedIndexEnd_;
             draining_ = true;
             avcodec_send_packet(decoder_.get(), nullptr);
             return;
         }
         if (packet_->stream_index == movie_.audio->index) {
-            if (packet_->dts != AV_NOPTS_VALUE)
-                lastDecodeTime_ = packet_->dts + std::max<std::int64_t>(packet_->duration - 1, 0);
+            reachedIndexEnd_ = reachesIndexEnd(*packet_, lastIndexed_);
             if (avcodec_send_packet(decoder_.get(), packet_.get()) < 0) noteDamage();
         }
         av_packet_unref(packet_.get());
@@ -158,7 +157,7 @@ private:
     std::optional<std::int64_t> lastIndexed_;
     std::optional<double> trackEnd_;
     std::optional<double> nextStart_;
-    std::int64_t lastDecodeTime_ = AV_NOPTS_VALUE;
+    bool reachedIndexEnd_ = false; ///< the last packet read is the last one that the file's index lists
     int damagedStretches_ = 0;
     bool inDamage_ = false;
     bool draining_ = false;

@@ -60,6 +60,16 @@ std::optional<std::int64_t> lastIndexedDecodeTime(AVStream& stream) {
     return avformat_index_get_entry(&stream, count - 1)->timestamp;
 }
 
+bool reachesIndexEnd(const AVPacket& packet, const std::optional<std::int64_t>& lastIndexed) {
+    if (!lastIndexed) return true;
+    if (packet.dts == AV_NOPTS_VALUE) return false;
+    // Packets of linear PCM can hold several samples of the index.
+    const std::int64_t last = packet.dts + std::max<std::int64_t>(packet.duration - 1, 0);
+    if (last < *lastIndexed) return false;
+    // Times of what an edit list hides run on into later edits: only the very sample counts.
+    return !(packet.flags & AV_PKT_FLAG_DISCARD) || packet.dts <= *lastIndexed;
+}
+
 CodecContextPtr openDecoder(const AVStream& stream, const char* failure) {
     const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
     if (!codec) throw FlowtideError::readerFailed(failure);

@@ -35,6 +35,9 @@ std::optional<StreamSpan> spanOf(const AVStream& stream);
 /// The decode time of the last sample that the file's index lists; nothing without an index.
 std::optional<std::int64_t> lastIndexedDecodeTime(AVStream& stream);
 
+/// Whether a packet is (or goes beyond) the last sample that the index lists, so that nothing of the file is missing.
+bool reachesIndexEnd(const AVPacket& packet, const std::optional<std::int64_t>& lastIndexed);
+
 /// An opened decoder for a stream, with its threads set up. Throws FlowtideError::readerFailed(failure).
 CodecContextPtr openDecoder(const AVStream& stream, const char* failure);
 

@@ -32,6 +32,7 @@ public:
         deliverOnly(*movie_.format, *movie_.video);
         decoder_ = openDecoder(*movie_.video, "This clip's video codec cannot be decoded");
         lastIndexed_ = lastIndexedDecodeTime(*movie_.video);
+        reachedIndexEnd_ = !lastIndexed_;
     }
 
     std::optional<TimedFrame> next() override {
@@ -57,7 +58,8 @@ public:
         const int found = av_index_search_timestamp(movie_.video, timestampAt(seconds), AVSEEK_FLAG_BACKWARD);
         const AVIndexEntry* keyFrame = found < 0 ? nullptr : avformat_index_get_entry(movie_.video, found);
         // Jumping pays only past frames that the decoder has not been fed yet.
-        if (keyFrame && lastDecodeTime_ != AV_NOPTS_VALUE && keyFrame->timestamp > lastDecodeTime_) seekTo(seconds);
+        if (keyFrame && lastShownDecodeTime_ != AV_NOPTS_VALUE && keyFrame->timestamp > lastShownDecodeTime_)
+            seekTo(seconds);
     }
 
     int concealedFrameCount() const override { return damagedFrames_; }
@@ -105,7 +107,8 @@ private:
         av_seek_frame(movie_.format.get(), movie_.video->index, timestampAt(seconds), AVSEEK_FLAG_BACKWARD);
         avcodec_flush_buffers(decoder_.get());
         waiting_.clear();
-        firstDecodeTime_ = lastDecodeTime_ = AV_NOPTS_VALUE;
+        firstDecodeTime_ = lastShownDecodeTime_ = AV_NOPTS_VALUE;
+        reachedIndexEnd_ = !lastIndexed_;
         fedPastEnd_ = false;
         draining_ = false;
         truncated_ = false;
@@ -135,30 +138,33 @@ private:
         throwIfCancelled(isCancelled_);
         const int read = endReached() ? AVERROR_EOF : av_read_frame(movie_.format.get(), packet_.get());
         if (read < 0) {
-            truncated_ = !endReached() && (read != AVERROR_EOF || !indexExhausted());
+            truncated_ = !endReached() && (read != AVERROR_EOF || !reachedIndexEnd_);
             draining_ = true;
             avcodec_send_packet(decoder_.get(), nullptr);
             return;
         }
         if (packet_->stream_index == movie_.video->index) {
-            const AVRational base = movie_.video->time_base;
-            if (packet_->dts != AV_NOPTS_VALUE) lastDecodeTime_ = packet_->dts;
-            if (firstDecodeTime_ == AV_NOPTS_VALUE) firstDecodeTime_ = packet_->dts;
-            if (packet_->pts != AV_NOPTS_VALUE && secondsOf(packet_->pts, base) > range_.upper) fedPastEnd_ = true;
+            noteTimes(*packet_);
             // The decoder was emptied before, so it always takes the packet; what it cannot decode is a lost frame.
             if (avcodec_send_packet(decoder_.get(), packet_.get()) < 0) ++damagedFrames_;
         }
         av_packet_unref(packet_.get());
     }
 
-    /// Every frame up to the range's end, and one behind it, has been fed.
-    bool endReached() const {
-        return fedPastEnd_ && lastDecodeTime_ != AV_NOPTS_VALUE &&
-               secondsOf(lastDecodeTime_, movie_.video->time_base) > range_.upper;
+    void noteTimes(const AVPacket& packet) {
+        if (firstDecodeTime_ == AV_NOPTS_VALUE) firstDecodeTime_ = packet.dts;
+        reachedIndexEnd_ = reachesIndexEnd(packet, lastIndexed_);
+        // What an edit list hides has times that go on past the edit, into those of the next one.
+        if (packet.flags & AV_PKT_FLAG_DISCARD) return;
+        if (packet.dts != AV_NOPTS_VALUE) lastShownDecodeTime_ = packet.dts;
+        const AVRational base = movie_.video->time_base;
+        if (packet.pts != AV_NOPTS_VALUE && secondsOf(packet.pts, base) > range_.upper) fedPastEnd_ = true;
     }
 
-    bool indexExhausted() const {
-        return !lastIndexed_ || (lastDecodeTime_ != AV_NOPTS_VALUE && lastDecodeTime_ >= *lastIndexed_);
+    /// Every frame up to the range's end, and one behind it, has been fed.
+    bool endReached() const {
+        return fedPastEnd_ && lastShownDecodeTime_ != AV_NOPTS_VALUE &&
+               secondsOf(lastShownDecodeTime_, movie_.video->time_base) > range_.upper;
     }
 
     std::optional<Decoded> endOfFrames() const {
@@ -176,7 +182,8 @@ private:
     std::optional<std::int64_t> lastIndexed_;
     std::deque<Decoded> waiting_;
     std::int64_t firstDecodeTime_ = AV_NOPTS_VALUE; ///< of the packets fed since the last seek
-    std::int64_t lastDecodeTime_ = AV_NOPTS_VALUE;
+    std::int64_t lastShownDecodeTime_ = AV_NOPTS_VALUE;
+    bool reachedIndexEnd_ = false; ///< the last packet read is the last one that the file's index lists
     bool fedPastEnd_ = false;
     bool draining_ = false;
     bool truncated_ = false;

@@ -1,10 +1,15 @@
 // Where reading starts, where it ends, and what stops it on the way.
+#include "media/decode_layout.h"
 #include "media/ffmpeg/ffmpeg_backend.h"
 #include "media/flowtide_error.h"
 #include "tests/support/clip_maker.h"
+#include "tests/support/movie_atoms.h"
 #include "tests/support/temporary_folder.h"
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
 
 namespace flowtide::test {
 namespace {
@@ -15,9 +20,66 @@ protected:
         makeClip(*backend_, folder_ / name, recipe);
         return ImportedClip::load(*backend_, folder_ / name);
     }
+    /// The numbers of the frames from the last one at or before a range to its end, each checked to be at its time.
+    std::vector<std::int64_t> numbersIn(const ImportedClip& clip, SourceRange range) {
+        const auto reader = backend_->openVideo(clip, decodePixelFormat(clip), range);
+        std::vector<std::int64_t> numbers;
+        std::vector<double> times;
+        for (auto frame = reader->next(); frame && frame->time.value < range.upper - 1e-6; frame = reader->next()) {
+            numbers.push_back(numberOf(frame->frame).value_or(-1));
+            times.push_back(frame->time.value);
+        }
+        const double interval = clip.frameDuration.seconds();
+        for (std::size_t i = 0; i < times.size(); ++i)
+            EXPECT_NEAR(times[i], times[0] + static_cast<double>(i) * interval, 1e-6);
+        return numbers;
+    }
     std::unique_ptr<MediaBackend> backend_ = makeFFmpegBackend();
     TemporaryFolder folder_;
 };
+
+TEST_F(VideoReaderTest, EditsPlayOneAfterTheOther) {
+    const std::vector<SourceRange> lists[] = {{{0, 3}, {6, 8}}, {{0, 2}, {1, 3}, {0, 2}}, {{2, 4}, {2, 4}}};
+    for (const auto& edits : lists) {
+        ClipRecipe recipe;
+        recipe.frameCount = 250;
+        makeClip(*backend_, folder_ / "in.mp4", recipe);
+        setEdits(folder_ / "in.mp4", edits);
+        const ImportedClip clip = ImportedClip::load(*backend_, folder_ / "in.mp4");
+        std::vector<std::int64_t> wanted;
+        for (const SourceRange& edit : edits)
+            for (auto number = std::lround(edit.lower * 25); number < std::lround(edit.upper * 25); ++number)
+                wanted.push_back(number);
+        EXPECT_EQ(numbersIn(clip, {0, clip.duration}), wanted);
+        for (std::size_t first = 1; first + 12 < wanted.size(); first += 7) {
+            const auto trimmed =
+                numbersIn(clip, {static_cast<double>(first) / 25, static_cast<double>(first + 10) / 25});
+            const auto begin = wanted.begin() + static_cast<std::ptrdiff_t>(first);
+            EXPECT_EQ(trimmed, std::vector(begin, begin + 10)) << first;
+        }
+    }
+}
+
+TEST_F(VideoReaderTest, AFileThatEndsEarlyIsAFailureWhereItsPicturesAreAskedFor) {
+    for (const bool edited : {false, true}) {
+        ClipRecipe recipe;
+        recipe.frameCount = 100;
+        recipe.sampleRate = 48'000; // sound in between makes several chunks of the pictures
+        makeClip(*backend_, folder_ / "in.mp4", recipe);
+        if (edited) setEdits(folder_ / "in.mp4", {{0, 1}, {2, 3.6}});
+        loseLastChunk(folder_ / "in.mp4", 0);
+        const ImportedClip clip = ImportedClip::load(*backend_, folder_ / "in.mp4");
+        EXPECT_EQ(numbersIn(clip, {0, 1}).size(), 25U);
+        try {
+            const auto reader = backend_->openVideo(clip, decodePixelFormat(clip), {0, clip.duration});
+            while (reader->next()) {
+            }
+            ADD_FAILURE() << edited;
+        } catch (const FlowtideError& error) {
+            EXPECT_STREQ(error.what(), "Asset reader failed: Video decode failed mid-file");
+        }
+    }
+}
 
 TEST_F(VideoReaderTest, CancelIsHeardOnTheWayToTheRange) {
     ClipRecipe recipe;
