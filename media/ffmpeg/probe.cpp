@@ -5,6 +5,7 @@
 #include "media/ffmpeg/frame_bridge.h"
 #include "media/ffmpeg/hdr_metadata.h"
 #include "media/ffmpeg/movie_input.h"
+#include "media/ffmpeg/sample_times.h"
 #include "media/flowtide_error.h"
 
 extern "C" {
@@ -42,35 +43,30 @@ ColorCodes mergedColor(const ColorCodes& container, const ColorCodes& stream) {
             container.matrix != AVCOL_SPC_UNSPECIFIED ? container.matrix : stream.matrix};
 }
 
-/// The distance of the track's samples in decode order, when it never varies. The last sample's own length counts for
-/// nothing: writers often make it up. A single sample has only that.
-std::optional<MediaTime> constantInterval(AVStream& stream) {
+/// The track's rate and, where it has one, its constant interval.
+void readTiming(const std::filesystem::path& path, AVStream& stream, VideoTrack& track) {
     const auto interval = [&](std::int64_t ticks) -> std::optional<MediaTime> {
         if (ticks <= 0 || ticks > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
         return MediaTime::reduced(ticks * stream.time_base.num, stream.time_base.den);
     };
-    const int count = avformat_index_get_entries_count(&stream);
-    if (count == 1) return interval(stream.duration);
-    if (count < 2) return std::nullopt;
-    // A hostile file's timestamps can be anything: unsigned differences wrap instead of overflowing.
-    const auto timestamp = [&](int i) {
-        return static_cast<std::uint64_t>(avformat_index_get_entry(&stream, i)->timestamp);
-    };
-    const std::uint64_t first = timestamp(1) - timestamp(0);
-    for (int i = 2; i < count; ++i)
-        if (timestamp(i) - timestamp(i - 1) != first) return std::nullopt;
-    return interval(static_cast<std::int64_t>(first));
+    if (stream.avg_frame_rate.den != 0) track.nominalFrameRate = av_q2d(stream.avg_frame_rate);
+    const SampleTimes times = sampleTimes(path, stream);
+    if (times.size() == 1) {
+        track.constantSampleInterval = interval(stream.duration); // all that a single sample has
+    } else if (const auto nominal = nominalSampleInterval(times)) {
+        track.nominalFrameRate = stream.time_base.den / (stream.time_base.num * *nominal);
+        if (const auto constant = constantSampleInterval(times)) track.constantSampleInterval = interval(*constant);
+    }
 }
 
 std::optional<double> positiveRate(std::int64_t bitRate) {
     return bitRate > 0 ? std::optional<double>(static_cast<double>(bitRate)) : std::nullopt;
 }
 
-VideoTrack videoTrack(AVStream& stream, const ColorCodes& containerColor) {
+VideoTrack videoTrack(const std::filesystem::path& path, AVStream& stream, const ColorCodes& containerColor) {
     const AVCodecParameters& parameters = *stream.codecpar;
     VideoTrack track;
-    track.constantSampleInterval = constantInterval(stream);
-    if (stream.avg_frame_rate.den != 0) track.nominalFrameRate = av_q2d(stream.avg_frame_rate);
+    readTiming(path, stream, track);
     track.encodedWidth = parameters.width;
     track.encodedHeight = parameters.height;
     track.codec = codeOf(parameters);
@@ -150,7 +146,7 @@ ProbedMedia probeMovie(const std::filesystem::path& path) {
 
     ProbedMedia media;
     if (movie.video) {
-        media.video = videoTrack(*movie.video, containerColor);
+        media.video = videoTrack(path, *movie.video, containerColor);
         readPictureMetadata(*movie.video, media.metadata);
     }
     if (movie.audio) media.audio = audioTrack(*movie.audio);
