@@ -34,7 +34,7 @@ FlowtideProject largeProject() {
     project.id = Uuid::random();
     project.savedAt = ReferenceDate::now();
     project.source = {Url::ofFile("/clips/clip.mov"), {}, std::string(64, 'a'), 3600};
-    for (std::size_t i = 0; i < ProjectLimits::points; ++i)
+    for (std::size_t i = 0; i < mostKeyframes; ++i)
         project.edits.keyframes.push_back({Uuid::random(), 3600 * uniform(), 0.01 + 99 * uniform()});
     project.edits.centerKeyframes.push_back({Uuid::random(), 0, 0.5});
     project.edits.trimEnd = 3600;

@@ -38,11 +38,13 @@ constexpr double widthOverHeight(CropAspectRatio ratio) {
 
 /// Where a crop sits that nothing has moved, as a fraction of its travel.
 constexpr double centeredCrop = 0.5;
+constexpr double leftmostCrop = 0;  ///< lowest crop centre
+constexpr double rightmostCrop = 1; ///< highest crop centre
 
 /// How an export is cropped: full source height, `aspectRatio` × height wide, moving along the framing curve.
 struct VerticalCropSettings {
     double aspectRatio = widthOverHeight(CropAspectRatio::nineBySixteen);
-    SpeedKeyframes centerKeyframes; ///< `speed` holds the crop centre, 0...1 of the travel; empty: stays centred
+    SpeedKeyframes centerKeyframes; ///< `speed` holds the crop centre as a fraction of its travel; empty: stays centred
     double smoothing = 0.5;         ///< glide, 0...1
     friend bool operator==(const VerticalCropSettings&, const VerticalCropSettings&) = default;
 };

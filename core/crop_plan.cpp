@@ -12,7 +12,7 @@ namespace flowtide {
 
 namespace {
 
-constexpr CurveEngine::Limits wholeTravel{0, 1};
+constexpr CurveEngine::Limits wholeTravel{leftmostCrop, rightmostCrop};
 
 /// Rounds to the nearest even number, halves away from zero.
 std::int64_t evenRounded(double value) {

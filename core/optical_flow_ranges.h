@@ -5,11 +5,14 @@
 #include "core/time.h"
 #include "core/uuid.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace flowtide {
 
 using SourceRanges = std::vector<SourceRange>;
+
+constexpr std::size_t mostRanges = 1'000; ///< of one list of Optical Flow or original-frame ranges
 
 /// A range that is stored in projects and shown in the editor; `start` and `end` in source seconds.
 struct OpticalFlowRange {

@@ -3,6 +3,7 @@
 
 #include "core/uuid.h"
 
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -28,7 +29,7 @@ constexpr std::string_view rawValue(SpeedKeyframeRole role) {
 struct SpeedKeyframe {
     Uuid id;          ///< identity for selection, dragging and undo; survives every move
     double time = 0;  ///< seconds of the source, from the clip's start
-    double speed = 1; ///< playback speed at `time`, 1 = real time
+    double speed = 1; ///< playback speed at `time`, realTimeSpeed as recorded
     SpeedKeyframeRole role = SpeedKeyframeRole::curve;
 
     friend bool operator==(const SpeedKeyframe&, const SpeedKeyframe&) = default;
@@ -36,7 +37,9 @@ struct SpeedKeyframe {
 
 using SpeedKeyframes = std::vector<SpeedKeyframe>;
 
-constexpr double lowestSpeed = 0.01;   ///< speeds are raised to it when read from text and when integrated
-constexpr double highestSpeed = 100.0; ///< and lowered to it
+constexpr double realTimeSpeed = 1;
+constexpr double lowestSpeed = 0.01;          ///< speeds are raised to it when read from text and when integrated
+constexpr double highestSpeed = 100.0;        ///< and lowered to it
+constexpr std::size_t mostKeyframes = 19'999; ///< of one stored curve
 
 } // namespace flowtide

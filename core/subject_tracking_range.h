@@ -3,7 +3,11 @@
 
 #include "core/uuid.h"
 
+#include <cstddef>
+
 namespace flowtide {
+
+constexpr std::size_t mostTrackingRanges = 10'000; ///< of one project
 
 /// Stored in projects and shown in the coverage bar; times in source seconds.
 struct SubjectTrackingRange {

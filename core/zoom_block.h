@@ -3,6 +3,7 @@
 
 #include "core/uuid.h"
 
+#include <cstddef>
 #include <string_view>
 #include <vector>
 
@@ -39,14 +40,20 @@ struct ZoomBlock {
     Uuid id;
     double startTime = 0;      ///< source seconds
     double endTime = 0;        ///< source seconds, after startTime
-    double amount = 1.2;       ///< full zoom factor, 1.1 to 4
-    double rampDuration = 0.6; ///< each ramp, in output seconds, 0 (hard cut) to 3
+    double amount = 1.2;       ///< full zoom factor, lowestZoomAmount to highestZoomAmount
+    double rampDuration = 0.6; ///< each ramp, in output seconds, 0 (hard cut) to longestZoomRamp
     double focalX = 0.5;       ///< used when there are no focal keyframes
     double focalY = 0.5;
     std::vector<ZoomFocalKeyframe> focalKeyframes; ///< sorted by progress
     ZoomMode mode = ZoomMode::inOut;
     friend bool operator==(const ZoomBlock&, const ZoomBlock&) = default;
 };
+
+constexpr double lowestZoomAmount = 1.1;
+constexpr double highestZoomAmount = 4;
+constexpr double longestZoomRamp = 3;              ///< output seconds
+constexpr std::size_t mostZoomBlocks = 999;        ///< of one project
+constexpr std::size_t mostFocalKeyframes = 19'999; ///< of one stored block
 
 /// All blocks of an export, sorted by start.
 struct ZoomSettings {

@@ -20,10 +20,6 @@ constexpr std::int64_t largestSide = 32'768;
 constexpr double highestSampleRate = 768'000;
 constexpr std::int64_t mostChannels = 64;
 
-// A track's own sample interval stands only while it tells the same rate as the track does, by the tolerance with
-// which exports are compared with their source; otherwise every export of the clip would miss one or the other.
-constexpr double frameRateTolerance = 0.01;
-
 std::int64_t roundedSide(double side) {
     return std::llround(std::min(std::abs(side), 1e9));
 }
@@ -71,6 +67,8 @@ ImportedClip ImportedClip::load(const MediaBackend& backend, const std::filesyst
     if (clip.audio) requireValidAudio(*clip.audio);
 
     clip.frameDuration = nominalFrameDuration(clip.frameRate);
+    // The track's own sample interval stands only while it tells the same rate as the track does, as exports are
+    // compared with their source by both: otherwise every export of the clip would miss one or the other.
     if (const auto interval = clip.video.constantSampleInterval;
         interval && interval->numerator > 0 &&
         std::abs(1.0 / interval->seconds() - clip.frameRate) <= frameRateTolerance)

@@ -22,14 +22,12 @@ double MediaTime::secondsTimes(std::int64_t count) const {
 }
 
 MediaTime nominalFrameDuration(double frameRate) {
-    // How far a track's average rate may lie from a standard rate and still mean it.
-    constexpr double standardRateTolerance = 0.01;
     const double rate = std::max(frameRate, 1.0);
     const std::int64_t ntsc = std::llround(rate * 1001.0 / 1000.0);
-    if (ntsc > 0 && std::abs(rate - static_cast<double>(ntsc) * 1000.0 / 1001.0) < standardRateTolerance)
+    if (ntsc > 0 && std::abs(rate - static_cast<double>(ntsc) * 1000.0 / 1001.0) < frameRateTolerance)
         return MediaTime::reduced(1001, ntsc * 1000);
     const std::int64_t whole = std::llround(rate);
-    if (std::abs(rate - static_cast<double>(whole)) < standardRateTolerance) return MediaTime::reduced(1, whole);
+    if (std::abs(rate - static_cast<double>(whole)) < frameRateTolerance) return MediaTime::reduced(1, whole);
     return MediaTime::reduced(100, std::llround(rate * 100.0));
 }
 

@@ -23,6 +23,10 @@ struct MediaTime {
 /// The frame interval that a nominal rate stands for: 1001/30000 for 29.97, 1/25 for 25, 100/1250 reduced for 12.5.
 MediaTime nominalFrameDuration(double frameRate);
 
+/// How far, in frames per second, two rates may lie apart and still be the same: an export's and its source's, a
+/// track's nominal one and that of its sample interval, an average and the standard rate that it means.
+constexpr double frameRateTolerance = 0.01;
+
 /// How many frames an output of `outputDuration` seconds has: at least 1.
 std::int64_t outputFrameCount(double outputDuration, MediaTime frameDuration);
 

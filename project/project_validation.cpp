@@ -1,6 +1,7 @@
 // The rules, each as a condition that NaN fails.
 #include "project/project_validation.h"
 
+#include "core/crop_framing.h"
 #include "core/time.h"
 #include "project/files/project_error.h"
 
@@ -11,9 +12,6 @@
 namespace flowtide {
 namespace {
 
-constexpr double leastZoom = 1.1;
-constexpr double mostZoom = 4.0;
-constexpr double longestRamp = 3.0;
 constexpr double mostTimelineZoom = 20;
 
 void require(bool holds, const char* sentence) {
@@ -44,7 +42,7 @@ bool haveDistinctIDs(const std::vector<Record>& records) {
 }
 
 bool isCurve(const SpeedKeyframes& keyframes, double duration, double lowest, double highest) {
-    return !keyframes.empty() && keyframes.size() <= ProjectLimits::points && haveDistinctIDs(keyframes) &&
+    return !keyframes.empty() && keyframes.size() <= mostKeyframes && haveDistinctIDs(keyframes) &&
            std::all_of(keyframes.begin(), keyframes.end(), [&](const SpeedKeyframe& keyframe) {
                return within(keyframe.time, 0, duration) && within(keyframe.speed, lowest, highest);
            });
@@ -57,16 +55,16 @@ bool isPreviewRange(const std::optional<double>& start, const std::optional<doub
 
 bool isZoomBlock(const ZoomBlock& block, double duration) {
     return within(block.startTime, 0, duration) && within(block.endTime, 0, duration) &&
-           block.startTime < block.endTime && within(block.amount, leastZoom, mostZoom) &&
-           within(block.rampDuration, 0, longestRamp) && isFraction(block.focalX) && isFraction(block.focalY) &&
-           block.focalKeyframes.size() <= ProjectLimits::points &&
+           block.startTime < block.endTime && within(block.amount, lowestZoomAmount, highestZoomAmount) &&
+           within(block.rampDuration, 0, longestZoomRamp) && isFraction(block.focalX) && isFraction(block.focalY) &&
+           block.focalKeyframes.size() <= mostFocalKeyframes &&
            std::all_of(block.focalKeyframes.begin(), block.focalKeyframes.end(), [](const ZoomFocalKeyframe& keyframe) {
                return isFraction(keyframe.progress) && isFraction(keyframe.x) && isFraction(keyframe.y);
            });
 }
 
 bool areZoomBlocks(const std::vector<ZoomBlock>& blocks, double duration) {
-    return blocks.size() <= ProjectLimits::zoomBlocks && haveDistinctIDs(blocks) &&
+    return blocks.size() <= mostZoomBlocks && haveDistinctIDs(blocks) &&
            std::all_of(blocks.begin(), blocks.end(),
                        [&](const ZoomBlock& block) { return isZoomBlock(block, duration); });
 }
@@ -75,7 +73,7 @@ bool areEditValues(const ProjectEdits& edits, double duration) {
     return within(edits.trimStart, 0, duration) && within(edits.trimEnd, 0, duration) &&
            edits.trimStart < edits.trimEnd && isFraction(edits.smoothing) && isFraction(edits.centerSmoothing) &&
            isCurve(edits.keyframes, duration, lowestSpeed, highestSpeed) &&
-           isCurve(edits.centerKeyframes, duration, 0, 1) && isFraction(edits.playhead) &&
+           isCurve(edits.centerKeyframes, duration, leftmostCrop, rightmostCrop) && isFraction(edits.playhead) &&
            within(edits.timelineZoom, 1, mostTimelineZoom) && isFraction(edits.timelineCenter) &&
            isPreviewRange(edits.previewStart, edits.previewEnd, duration) && areZoomBlocks(edits.zoomBlocks, duration);
 }
@@ -86,7 +84,7 @@ bool isRange(const Range& range, double duration) {
 }
 
 bool areRanges(const std::vector<OpticalFlowRange>& ranges, double duration) {
-    return ranges.size() <= ProjectLimits::ranges &&
+    return ranges.size() <= mostRanges &&
            std::all_of(ranges.begin(), ranges.end(), [&](const auto& range) { return isRange(range, duration); });
 }
 
@@ -98,7 +96,7 @@ bool areOpticalFlowRanges(const std::vector<OpticalFlowRange>& ranges, const std
 }
 
 bool areTrackedRanges(const std::vector<SubjectTrackingRange>& ranges, double duration) {
-    return ranges.size() <= ProjectLimits::trackedRanges && haveDistinctIDs(ranges) &&
+    return ranges.size() <= mostTrackingRanges && haveDistinctIDs(ranges) &&
            std::all_of(ranges.begin(), ranges.end(), [&](const SubjectTrackingRange& range) {
                return isRange(range, duration) && within(range.lastFrameTime, range.start, range.end);
            });

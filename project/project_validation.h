@@ -3,8 +3,6 @@
 
 #include "project/flowtide_project.h"
 
-#include <cstddef>
-
 namespace flowtide {
 
 /// Throws ProjectError with the sentence of the first broken rule. The order is part of the contract: version, source,
@@ -14,13 +12,4 @@ void validate(const FlowtideProject& project);
 /// The rules of the edits, for a clip of `duration` seconds: edit values, original-frame ranges, Optical Flow ranges,
 /// tracked ranges, and overlapping zoom blocks last.
 void validate(const ProjectEdits& edits, double duration);
-
-namespace ProjectLimits {
-
-constexpr std::size_t points = 19'999; ///< of one curve, and focal points of one block
-constexpr std::size_t zoomBlocks = 999;
-constexpr std::size_t ranges = 1'000; ///< Optical Flow and original-frame ranges, each
-constexpr std::size_t trackedRanges = 10'000;
-
-} // namespace ProjectLimits
 } // namespace flowtide

@@ -17,7 +17,6 @@ namespace flowtide {
 namespace {
 
 constexpr double transformTolerance = 0.000001;
-constexpr double frameRateTolerance = 0.01;
 constexpr double sampleRateTolerance = 0.5; // Hz
 
 using Failures = std::vector<std::string>;
