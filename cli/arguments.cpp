@@ -1,4 +1,4 @@
-// The parsers of the headless export's texts.
+// Splits the texts at their separators, clamps the numbers and puts them in order.
 #include "cli/arguments.h"
 
 #include "cli/decimal.h"
@@ -10,19 +10,14 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <iterator>
+#include <utility>
 
 namespace flowtide::HeadlessExport {
 
 namespace {
 
-constexpr double defaultAspect = 9.0 / 16.0;
-constexpr double centered = 0.5;
 constexpr double shortestTrim = 0.001; // seconds
-constexpr std::size_t mostFlowRanges = 1000;
-constexpr double lowestZoom = 1.1;
-constexpr double highestZoom = 4;
-constexpr double defaultRamp = 0.6; // seconds of output
-constexpr double longestRamp = 3;
 
 enum class EmptyPieces { keep, drop };
 
@@ -79,44 +74,32 @@ SpeedKeyframes parsePoints(const std::string& text, double duration, double lowe
     return points;
 }
 
-ZoomMode parseZoomMode(std::string word) {
-    std::transform(word.begin(), word.end(), word.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    if (word == "in") return ZoomMode::zoomIn;
-    if (word == "out") return ZoomMode::zoomOut;
-    if (word == "constant") return ZoomMode::constant;
-    return ZoomMode::inOut;
-}
-
 /// The values of a focal field, the frame's middle where it holds none.
 std::vector<double> parseFocal(const std::string& text) {
     std::vector<double> values = numbersIn(text, '>');
     for (double& value : values)
         value = std::clamp(value, 0.0, 1.0);
-    if (values.empty()) values.push_back(centered);
+    if (values.empty()) values.push_back(ZoomFocalKeyframe{}.x);
     return values;
 }
 
-std::optional<ZoomBlock> parseZoomBlock(const std::string& text) {
-    const auto fields = split(text, ':', EmptyPieces::drop);
-    if (fields.size() < 2) return std::nullopt;
-    const auto times = numbersIn(fields[0], '-');
-    const auto amount = parseDecimal(fields[1]);
+std::optional<ZoomBlock> parseZoomBlock(const ZoomFields& fields) {
+    const auto times = numbersIn(fields.times, '-');
+    const auto amount = parseDecimal(fields.amount);
     if (times.size() != 2 || !amount) return std::nullopt;
 
-    const auto field = [&](std::size_t i) { return fields.size() > i ? fields[i] : std::string(); };
-    const auto xs = parseFocal(field(3));
-    const auto ys = parseFocal(field(4));
+    const auto xs = parseFocal(fields.focalX);
+    const auto ys = parseFocal(fields.focalY);
     ZoomBlock block;
     block.id = Uuid::random();
     block.startTime = times[0];
     block.endTime = times[1];
-    block.amount = std::clamp(*amount, lowestZoom, highestZoom);
-    block.mode = parseZoomMode(field(2));
+    block.amount = std::clamp(*amount, lowestZoomAmount, highestZoomAmount);
+    block.mode = parseZoomMode(fields.mode).value_or(block.mode);
     block.focalX = xs.front();
     block.focalY = ys.front();
     if (xs.size() > 1 || ys.size() > 1) block.focalKeyframes = {{0, xs.front(), ys.front()}, {1, xs.back(), ys.back()}};
-    block.rampDuration = std::clamp(parseDecimal(field(5)).value_or(defaultRamp), 0.0, longestRamp);
+    block.rampDuration = std::clamp(parseDecimal(fields.ramp).value_or(block.rampDuration), 0.0, longestZoomRamp);
     return block;
 }
 
@@ -137,7 +120,7 @@ std::optional<std::string> takeOption(Arguments& arguments, const std::string& n
 }
 
 SpeedKeyframes parseCurve(const std::optional<std::string>& text, double duration, const WarningSink& warn) {
-    if (!text || text->empty()) return {point(0, 1), point(duration, 1)};
+    if (!text || text->empty()) return {point(0, realTimeSpeed), point(duration, realTimeSpeed)};
     const auto points = parsePoints(*text, duration, lowestSpeed, highestSpeed, [](const std::string& piece) {
         return fmt::format("Invalid curve segment \"{}\" — expected time:speed", piece);
     });
@@ -168,7 +151,7 @@ std::optional<SourceRanges> parseOpticalFlowRanges(const std::optional<std::stri
     if (!text) return std::nullopt;
     if (*text == "none") return SourceRanges{};
     const auto pieces = split(*text, ',', EmptyPieces::keep);
-    if (pieces.size() > mostFlowRanges)
+    if (pieces.size() > mostRanges)
         throw FlowtideError::invalidArgument("Use --flow-ranges start:end,start:end or none.");
     SourceRanges ranges;
     for (const auto& piece : pieces) {
@@ -181,7 +164,7 @@ std::optional<SourceRanges> parseOpticalFlowRanges(const std::optional<std::stri
 }
 
 double parseAspect(const std::optional<std::string>& text) {
-    if (!text || text->empty()) return defaultAspect;
+    if (!text || text->empty()) return widthOverHeight(CropAspectRatio::nineBySixteen);
     const auto pair = parsePair(*text, EmptyPieces::drop);
     const double aspect = pair && pair->first > 0 && pair->second > 0 ? pair->first / pair->second : 0;
     // The quotient of two valid numbers can still overflow or vanish.
@@ -198,21 +181,60 @@ std::optional<VerticalCropSettings> parseVerticalCrop(const std::optional<std::s
     settings.aspectRatio = aspect;
     settings.smoothing = std::clamp(smoothing, 0.0, 1.0);
     if (text->empty() || isCenter(*text)) return settings;
-    const auto points = parsePoints(*text, duration, 0, 1, [](const std::string& piece) {
+    const auto points = parsePoints(*text, duration, leftmostCrop, rightmostCrop, [](const std::string& piece) {
         return fmt::format("Invalid centering segment \"{}\" — expected time:position (0-1)", piece);
     });
-    settings.centerKeyframes = KeyframeRules::curveForSourceRange(points, duration, sourceRange, centered);
+    settings.centerKeyframes = KeyframeRules::curveForSourceRange(points, duration, sourceRange, centeredCrop);
     return settings;
+}
+
+std::vector<std::string> ZoomFields::meaninglessWords() const {
+    std::vector<std::string> words;
+    for (const auto& [field, separator] : {std::pair{&times, '-'}, {&focalX, '>'}, {&focalY, '>'}}) {
+        std::vector<std::string> numbers;
+        for (const auto& piece : split(*field, separator, EmptyPieces::drop))
+            (parseDecimal(piece) ? numbers : words).push_back(piece);
+        // The first number and the last one count.
+        if (numbers.size() > 2) words.insert(words.end(), numbers.begin() + 1, numbers.end() - 1);
+    }
+    if (!ramp.empty() && !parseDecimal(ramp)) words.push_back(ramp);
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+}
+
+std::vector<ZoomFields> splitZoomBlocks(const std::string& text) {
+    std::vector<ZoomFields> blocks;
+    for (const auto& piece : split(text, ';', EmptyPieces::drop)) {
+        auto fields = split(piece, ':', EmptyPieces::drop);
+        ZoomFields block;
+        block.text = piece;
+        std::string* const named[] = {&block.times,  &block.amount, &block.mode,
+                                      &block.focalX, &block.focalY, &block.ramp};
+        for (std::size_t i = 0; i < fields.size(); ++i)
+            (i < std::size(named) ? *named[i] : block.more.emplace_back()) = std::move(fields[i]);
+        blocks.push_back(std::move(block));
+    }
+    return blocks;
+}
+
+std::optional<ZoomMode> parseZoomMode(std::string word) {
+    std::transform(word.begin(), word.end(), word.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    if (word == "in") return ZoomMode::zoomIn;
+    if (word == "out") return ZoomMode::zoomOut;
+    if (word == "inout") return ZoomMode::inOut;
+    if (word == "constant") return ZoomMode::constant;
+    return std::nullopt;
 }
 
 std::optional<ZoomSettings> parseZoomBlocks(const std::optional<std::string>& text) {
     if (!text || text->empty()) return std::nullopt;
     ZoomSettings settings;
-    for (const auto& piece : split(*text, ';', EmptyPieces::drop)) {
-        const auto block = parseZoomBlock(piece);
+    for (const ZoomFields& fields : splitZoomBlocks(*text)) {
+        const auto block = parseZoomBlock(fields);
         if (!block)
             throw FlowtideError::invalidArgument(
-                fmt::format("Invalid zoom \"{}\" — expected start-end:amount[:mode[:fx:fy[:speed]]]", piece));
+                fmt::format("Invalid zoom \"{}\" — expected start-end:amount[:mode[:fx:fy[:speed]]]", fields.text));
         settings.blocks.push_back(*block);
     }
     std::stable_sort(settings.blocks.begin(), settings.blocks.end(),

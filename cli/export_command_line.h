@@ -1,52 +1,56 @@
-// A headless export's command line, first as texts, then as a complete job for one clip.
+// A headless export's command line: sorted into words, then read as far as that needs no clip, then as a request.
 #pragma once
 
 #include "cli/arguments.h"
-#include "media/frames/frame_interpolation.h"
+#include "media/export/export_request.h"
 
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace flowtide {
 
-/// What the command line says before the clip is known: options taken, positional arguments read.
+/// What the command line says before the clip is known.
 struct HeadlessExportArguments {
     std::filesystem::path input;
-    std::filesystem::path output;
+    ExportRequest request; ///< what needs no clip: the destination, the smoothing, the interpolation
+    double verticalAspect = widthOverHeight(CropAspectRatio::nineBySixteen);
+    double verticalSmoothing = 0.5;
+    double smoothFrameRate = 30; ///< unique source frames per output second
+    // Read once the clip's duration is known.
     std::optional<std::string> curve;
-    double smoothing = 0.5;
     std::optional<std::string> trim;
     std::optional<std::string> verticalCrop;
-    double verticalSmoothing = 0.5;
-    double verticalAspect = 0.5625;
     std::optional<std::string> zoom;
     std::optional<std::string> flowRanges;
-    double smoothFrameRate = 30;
-    FrameInterpolation interpolation = FrameInterpolation::nearest;
-};
-
-/// Everything that an export needs besides the probed clip.
-struct HeadlessExportJob {
-    std::filesystem::path input;
-    std::filesystem::path output;
-    SpeedKeyframes keyframes;
-    double smoothing = 0.5;
-    SourceRange sourceRange;
-    FrameInterpolation interpolation = FrameInterpolation::nearest;
-    std::optional<SourceRanges> opticalFlowRanges; ///< absent: derived automatically
-    double smoothFrameRate = 30;
-    std::optional<VerticalCropSettings> verticalCrop;
-    std::optional<ZoomSettings> zoom;
 };
 
 namespace HeadlessExport {
 
-/// Reads options and positional arguments from a process's whole argument list. Throws FlowtideError.
-HeadlessExportArguments parseArguments(Arguments list);
+/// A command line by its words alone.
+struct SortedWords {
+    std::map<std::string, std::string> options; ///< values by name
+    std::vector<std::string> positionals;       ///< what follows --headless-export, up to the trim
+    std::vector<std::string> left;              ///< what neither took
 
-/// Reads the texts against the clip's duration in seconds. Throws FlowtideError.
-HeadlessExportJob parseJob(const HeadlessExportArguments& arguments, double duration, const WarningSink& warn);
+    std::optional<std::string> option(const std::string& name) const;
+    /// Counted from the input, 0.
+    std::optional<std::string> positional(std::size_t index) const;
+};
+
+SortedWords sortWords(Arguments list);
+
+/// Whether --`name` is an option of the headless export.
+bool isOption(const std::string& name);
+
+/// Throws FlowtideError.
+HeadlessExportArguments parseArguments(const SortedWords& words);
+
+/// Reads the texts against the clip. Where in-between frames are wanted and no ranges are given, they are derived from
+/// the curve. Throws FlowtideError.
+ExportRequest parseRequest(const HeadlessExportArguments& arguments, ImportedClip clip, const WarningSink& warn);
 
 } // namespace HeadlessExport
 } // namespace flowtide

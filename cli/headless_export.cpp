@@ -1,16 +1,16 @@
-// The headless dispatcher and its runs.
+// Runs a headless export from its words to the verified file, and prints what it does.
 #include "cli/headless_export.h"
 
+#include "cli/argument_warnings.h"
 #include "cli/cancel_on_signal.h"
 #include "cli/decimal.h"
-#include "cli/export_job.h"
+#include "cli/export_command_line.h"
 #include "cli/failure_sentence.h"
 #include "cli/progress_bar.h"
 #include "cli/run_display.h"
-#include "core/curve_engine.h"
 #include "media/export/export_engine.h"
+#include "media/export/export_plan.h"
 #include "media/flowtide_error.h"
-#include "media/media_time.h"
 
 #include <fmt/format.h>
 
@@ -43,70 +43,58 @@ std::string zoomText(const ZoomBlock& block) {
                        shortestDecimal(block.amount), rawValue(block.mode));
 }
 
-void printJob(const HeadlessExportJob& job, RunDisplay& display) {
-    display.print("[Headless] Curve: " + joined(job.keyframes, pointText, ", "));
-    display.print("[Headless] Source range: " + rangeText(job.sourceRange));
-    if (job.verticalCrop) {
-        const auto& points = job.verticalCrop->centerKeyframes;
+void printRequest(const ExportRequest& request, RunDisplay& display) {
+    display.print("[Headless] Curve: " + joined(request.keyframes, pointText, ", "));
+    display.print("[Headless] Source range: " + rangeText(*request.sourceRange));
+    if (request.verticalCrop) {
+        const auto& points = request.verticalCrop->centerKeyframes;
         display.print("[Headless] Vertical crop centering: " +
                       (points.empty() ? std::string("center") : joined(points, pointText, ", ")));
     }
-    if (job.zoom && !job.zoom->blocks.empty())
-        display.print("[Headless] Zoom blocks: " + joined(job.zoom->blocks, zoomText, "; "));
+    if (request.zoom && !request.zoom->blocks.empty())
+        display.print("[Headless] Zoom blocks: " + joined(request.zoom->blocks, zoomText, "; "));
 }
 
-void deriveOpticalFlowRanges(HeadlessExportJob& job, const ImportedClip& clip, RunDisplay& display) {
-    if (job.opticalFlowRanges || job.interpolation == FrameInterpolation::nearest) return;
-    job.opticalFlowRanges = AutomaticOpticalFlow::ranges(job.keyframes, job.smoothing, clip.duration, job.sourceRange,
-                                                         clip.frameRate, job.smoothFrameRate);
-    const std::string ranges = joined(*job.opticalFlowRanges, rangeText, ", ");
+void printDerivedRanges(const HeadlessExportArguments& arguments, const ExportRequest& request, RunDisplay& display) {
+    if (arguments.flowRanges || request.interpolation == FrameInterpolation::nearest) return;
+    const std::string ranges = joined(request.opticalFlowRanges, rangeText, ", ");
     constexpr double largestPrinted = 1e15; // stays whole in a double and fits the integer
     display.print(fmt::format("[Headless] Optical Flow ranges (auto, {} fps): {}",
-                              static_cast<long long>(std::min(job.smoothFrameRate, largestPrinted)),
+                              static_cast<long long>(std::min(arguments.smoothFrameRate, largestPrinted)),
                               ranges.empty() ? "none" : ranges));
 }
 
-ExportRequest requestFor(const HeadlessExportJob& job, ImportedClip clip) {
-    ExportRequest request;
-    request.clip = std::move(clip);
-    request.keyframes = job.keyframes;
-    request.sourceRange = job.sourceRange;
-    request.smoothing = job.smoothing;
-    request.interpolation = job.interpolation;
-    request.opticalFlowRanges = job.opticalFlowRanges.value_or(SourceRanges{});
-    request.verticalCrop = job.verticalCrop;
-    request.zoom = job.zoom;
-    request.outputURL = job.output;
-    return request;
+/// Prints a line of the export; a warning is told on standard error too, where scripts look for it.
+void printExportLine(std::string_view line, RunDisplay& display) {
+    display.print(line);
+    constexpr std::string_view warning = "[Export] Warning: ";
+    if (line.starts_with(warning)) display.warn("[Headless] Warning: " + std::string(line.substr(warning.size())));
 }
 
-void showProgressBar(const ExportRequest& request, const Console& console, RunDisplay& display) {
+void showProgressBar(std::int64_t frameCount, const Console& console, RunDisplay& display) {
     if (!standardErrorIsTerminal()) return;
-    const TimeMap map = CurveEngine::buildTimeMap(request.keyframes, request.clip.duration, request.sourceRange,
-                                                  CurveEngine::exportTimeMapSteps, request.smoothing);
     display.show(std::make_unique<ProgressBar>(
-        outputFrameCount(map.outputDuration(), request.clip.frameDuration), standardErrorColumns,
+        frameCount, standardErrorColumns,
         [&error = console.error](const std::string& text) { error << text << std::flush; }));
 }
 
-} // namespace
-
-void runAsync(const Arguments& arguments, const MediaBackend& backend, const Console& console) {
-    const HeadlessExportArguments parsed = parseArguments(arguments);
+void runExport(const Arguments& list, const MediaBackend& backend, const Console& console) {
+    const SortedWords words = sortWords(list);
+    const HeadlessExportArguments arguments = parseArguments(words);
     RunDisplay display(console);
-    ExportEngine engine(backend, [&display](std::string_view line) { display.print(line); });
+    ExportEngine engine(backend, [&display](std::string_view line) { printExportLine(line, display); });
     const CancelOnSignal cancelOnSignal([&engine] { engine.cancel(); });
 
-    ImportedClip clip = ImportedClip::load(backend, parsed.input);
-    HeadlessExportJob job =
-        parseJob(parsed, clip.duration, [&display](const std::string& warning) { display.warn(warning); });
-    deriveOpticalFlowRanges(job, clip, display);
-    printJob(job, display);
+    const ExportRequest request = parseRequest(arguments, ImportedClip::load(backend, arguments.input),
+                                               [&display](const std::string& warning) { display.warn(warning); });
+    for (const std::string& warning : warningsAbout(words, request))
+        display.warn("[Headless] Warning: " + warning);
+    printDerivedRanges(arguments, request, display);
+    printRequest(request, display);
 
-    const ExportRequest request = requestFor(job, std::move(clip));
-    showProgressBar(request, console, display);
-    const ExportValidationReport report =
-        engine.run(request, [&display](double fraction) { display.progress(fraction); });
+    const ExportValidationReport report = engine.run(
+        request, [&display](double fraction) { display.progress(fraction); },
+        [&](const ExportPlan& plan) { showProgressBar(plan.frameCount, console, display); });
     display.hideBar();
     try {
         display.print("[Headless] Done — verified " + report.summary);
@@ -115,18 +103,20 @@ void runAsync(const Arguments& arguments, const MediaBackend& backend, const Con
     }
 }
 
-void runProxyAsync(const Arguments& arguments) {
+void runProxy(const Arguments& arguments) {
     const auto word = std::find(arguments.begin(), arguments.end(), "--headless-proxy");
     if (arguments.end() - word < 2) throw FlowtideError::invalidArgument("Usage: Flowtide --headless-proxy <input>");
     throw FlowtideError::proxyFailed("Building proxies is not available in this version.");
 }
 
+} // namespace
+
 int run(const Arguments& arguments, const MediaBackend& backend, const Console& console) {
     try {
         if (std::find(arguments.begin(), arguments.end(), "--headless-proxy") != arguments.end())
-            runProxyAsync(arguments);
+            runProxy(arguments);
         else
-            runAsync(arguments, backend, console);
+            runExport(arguments, backend, console);
         return 0;
     } catch (const std::exception& error) {
         console.complain("[Headless] Export failed: " + sentenceFor(error));

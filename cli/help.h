@@ -48,8 +48,13 @@ Examples:
   Flowtide --headless-export take.mp4 half.mp4 2.5:0.5,6:0.5 0 2.5:6
       plays the part from 2.5 to 6 seconds at half speed.
 
-Exit status: 0 on success; 1 after one line on standard error, with the destination
-as it was. Ctrl-C cancels and leaves nothing behind.
+Sound is decoded into memory: the exported part may hold 512 MB of it, 134,217,728
+samples (23 minutes of stereo at 48 kHz). What the trim leaves out does not count.
+
+Exit status: 0 on success; 1 after one line on standard error that says why, with the
+destination as it was. What was asked for and is not done gets a line of its own there,
+"[Headless] Warning: …", and the export goes on. Ctrl-C, a closed terminal or a
+termination request cancels and leaves nothing behind.
 )";
 
 } // namespace flowtide

@@ -1,5 +1,6 @@
-// Any command line: the grammar turns it into a job that keeps its promises, or refuses it with a sentence.
-#include "cli/export_job.h"
+// Any command line: the grammar turns it into a request that keeps its promises, or refuses it with a sentence.
+#include "cli/argument_warnings.h"
+#include "cli/export_command_line.h"
 #include "media/flowtide_error.h"
 
 #include <algorithm>
@@ -20,27 +21,27 @@ bool within(double value, double lower, double upper) {
     return value >= lower && value <= upper;
 }
 
-void checkJob(const HeadlessExportJob& job, double duration) {
-    for (std::size_t i = 0; i < job.keyframes.size(); ++i) {
-        require(within(job.keyframes[i].time, 0, duration) && within(job.keyframes[i].speed, 0.01, 100));
-        require(i == 0 || job.keyframes[i].time - job.keyframes[i - 1].time >= 0.01);
+void checkRequest(const ExportRequest& request, double duration) {
+    for (std::size_t i = 0; i < request.keyframes.size(); ++i) {
+        require(within(request.keyframes[i].time, 0, duration) && within(request.keyframes[i].speed, 0.01, 100));
+        require(i == 0 || request.keyframes[i].time - request.keyframes[i - 1].time >= 0.01);
     }
-    require(job.sourceRange.lower >= 0 && job.sourceRange.lower < job.sourceRange.upper &&
-            job.sourceRange.upper <= duration);
-    for (const auto& range : job.opticalFlowRanges.value_or(SourceRanges{}))
+    require(request.sourceRange->lower >= 0 && request.sourceRange->lower < request.sourceRange->upper &&
+            request.sourceRange->upper <= duration);
+    for (const auto& range : request.opticalFlowRanges)
         require(range.lower >= 0 && range.lower < range.upper && range.upper <= duration);
-    if (job.verticalCrop) {
-        require(std::isfinite(job.verticalCrop->aspectRatio) && job.verticalCrop->aspectRatio > 0);
-        require(within(job.verticalCrop->smoothing, 0, 1));
-        for (const auto& point : job.verticalCrop->centerKeyframes)
-            require(within(point.time, job.sourceRange.lower, job.sourceRange.upper) && within(point.speed, 0, 1));
+    if (request.verticalCrop) {
+        require(std::isfinite(request.verticalCrop->aspectRatio) && request.verticalCrop->aspectRatio > 0);
+        require(within(request.verticalCrop->smoothing, 0, 1));
+        for (const auto& point : request.verticalCrop->centerKeyframes)
+            require(within(point.time, request.sourceRange->lower, request.sourceRange->upper) &&
+                    within(point.speed, 0, 1));
     }
-    for (const auto& block : job.zoom.value_or(ZoomSettings{}).blocks) {
+    for (const auto& block : request.zoom.value_or(ZoomSettings{}).blocks) {
         require(within(block.amount, 1.1, 4) && within(block.rampDuration, 0, 3));
         require(within(block.focalX, 0, 1) && within(block.focalY, 0, 1));
         require(block.focalKeyframes.empty() || block.focalKeyframes.size() == 2);
     }
-    require(job.smoothFrameRate > 0);
 }
 
 } // namespace
@@ -61,9 +62,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             arguments.back() += character;
     }
     try {
-        checkJob(HeadlessExport::parseJob(HeadlessExport::parseArguments(arguments), duration,
-                                          [](const std::string& warning) { require(!warning.empty()); }),
-                 duration);
+        const auto words = HeadlessExport::sortWords(arguments);
+        ImportedClip clip;
+        clip.duration = duration;
+        clip.frameRate = 25;
+        const ExportRequest request = HeadlessExport::parseRequest(
+            HeadlessExport::parseArguments(words), clip, [](const std::string& warning) { require(!warning.empty()); });
+        checkRequest(request, duration);
+        for (const std::string& warning : HeadlessExport::warningsAbout(words, request))
+            require(!warning.empty());
     } catch (const FlowtideError& error) {
         require(error.kind() == FlowtideError::Case::invalidArgument && *error.what() != '\0');
     }

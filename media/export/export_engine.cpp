@@ -80,12 +80,14 @@ bool ExportEngine::isCancelled() const {
     return isCancelled_;
 }
 
-ExportValidationReport ExportEngine::run(const ExportRequest& wanted, const ProgressHandler& onProgress) {
+ExportValidationReport ExportEngine::run(const ExportRequest& wanted, const ProgressHandler& onProgress,
+                                         const PlanHandler& onPlanned) {
     LocalFileSafety::requireDistinct(wanted.clip.url, wanted.outputURL);
     requireWritableDestination(wanted.outputURL);
     ExportRequest request = wanted;
     if (request.previewResolution == PreviewResolution::quick) request.clip = request.clip.previewSized();
     const ExportPlan plan = planExport(request, log_);
+    if (onPlanned) onPlanned(plan);
     const auto renderer = makeRenderer(plan.interpolation, static_cast<int>(request.clip.encodedWidth()),
                                        static_cast<int>(request.clip.encodedHeight()), plan.video.layout);
 

@@ -6,6 +6,7 @@
 #include "media/frames/frame_interpolation.h"
 #include "media/log.h"
 
+#include <functional>
 #include <mutex>
 
 namespace flowtide {
@@ -13,6 +14,8 @@ namespace flowtide {
 class MediaBackend;
 class TemporaryExport;
 struct ExportPlan;
+
+using PlanHandler = std::function<void(const ExportPlan&)>;
 
 /// Runs one export. cancel() may be called from any thread; everything else belongs to the exporting thread.
 class ExportEngine {
@@ -22,7 +25,9 @@ public:
     /// Blocks until the destination holds the verified file. Throws FlowtideError (ProjectError when source and
     /// destination are the same file); the destination is then byte for byte what it was and no temporary file is
     /// left.
-    ExportValidationReport run(const ExportRequest& request, const ProgressHandler& onProgress);
+    /// `onPlanned` is called once with what was decided, before anything is written.
+    ExportValidationReport run(const ExportRequest& request, const ProgressHandler& onProgress,
+                               const PlanHandler& onPlanned = {});
 
     /// Makes run() stop at the next frame or chunk and throw FlowtideError::exportCancelled.
     void cancel();

@@ -1,7 +1,7 @@
 // The argument grammar, as tables.
 #include "cli/arguments.h"
 #include "cli/decimal.h"
-#include "cli/export_job.h"
+#include "cli/export_command_line.h"
 #include "media/flowtide_error.h"
 
 #include <gtest/gtest.h>
@@ -59,30 +59,31 @@ TEST(Arguments, OptionsAreTakenOnceAndAnywhere) {
 }
 
 TEST(Arguments, Positionals) {
-    const auto parsed = parseArguments({"--smooth-fps", "50", "--headless-export", "--vertical-smoothing", "x", "in",
-                                        "out", "--interpolation", "optical-flow", "0:1", "0.7", "1:2", "ignored"});
+    const auto parse = [](const Arguments& list) { return parseArguments(sortWords(list)); };
+    const auto parsed = parse({"--smooth-fps", "50", "--headless-export", "--vertical-smoothing", "x", "in", "out",
+                               "--interpolation", "optical-flow", "0:1", "0.7", "1:2", "ignored"});
     EXPECT_EQ(parsed.input, "in");
-    EXPECT_EQ(parsed.output, "out");
+    EXPECT_EQ(parsed.request.outputURL, "out");
     EXPECT_EQ(parsed.curve, "0:1");
-    EXPECT_EQ(parsed.smoothing, 0.7);
+    EXPECT_EQ(parsed.request.smoothing, 0.7);
     EXPECT_EQ(parsed.trim, "1:2");
     EXPECT_EQ(parsed.smoothFrameRate, 50);
     EXPECT_EQ(parsed.verticalSmoothing, 0.5);
-    EXPECT_EQ(parsed.interpolation, FrameInterpolation::opticalFlow);
-    EXPECT_EQ(parseArguments({"--headless-export", "in", "out", "0:1", "soft"}).smoothing, 0.5);
+    EXPECT_EQ(parsed.request.interpolation, FrameInterpolation::opticalFlow);
+    EXPECT_EQ(parse({"--headless-export", "in", "out", "0:1", "soft"}).request.smoothing, 0.5);
 
     const std::string usage = "Usage: Flowtide --headless-export <input> <output> [curve] [smoothing] [trim]";
     for (const Arguments& list :
          {Arguments{"--headless-export", "in"}, Arguments{"--zoom", "--headless-export", "a", "b"},
           Arguments{"in", "out", "--headless-export"}})
-        EXPECT_EQ(refusal([&] { parseArguments(list); }), usage);
-    EXPECT_EQ(refusal([] {
-                  parseArguments({"--headless-export", "a", "b", "--interpolation", "Nearest"});
+        EXPECT_EQ(refusal([&] { parse(list); }), usage);
+    EXPECT_EQ(refusal([&] {
+                  parse({"--headless-export", "a", "b", "--interpolation", "Nearest"});
               }),
               "Use --interpolation optical-flow or nearest.");
     HeadlessExportArguments slow;
     slow.smoothFrameRate = 0;
-    EXPECT_EQ(refusal([&] { parseJob(slow, 10, noWarnings); }), "Use --smooth-fps with a positive frame rate.");
+    EXPECT_EQ(refusal([&] { parseRequest(slow, {}, noWarnings); }), "Use --smooth-fps with a positive frame rate.");
 }
 
 TEST(Arguments, Curves) {

@@ -71,6 +71,16 @@ TEST_F(HeadlessExportTest, LinesOfAnExport) {
     EXPECT_EQ(folder_.names(), (std::vector<std::string>{"in.mov", "out.mov"}));
 }
 
+TEST_F(HeadlessExportTest, WarningsGoToStandardErrorAndChangeNothingElse) {
+    script_.source.video->hasAlpha = true; // of the export, told in its log too
+    EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov", "", "soft"}), 0);
+    EXPECT_EQ(error_.str(), "[Headless] Warning: \"soft\" is no number; the smoothing is 0.5.\n"
+                            "[Headless] Warning: the source's alpha channel is not kept; the export is opaque.\n");
+    EXPECT_NE(output_.str().find("\n[Export] Warning: the source's alpha channel is not kept;"), std::string::npos);
+    EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov", "bad", "soft"}), 1);
+    EXPECT_EQ(error_.str(), "[Headless] Export failed: Invalid curve segment \"bad\" — expected time:speed\n");
+}
+
 TEST_F(HeadlessExportTest, AutomaticRangesForOpticalFlowOnly) {
     const HeadlessExport::Arguments slow = {"--headless-export", "in.mov", "out.mov",
                                             "0.5:0.5,1.5:0.5",   "0",      "0.5:1.5"};
