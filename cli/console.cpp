@@ -1,4 +1,4 @@
-// Writing to the streams, and noticing when they do not take it.
+// Writes to standard output, and notices when it takes nothing.
 #include "cli/console.h"
 
 #include "media/flowtide_error.h"

@@ -1,4 +1,4 @@
-// Reading and writing of decimal numbers.
+// Reads and writes decimal numbers through the library's functions that know no locale.
 #include "cli/decimal.h"
 
 #include <fmt/format.h>

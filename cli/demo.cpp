@@ -42,12 +42,14 @@ Color pictureAt(double x, double y, double seconds) {
     constexpr Color ring{0.16, 0.42, 0.46};
     constexpr Color light{1.0, 0.86, 0.55};
     constexpr double radius = 118;
+    constexpr double lightReach = 19; // pixels, its soft edge included
     const double drift = 0.5 + 0.5 * std::sin((x + 0.6 * y) / 210 + seconds * 0.8);
     Color color = mixed(night, teal, drift * 0.8);
 
     const double dx = x - width / 2.0;
     const double dy = y - height / 2.0;
     const double distance = std::hypot(dx, dy);
+    if (std::abs(distance - radius) >= lightReach) return color; // nearly all of the picture; the rest costs more
     color = mixed(color, ring, std::clamp(2 - std::abs(distance - radius), 0.0, 1.0));
 
     const double turn = std::numbers::pi * seconds / halfTurnSeconds;
@@ -55,7 +57,7 @@ Color pictureAt(double x, double y, double seconds) {
     const double tail = std::exp(-behind * 2.2) * std::clamp(10 - std::abs(distance - radius), 0.0, 1.0);
     color = mixed(color, light, 0.7 * tail);
     const double toLight = std::hypot(dx - radius * std::cos(turn), dy - radius * std::sin(turn));
-    return mixed(color, light, std::clamp(19 - toLight, 0.0, 1.0));
+    return mixed(color, light, std::clamp(lightReach - toLight, 0.0, 1.0));
 }
 
 std::uint8_t code(double value) {

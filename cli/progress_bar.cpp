@@ -1,4 +1,4 @@
-// Drawing of the progress bar.
+// Draws the bar, its figures and its forecast into the terminal's width.
 #include "cli/progress_bar.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-// A banded Cholesky solver for the glide.
+// Solves the glide's least squares by a banded Cholesky factorisation.
 #include "core/crop_glide.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@ namespace flowtide::CropGlide {
 
 namespace {
 
-constexpr double anchorWeight = 200;
+constexpr double anchorWeight = 200; // observations that an anchor outweighs, so that drawn points are met closely
 constexpr std::size_t fewestSamples = 8;
 constexpr double shortestTau = 0.001;   // seconds
 constexpr double smallestPivot = 1e-12; // keeps a near-singular system from dividing by zero

@@ -1,4 +1,4 @@
-// The crop plan's arithmetic.
+// Sizes the crop, and computes its offsets from the framing curve, the glide and the time map.
 #include "core/crop_plan.h"
 
 #include "core/crop_glide.h"

@@ -1,4 +1,4 @@
-// The curve's tangents, and the integration of 1/speed into a time map.
+// Computes the curve's tangents, and integrates 1/speed into a time map.
 #include "core/curve_engine.h"
 
 #include "core/clamp.h"
@@ -85,7 +85,6 @@ TimeMap buildTimeMap(const SpeedKeyframes& keyframes, double sourceDuration, std
     const int count = intervalCount(curve, span, steps);
     const double dt = span / count;
 
-    // The midpoint rule for the integral of 1/speed.
     CurveEvaluator speed(curve, smoothing, speedLimits);
     std::vector<TimeMap::Entry> entries;
     entries.reserve(static_cast<std::size_t>(count) + 1);

@@ -1,4 +1,4 @@
-// Finding the curve's segment at a time, and what stays constant along it.
+// Finds the curve's segment at a time, and computes what stays constant along it.
 #include "core/curve_evaluator.h"
 
 #include <algorithm>

@@ -55,7 +55,8 @@ inline double CurveEvaluator::operator()(double t) {
     if (!(t < lastTime_)) return lastValue_;
     if (!(segment_.startTime < t && t <= segment_.endTime)) enterSegment(t);
 
-    // The order of these operations is part of the result: every map must come out the same to the last bit.
+    // The Hermite basis. The order of these operations is part of the result: every map must come out the same to the
+    // last bit.
     const Segment& s = segment_;
     const double u = clamped((t - s.startTime) / s.length, 0, 1);
     const double u2 = u * u;

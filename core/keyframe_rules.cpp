@@ -1,4 +1,4 @@
-// Which keyframes survive a trim, and which boundary points exist at its ends.
+// Picks the keyframes that survive a trim, and finds or makes the boundary points at its ends.
 #include "core/keyframe_rules.h"
 
 #include "core/clamp.h"

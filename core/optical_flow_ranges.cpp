@@ -1,4 +1,4 @@
-// Scanning the curve for slow stretches, and joining, padding and searching range lists.
+// Scans the curve for slow stretches; joins, pads and searches range lists.
 #include "core/optical_flow_ranges.h"
 
 #include "core/curve_evaluator.h"
@@ -35,7 +35,7 @@ SourceRanges slowStretches(CurveEvaluator speed, SourceRange trim, double step, 
     return stretches;
 }
 
-/// How long `gap` lasts in the output.
+/// How long `gap` lasts in the output: the integral of 1/speed by the midpoint rule.
 double outputLength(CurveEvaluator& speed, SourceRange gap) {
     const double dt = (gap.upper - gap.lower) / samplesPerGap;
     double length = 0;

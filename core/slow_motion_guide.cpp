@@ -1,4 +1,4 @@
-// Which stored settings count as a smooth-motion threshold.
+// Tells which stored settings count as a smooth-motion threshold.
 #include "core/slow_motion_guide.h"
 
 #include <algorithm>

@@ -17,7 +17,7 @@ struct OutputSeconds {
     friend auto operator<=>(const OutputSeconds&, const OutputSeconds&) = default;
 };
 
-/// A closed range of source seconds; a trim, or a stretch of the curve.
+/// A closed range of source seconds; a trim, or a stretch of the curve. Its name is its time base: the ends are bare.
 struct SourceRange {
     double lower = 0;
     double upper = 0;

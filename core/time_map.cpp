@@ -1,4 +1,4 @@
-// Searching and interpolating the table between source and output time.
+// Searches the table between source and output time by bisection, and interpolates it linearly.
 #include "core/time_map.h"
 
 #include "core/clamp.h"

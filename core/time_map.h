@@ -12,6 +12,7 @@ namespace flowtide {
 /// Immutable once built (by CurveEngine::buildTimeMap or sliced()).
 class TimeMap {
 public:
+    /// One row; its fields name their time base.
     struct Entry {
         double source; ///< source seconds
         double output; ///< output seconds

@@ -1,4 +1,4 @@
-// Random identifiers and their canonical text.
+// Draws random identifiers, and reads and writes their canonical text.
 #include "core/uuid.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Timed punch-ins, as values.
+// Zoom blocks, the stretches over which the picture is magnified, as values.
 #pragma once
 
 #include "core/uuid.h"

@@ -1,4 +1,4 @@
-// The rules of zoom blocks.
+// Finds the room between neighbouring blocks, and fits what is added or changed into it.
 #include "core/zoom_block_rules.h"
 
 #include <algorithm>

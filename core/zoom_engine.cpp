@@ -1,4 +1,4 @@
-// Zoom arithmetic.
+// Computes ramps and focal motion, for one time and for all frames of an export.
 #include "core/zoom_engine.h"
 
 #include <algorithm>
@@ -13,7 +13,8 @@ constexpr double shortestVisibleBlock = 0.001; // output seconds; a shorter bloc
 constexpr double hardCutFraction = 0.0005;     // a shorter ramp is a cut
 constexpr double smallestFocalInterval = 0.0001;
 
-/// t³(6t² − 15t + 10): its first and second derivatives vanish at both ends.
+/// Perlin's quintic ease ("Improving noise", SIGGRAPH 2002), t³(6t² − 15t + 10): its first and second derivatives
+/// vanish at both ends.
 double smootherStep(double t) {
     return t * t * t * (t * (6 * t - 15) + 10);
 }

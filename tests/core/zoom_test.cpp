@@ -150,6 +150,14 @@ TEST(ZoomBlockRules, UpdatesAndMovesStayBetweenTheNeighbours) {
     EXPECT_EQ(tight.size(), 2U);
 }
 
+TEST(ZoomBlockRules, ProgressIsCountedInOutputTime) {
+    const TimeMap map({{0, 0}, {2, 2}, {4, 3}}, {0, 4}, 3); // double speed from second 2 on
+    const ZoomBlock whole = block(1, 3);                    // output seconds 1 to 2.5
+    for (const auto& [time, progress] : {std::pair{0.0, 0.0}, {1.0, 0.0}, {1.75, 0.5}, {2.5, 1.25 / 1.5}, {3.5, 1.0}})
+        EXPECT_DOUBLE_EQ(progressIn(whole, {time}, map), progress) << time;
+    EXPECT_EQ(progressIn(block(2, 2), {3}, map), 0);
+}
+
 TEST(ZoomBlockRules, FocalKeyframes) {
     ZoomBlock one = block(0, 1);
     setFocal(one, 2, -1);

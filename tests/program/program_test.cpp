@@ -48,7 +48,7 @@ protected:
 
 TEST_F(ProgramTest, TheMainJob) {
     const ProgramResult result =
-        runProgram({"--headless-export", in(), path("out.mov"), "0:1,1:0.25,2:1", "1", "0.2:1.8"});
+        runProgram({"--headless-export", in(), path("out.mov"), "0.2:1,1:0.25,1.8:1", "1", "0.2:1.8"});
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.standardError, ""); // no progress bar into a pipe
     const char* lines[] = {"[Headless] Curve: ", "[Headless] Source range: 0.200000:1.800000\n",
@@ -140,12 +140,10 @@ TEST_F(ProgramTest, StandardOutputThatTakesNothingIsAFailure) {
     const auto intoFullDevice = [] { ::dup2(::open("/dev/full", O_WRONLY | O_CLOEXEC), STDOUT_FILENO); };
     const std::string sentence = "Standard output could not be written: No space left on device (error 28)";
     expectRefused({"--headless-export", in(), path("out.mov")}, sentence, intoFullDevice);
-    const std::pair<std::vector<std::string>, std::string> others[] = {
-        {{"--help"}, ""}, {{"--version"}, ""}, {{"demo", path("demo")}, "The demo failed: "}};
-    for (const auto& [arguments, prefix] : others) {
-        const ProgramResult result = runProgram(arguments, intoFullDevice);
-        EXPECT_EQ(result.status, 1) << arguments.front();
-        EXPECT_EQ(result.standardError, prefix + sentence + "\n");
+    for (const char* question : {"--help", "--version"}) {
+        const ProgramResult result = runProgram({question}, intoFullDevice);
+        EXPECT_EQ(result.status, 1) << question;
+        EXPECT_EQ(result.standardError, sentence + "\n");
     }
 }
 
