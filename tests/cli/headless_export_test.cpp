@@ -169,7 +169,7 @@ TEST_F(HeadlessExportTest, WhatTheLibraryThrowsReadsAsASentence) {
          "The system refused what the run needs: Resource temporarily unavailable (error 11)"},
     };
     for (const auto& [fail, sentence] : cases) {
-        script_.onAppendVideo = [&](std::int64_t) { fail(); };
+        script_.onAppendVideo = [&throwing = fail](std::int64_t) { throwing(); };
         EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov"}), 1);
         EXPECT_EQ(error_.str(), "[Headless] Export failed: " + std::string(sentence) + "\n");
         EXPECT_EQ(folder_.names(), std::vector<std::string>{"in.mov"});
