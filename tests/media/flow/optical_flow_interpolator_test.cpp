@@ -60,8 +60,15 @@ TEST(OpticalFlow, EndsStillPairsAndCutsAreTheFramesThemselves) {
     const VideoFrame other =
         drawn(layouts[0], 160, 120, [](double x, double y) { return std::fmod(x * x * 0.37 + y * 91.3 * x, 220); });
     OpticalFlowInterpolator interpolator(160, 120, layouts[0]);
-    EXPECT_EQ(interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {0}).planes[0].data, a.planes[0].data);
-    EXPECT_EQ(interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {1}).planes[0].data, b.planes[0].data);
+    const auto shownAt = [&](double time) {
+        return interpolator.render({{a, {0}}, {b, {1}}, {}, {}}, {time}).planes[0].data;
+    };
+    for (const double near : {-0.1, 0.0, 0.9e-6}) { // a millionth of the pair
+        EXPECT_EQ(shownAt(near), a.planes[0].data) << near;
+        EXPECT_EQ(shownAt(1 - near), b.planes[0].data) << near;
+    }
+    EXPECT_NE(shownAt(1.1e-6), a.planes[0].data);
+    EXPECT_NE(shownAt(1 - 1.1e-6), b.planes[0].data);
     EXPECT_TRUE(samePixels(interpolator.render({{a, {2}}, {copy, {3}}, {}, {}}, {2.4}), a));
     EXPECT_EQ(interpolator.render({{a, {4}}, {other, {5}}, {}, {}}, {4.4}).planes[0].data, a.planes[0].data);
     EXPECT_EQ(interpolator.render({{a, {4}}, {other, {5}}, {}, {}}, {4.6}).planes[0].data, other.planes[0].data);
@@ -150,13 +157,15 @@ TEST(OpticalFlow, ContextBendsTheMotion) {
     const double bent = psnr(interpolator.render({at(0), at(1), at(-1), at(2)}, {0.5}), truth, 0, 16);
     EXPECT_GT(bent, straight + 6);
     // A frame that comes at another pace, or shows another scene, tells nothing.
-    TimedFrame late = at(2);
-    late.time = {4};
+    const VideoFrame without = interpolator.render({at(0), at(1), {}, {}}, {0.5});
+    for (const auto& [before, after, isEven] :
+         {std::tuple{-1.0, 2.09, true}, {-0.91, 2.0, true}, {-1.0, 2.11, false}, {-0.89, 2.0, false}}) {
+        const FramePair pair{at(0), at(1), TimedFrame{at(-1).frame, {before}}, TimedFrame{at(2).frame, {after}}};
+        EXPECT_NE(samePixels(interpolator.render(pair, {0.5}), without), isEven) << before << " " << after;
+    }
     TimedFrame other = at(2);
     other.frame =
         drawn(layout, 320, 200, [](double x, double y) { return std::fmod(x * x * 0.37 + y * 91.3 * x, 220); });
-    const VideoFrame without = interpolator.render({at(0), at(1), {}, {}}, {0.5});
-    EXPECT_TRUE(samePixels(interpolator.render({at(0), at(1), at(-1), late}, {0.5}), without));
     EXPECT_TRUE(
         samePixels(OpticalFlowInterpolator(320, 200, layout).render({at(0), at(1), at(-1), other}, {0.5}), without));
 }
