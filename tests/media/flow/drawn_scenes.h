@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstring>
 #include <functional>
+#include <string>
 #include <vector>
 
 namespace flowtide::test {
@@ -63,12 +64,16 @@ struct DrawnScene {
     const char* name;
     std::function<double(double x, double y, double time)> luma;
 
-    VideoFrame at(double time, PixelLayout layout = {ChromaSubsampling::yuv420, 8, false}) const {
-        return drawn(layout, width, height, [&](double x, double y) { return luma(x, y, time); });
+    VideoFrame at(double time, PixelLayout layout = {ChromaSubsampling::yuv420, 8, false}, int columns = width,
+                  int rows = height) const {
+        return drawn(layout, columns, rows, [&](double x, double y) { return luma(x, y, time); });
     }
-    TimedFrame timed(double time) const { return {at(time), {time}}; }
     /// The frames around times between 0 and 1.
-    FramePair pair() const { return {timed(0), timed(1), timed(-1), timed(2)}; }
+    template <typename... Format>
+    FramePair pair(Format... format) const {
+        const auto timed = [&](double time) { return TimedFrame{at(time, format...), {time}}; };
+        return {timed(0), timed(1), timed(-1), timed(2)};
+    }
 };
 
 /// What frame interpolation meets: every kind of motion, what is hidden and uncovered, a fade and a cut.
@@ -104,6 +109,11 @@ inline std::vector<DrawnScene> drawnScenes() {
         {"fading", [](double x, double y, double t) { return (0.85 + 0.04 * t) * texture(x - 3 * t, y - 1.5 * t); }},
         {"cut", [](double x, double y, double t) { return t < 0.5 ? texture(x, y) : otherTexture(x, y); }},
     };
+}
+
+inline DrawnScene sceneNamed(const std::string& name) {
+    const std::vector<DrawnScene> scenes = drawnScenes();
+    return *std::find_if(scenes.begin(), scenes.end(), [&](const DrawnScene& scene) { return scene.name == name; });
 }
 
 inline double decibels(double meanSquare) {

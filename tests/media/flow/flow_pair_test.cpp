@@ -39,11 +39,6 @@ double endpointError(const DirectedFlow& flow, const Truth& truth) {
     return sum / count;
 }
 
-const DrawnScene& sceneNamed(const std::string& name) {
-    static const std::vector<DrawnScene> scenes = drawnScenes();
-    return *std::find_if(scenes.begin(), scenes.end(), [&](const DrawnScene& scene) { return scene.name == name; });
-}
-
 TEST(FlowPair, MotionIsTheTrueOneBothWays) {
     constexpr Point middle{DrawnScene::width / 2.0, DrawnScene::height / 2.0};
     const auto around = [&](Point p, double angle, double scale) {
@@ -113,6 +108,14 @@ TEST(FlowPair, WhatTheOtherFrameHidesIsNotTrusted) {
 TEST(FlowPair, OnlyACutIsACut) {
     for (const DrawnScene& scene : drawnScenes())
         EXPECT_EQ(Estimate(scene).pair.isCut, std::string(scene.name) == "cut") << scene.name;
+    // A part of the picture goes on across the cut, as a banner does.
+    for (const auto& [part, isCut] : {std::pair{0.04, true}, {0.2, false}}) {
+        const DrawnScene banner{"banner", [part = part](double x, double y, double t) {
+                                    if (x < part * DrawnScene::width) return texture(x - t, y);
+                                    return t < 0.5 ? texture(x, y) : otherTexture(x, y);
+                                }};
+        EXPECT_EQ(Estimate(banner).pair.isCut, isCut) << part;
+    }
 }
 
 } // namespace

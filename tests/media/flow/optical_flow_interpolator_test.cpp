@@ -113,29 +113,14 @@ TEST(OpticalFlow, TheSameArgumentsGiveTheSamePixelsWhateverCameBefore) {
     EXPECT_TRUE(samePixels(inside, alone.render({{frames[1], {1}}, {frames[2], {2}}, {}, {}}, {1.7})));
 }
 
-/// A textured background that drifts, and a disc that flies over it; frame number `time` may lie between two.
-VideoFrame scene(PixelLayout layout, int width, int height, double time) {
-    return drawn(layout, width, height, [&](double x, double y) {
-        const double dx = x - 40 - 9 * time;
-        const double dy = y - 30 - 1.5 * time * time;
-        if (dx * dx + dy * dy < 24 * 24) return 255 - texture(1.3 * dx, dy);
-        return texture(x + 2.3 * time, y - 0.7 * time);
-    });
-}
-
-FramePair sceneAround(PixelLayout layout, int width, int height, double time) {
-    const auto at = [&](double t) { return TimedFrame{scene(layout, width, height, t), {t}}; };
-    return {at(time), at(time + 1), at(time - 1), at(time + 2)};
-}
-
 TEST(OpticalFlow, ThreadsAndInstructionsChangeNoPixel) {
     for (const auto& layout : layouts)
         for (const auto& [width, height] : {std::pair{322, 181}, {97, 300}}) {
-            const FramePair pair = sceneAround(layout, width, height, 4);
+            const FramePair pair = sceneNamed("texture over texture").pair(layout, width, height);
             const auto render = [&pair](int threads, flow::InstructionSet instructions) {
                 const VideoFrame& first = pair.first.frame;
                 OpticalFlowInterpolator interpolator(first.width, first.height, first.layout, {threads, instructions});
-                return interpolator.render(pair, {4.3});
+                return interpolator.render(pair, {0.3});
             };
             const VideoFrame frame = render(1, flow::InstructionSet::baseline);
             for (const int threads : {1, 2, 3})
@@ -144,30 +129,25 @@ TEST(OpticalFlow, ThreadsAndInstructionsChangeNoPixel) {
 }
 
 TEST(OpticalFlow, ContextBendsTheMotion) {
-    const PixelLayout layout = layouts[0];
     // What speeds up by 2 pixels a frame² lies a quarter of a pixel behind the straight line half-way.
-    const auto at = [&](double time) {
-        return TimedFrame{
-            drawn(layout, 320, 200, [&](double x, double y) { return texture(x - 3 * time - time * time, y); }),
-            {time}};
-    };
-    OpticalFlowInterpolator interpolator(320, 200, layout);
-    const VideoFrame truth = at(0.5).frame;
-    const double straight = psnr(interpolator.render({at(0), at(1), {}, {}}, {0.5}), truth, 0, 16);
-    const double bent = psnr(interpolator.render({at(0), at(1), at(-1), at(2)}, {0.5}), truth, 0, 16);
-    EXPECT_GT(bent, straight + 6);
+    const DrawnScene scene = sceneNamed("speeding up");
+    const FramePair whole = scene.pair();
+    const VideoFrame truth = scene.at(0.5);
+    OpticalFlowInterpolator interpolator(DrawnScene::width, DrawnScene::height, layouts[0]);
+    const VideoFrame straight = interpolator.render({whole.first, whole.second, {}, {}}, {0.5});
+    EXPECT_GT(psnr(interpolator.render(whole, {0.5}), truth, 0, 16), psnr(straight, truth, 0, 16) + 6);
     // A frame that comes at another pace, or shows another scene, tells nothing.
-    const VideoFrame without = interpolator.render({at(0), at(1), {}, {}}, {0.5});
     for (const auto& [before, after, isEven] :
          {std::tuple{-1.0, 2.09, true}, {-0.91, 2.0, true}, {-1.0, 2.11, false}, {-0.89, 2.0, false}}) {
-        const FramePair pair{at(0), at(1), TimedFrame{at(-1).frame, {before}}, TimedFrame{at(2).frame, {after}}};
-        EXPECT_NE(samePixels(interpolator.render(pair, {0.5}), without), isEven) << before << " " << after;
+        FramePair pair = whole;
+        pair.before->time = {before};
+        pair.after->time = {after};
+        EXPECT_NE(samePixels(interpolator.render(pair, {0.5}), straight), isEven) << before << " " << after;
     }
-    TimedFrame other = at(2);
-    other.frame =
-        drawn(layout, 320, 200, [](double x, double y) { return std::fmod(x * x * 0.37 + y * 91.3 * x, 220); });
-    EXPECT_TRUE(
-        samePixels(OpticalFlowInterpolator(320, 200, layout).render({at(0), at(1), at(-1), other}, {0.5}), without));
+    FramePair cut = whole;
+    cut.after->frame = sceneNamed("cut").at(1);
+    OpticalFlowInterpolator other(DrawnScene::width, DrawnScene::height, layouts[0]);
+    EXPECT_TRUE(samePixels(other.render(cut, {0.5}), straight));
 }
 
 TEST(OpticalFlow, ARangeAloneShowsThePixelsOfTheWhole) {
@@ -179,7 +159,9 @@ TEST(OpticalFlow, ARangeAloneShowsThePixelsOfTheWhole) {
     recipe.width = 320;
     recipe.height = 192;
     recipe.frameCount = 20;
-    recipe.picture = [&](std::int64_t i) { return scene(recipe.layout, 320, 192, static_cast<double>(i)); };
+    recipe.picture = [&, scene = sceneNamed("texture over texture")](std::int64_t i) {
+        return scene.at(static_cast<double>(i), recipe.layout, recipe.width, recipe.height);
+    };
     makeClip(*backend, folder / "in.mov", recipe);
     ExportRequest request;
     request.clip = ImportedClip::load(*backend, folder / "in.mov");
