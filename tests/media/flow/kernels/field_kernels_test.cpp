@@ -132,6 +132,12 @@ TEST_P(FlowFieldKernels, ConsistencyIsHowFarTheWayBackMisses) {
                 for (int x = 0; x < size.width; ++x) {
                     there.motion(x, y) = {static_cast<std::int16_t>(150 + random.motion(spread)),
                                           static_cast<std::int16_t>(-90 + random.motion(spread))};
+                    // Some lead to the very edges, which count as inside.
+                    const int toEdges[] = {-x, size.width - 1 - x, -y, size.height - 1 - y};
+                    const int edge = (x + 3 * y) % 12;
+                    if (edge < 4)
+                        (edge < 2 ? there.motion(x, y).x : there.motion(x, y).y) =
+                            static_cast<std::int16_t>(64 * toEdges[edge]);
                     back(x, y) = {static_cast<std::int16_t>(-150 + random.motion(spread)),
                                   static_cast<std::int16_t>(90 + random.motion(spread))};
                 }

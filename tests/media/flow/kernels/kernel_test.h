@@ -54,8 +54,9 @@ GrayImage grayImage(Size size, const Make& make) {
     return image;
 }
 
+/// Noise in which black and white are frequent.
 inline GrayImage noiseImage(Size size, Random& random) {
-    return grayImage(size, [&](int, int) { return random.whole(0, 255); });
+    return grayImage(size, [&](int, int) { return std::clamp(random.whole(-128, 383), 0, 255); });
 }
 
 /// A texture without abrupt edges, moved.
