@@ -1,9 +1,12 @@
 // Encoder set-up.
 #include "media/ffmpeg/encoders.h"
 
+#include "media/ffmpeg/channel_layout.h"
 #include "media/ffmpeg/frame_bridge.h"
 #include "media/ffmpeg/hdr_metadata.h"
 #include "media/flowtide_error.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
@@ -15,6 +18,8 @@ namespace {
 
 constexpr const char* videoFailure = "Cannot add video input";
 constexpr const char* audioFailure = "Cannot add audio input";
+
+constexpr int mostChannelsOfAAC = 8; // in the layouts that its encoder writes
 
 // At the source's own bitrate this preset is the knee: faster ones lose quality, slower ones gain next to none.
 constexpr const char* encoderPreset = "fast";
@@ -68,6 +73,26 @@ void setEncoderOptions(const VideoSettings& settings, const CarriedMetadata& met
     }
 }
 
+AVCodecID audioCodec(const AudioSettings& settings) {
+    if (settings.format != linearPCM) return AV_CODEC_ID_AAC;
+    return settings.bitDepth == 16   ? AV_CODEC_ID_PCM_S16LE
+           : settings.bitDepth == 32 ? AV_CODEC_ID_PCM_F32LE
+                                     : AV_CODEC_ID_PCM_S24LE;
+}
+
+/// Everything but the channels' layout.
+CodecContextPtr audioEncoder(const AudioSettings& settings) {
+    const AVCodec* codec = avcodec_find_encoder(audioCodec(settings));
+    if (!codec) throw FlowtideError::writerFailed(audioFailure);
+    auto context = allocated<CodecContextPtr>(avcodec_alloc_context3(codec));
+    context->sample_rate = static_cast<int>(std::lround(settings.sampleRate));
+    context->sample_fmt = codec->sample_fmts[0];
+    context->time_base = {1, context->sample_rate};
+    context->bit_rate = settings.format == linearPCM ? 0 : settings.bitRate;
+    context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    return context;
+}
+
 } // namespace
 
 CodecContextPtr openVideoEncoder(const VideoSettings& settings, const CarriedMetadata& metadata) {
@@ -100,25 +125,28 @@ CodecContextPtr openVideoEncoder(const VideoSettings& settings, const CarriedMet
 }
 
 CodecContextPtr openAudioEncoder(const AudioSettings& settings) {
-    const bool pcm = settings.format == linearPCM;
-    AVCodecID id = AV_CODEC_ID_AAC;
-    if (pcm)
-        id = settings.bitDepth == 16   ? AV_CODEC_ID_PCM_S16LE
-             : settings.bitDepth == 32 ? AV_CODEC_ID_PCM_F32LE
-                                       : AV_CODEC_ID_PCM_S24LE;
-    const AVCodec* codec = avcodec_find_encoder(id);
-    if (!codec) throw FlowtideError::writerFailed(audioFailure);
-    auto context = allocated<CodecContextPtr>(avcodec_alloc_context3(codec));
-    context->sample_rate = static_cast<int>(std::lround(settings.sampleRate));
-    context->sample_fmt = codec->sample_fmts[0];
-    context->time_base = {1, context->sample_rate};
-    context->bit_rate = pcm ? 0 : settings.bitRate;
-    context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
-    if (settings.channelLayout.empty() ||
-        av_channel_layout_from_string(&context->ch_layout, settings.channelLayout.c_str()) < 0)
-        av_channel_layout_default(&context->ch_layout, settings.channels);
-    if (avcodec_open2(context.get(), codec, nullptr) < 0) throw FlowtideError::writerFailed(audioFailure);
-    return context;
+    const auto opened = [&](const auto& setLayout) -> CodecContextPtr {
+        CodecContextPtr context = audioEncoder(settings);
+        if (!setLayout(context->ch_layout) || avcodec_open2(context.get(), context->codec, nullptr) < 0) return nullptr;
+        return context;
+    };
+    const auto named = [&](AVChannelLayout& layout) {
+        return setNamedLayout(layout, settings.channelLayout, settings.channels);
+    };
+    const auto unnamed = [&](AVChannelLayout& layout) {
+        if (settings.format != linearPCM) return setFullBandLayout(layout, settings.channels);
+        setUnnamedLayout(layout, settings.channels);
+        return true;
+    };
+    if (CodecContextPtr context = opened(named)) return context;
+    // The layout that is usual for so many channels may have a low-frequency one, which would silence what is in it.
+    if (CodecContextPtr context = opened(unnamed)) return context;
+    if (settings.format != linearPCM && settings.channels > mostChannelsOfAAC)
+        throw FlowtideError::writerFailed(fmt::format(
+            "{}: AAC keeps at most {} channels apart, and the source has {}. A QuickTime movie keeps linear "
+            "PCM.",
+            audioFailure, mostChannelsOfAAC, settings.channels));
+    throw FlowtideError::writerFailed(audioFailure);
 }
 
 FramePtr encoderAudioFrame(const AVCodecContext& encoder, std::span<const float> interleaved) {

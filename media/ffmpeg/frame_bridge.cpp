@@ -45,6 +45,10 @@ VideoFrame shared(FramePtr frame, PixelLayout layout) {
 }
 
 const int* coefficients(const AVFrame& frame) {
+    // RGB becomes what the probe says of such a track, in every size.
+    const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    if (format && (format->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)))
+        return sws_getCoefficients(SWS_CS_ITU709);
     const int matrix = codeIn(frame.colorspace);
     const bool known = matrix != AVCOL_SPC_UNSPECIFIED && matrix != AVCOL_SPC_RGB;
     return sws_getCoefficients(known ? matrix : frame.height > 576 ? SWS_CS_ITU709 : SWS_CS_ITU601);

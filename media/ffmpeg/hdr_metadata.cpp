@@ -1,6 +1,9 @@
 // HDR data of streams.
 #include "media/ffmpeg/hdr_metadata.h"
 
+#include "media/ffmpeg/movie_input.h"
+#include "media/flowtide_error.h"
+
 extern "C" {
 #include <libavutil/mastering_display_metadata.h>
 }
@@ -22,13 +25,9 @@ AVRational rational(double value, int units) {
     return {static_cast<int>(std::lround(value * units)), units};
 }
 
-} // namespace
-
-void readHDRMetadata(AVStream& stream, CarriedMetadata& metadata) {
-    std::size_t size = 0;
-    if (const auto* display = reinterpret_cast<const AVMasteringDisplayMetadata*>(
-            av_stream_get_side_data(&stream, AV_PKT_DATA_MASTERING_DISPLAY_METADATA, &size));
-        display && display->has_primaries && display->has_luminance) {
+/// Takes what is not known yet; either pointer may be null.
+void take(const AVMasteringDisplayMetadata* display, const AVContentLightMetadata* light, CarriedMetadata& metadata) {
+    if (display && display->has_primaries && display->has_luminance && !metadata.masteringDisplay) {
         MasteringDisplay& mastering = metadata.masteringDisplay.emplace();
         for (std::size_t i = 0; i < 3; ++i)
             for (std::size_t axis = 0; axis < 2; ++axis)
@@ -38,9 +37,51 @@ void readHDRMetadata(AVStream& stream, CarriedMetadata& metadata) {
         mastering.minimumLuminance = av_q2d(display->min_luminance);
         mastering.maximumLuminance = av_q2d(display->max_luminance);
     }
-    if (const auto* light = reinterpret_cast<const AVContentLightMetadata*>(
-            av_stream_get_side_data(&stream, AV_PKT_DATA_CONTENT_LIGHT_LEVEL, &size)))
+    if (light && !metadata.contentLightLevel)
         metadata.contentLightLevel = ContentLightLevel{light->MaxCLL, light->MaxFALL};
+}
+
+template <typename Data>
+const Data* dataOf(const AVFrame& frame, AVFrameSideDataType type) {
+    const AVFrameSideData* side = av_frame_get_side_data(&frame, type);
+    return side ? reinterpret_cast<const Data*>(side->data) : nullptr;
+}
+
+/// The first picture that decodes; nothing when none does.
+FramePtr firstPicture(const MovieInput& movie) {
+    const CodecContextPtr decoder = openDecoder(*movie.video, "This clip's video codec cannot be decoded");
+    const PacketPtr packet = makePacket();
+    FramePtr frame = makeFrame();
+    for (bool draining = false;;) {
+        const int received = avcodec_receive_frame(decoder.get(), frame.get());
+        if (received >= 0) return frame;
+        if (received == AVERROR_EOF || draining) return nullptr;
+        draining = av_read_frame(movie.format.get(), packet.get()) < 0;
+        if (draining || packet->stream_index == movie.video->index)
+            avcodec_send_packet(decoder.get(), draining ? nullptr : packet.get());
+        av_packet_unref(packet.get());
+    }
+}
+
+} // namespace
+
+void readHDRMetadata(AVStream& stream, CarriedMetadata& metadata) {
+    const auto* display = av_stream_get_side_data(&stream, AV_PKT_DATA_MASTERING_DISPLAY_METADATA, nullptr);
+    const auto* light = av_stream_get_side_data(&stream, AV_PKT_DATA_CONTENT_LIGHT_LEVEL, nullptr);
+    take(reinterpret_cast<const AVMasteringDisplayMetadata*>(display),
+         reinterpret_cast<const AVContentLightMetadata*>(light), metadata);
+}
+
+void readHDRMetadataOfFirstPicture(const std::filesystem::path& path, VideoTrack& track, CarriedMetadata& metadata) {
+    const MovieInput movie = openMovie(path);
+    if (!movie.video || !avcodec_find_decoder(movie.video->codecpar->codec_id)) return;
+    deliverOnly(*movie.format, *movie.video);
+    const FramePtr picture = firstPicture(movie);
+    if (!picture) return;
+    take(dataOf<AVMasteringDisplayMetadata>(*picture, AV_FRAME_DATA_MASTERING_DISPLAY_METADATA),
+         dataOf<AVContentLightMetadata>(*picture, AV_FRAME_DATA_CONTENT_LIGHT_LEVEL), metadata);
+    if (av_frame_get_side_data(picture.get(), AV_FRAME_DATA_DYNAMIC_HDR_PLUS)) track.hasHDR10Plus = true;
+    if (av_frame_get_side_data(picture.get(), AV_FRAME_DATA_DOVI_RPU_BUFFER)) track.hasDolbyVision = true;
 }
 
 void attachHDRMetadata(AVStream& stream, const CarriedMetadata& metadata) {

@@ -1,6 +1,7 @@
-// The probe.
+// From a movie's streams to the descriptions of its tracks.
 #include "media/ffmpeg/probe.h"
 
+#include "media/ffmpeg/channel_layout.h"
 #include "media/ffmpeg/ffmpeg_error.h"
 #include "media/ffmpeg/frame_bridge.h"
 #include "media/ffmpeg/hdr_metadata.h"
@@ -63,6 +64,38 @@ std::optional<double> positiveRate(std::int64_t bitRate) {
     return bitRate > 0 ? std::optional<double>(static_cast<double>(bitRate)) : std::nullopt;
 }
 
+/// Shallow RGB and black-and-white pictures are decoded to the eight bits of any other.
+constexpr std::int64_t fewestBits = 8;
+
+std::optional<ChromaSubsampling> chromaOf(const AVPixFmtDescriptor& format) {
+    if (format.nb_components < 3) return std::nullopt;
+    if (format.log2_chroma_w == 0 && format.log2_chroma_h == 0) return ChromaSubsampling::yuv444;
+    if (format.log2_chroma_w == 1 && format.log2_chroma_h == 0) return ChromaSubsampling::yuv422;
+    if (format.log2_chroma_w == 1 && format.log2_chroma_h == 1) return ChromaSubsampling::yuv420;
+    return std::nullopt;
+}
+
+void readPixelFormat(const AVCodecParameters& parameters, VideoTrack& track) {
+    const auto format = static_cast<AVPixelFormat>(parameters.format);
+    track.isFullRange = codeIn(parameters.color_range) == AVCOL_RANGE_JPEG || format == AV_PIX_FMT_YUVJ420P ||
+                        format == AV_PIX_FMT_YUVJ422P || format == AV_PIX_FMT_YUVJ444P;
+    const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format);
+    if (!descriptor) {
+        if (parameters.bits_per_raw_sample > 0) track.bitDepth = parameters.bits_per_raw_sample;
+        return;
+    }
+    track.bitDepth = std::max<std::int64_t>(descriptor->comp[0].depth, fewestBits);
+    track.hasAlpha = (descriptor->flags & AV_PIX_FMT_FLAG_ALPHA) != 0;
+    track.isRGB = (descriptor->flags & (AV_PIX_FMT_FLAG_RGB | AV_PIX_FMT_FLAG_PAL)) != 0;
+    track.chroma = track.isRGB ? ChromaSubsampling::yuv444 : chromaOf(*descriptor);
+    if (!track.isRGB) return;
+    // The scaler makes them BT.709 video range, whatever the picture's size; see FrameImporter.
+    track.isFullRange = false;
+    const ColorProperties tags = track.colorProperties.value_or(ColorProperties{});
+    track.colorProperties = ColorProperties{tags.primaries.value_or("bt709"), tags.transferFunction.value_or("bt709"),
+                                            std::string("bt709")};
+}
+
 VideoTrack videoTrack(const std::filesystem::path& path, AVStream& stream, const ColorCodes& containerColor) {
     const AVCodecParameters& parameters = *stream.codecpar;
     VideoTrack track;
@@ -73,15 +106,9 @@ VideoTrack videoTrack(const std::filesystem::path& path, AVStream& stream, const
     track.estimatedDataRate = positiveRate(parameters.bit_rate);
     track.colorProperties = colorProperties(mergedColor(containerColor, colorOf(parameters)));
 
-    const auto format = static_cast<AVPixelFormat>(parameters.format);
-    track.isFullRange = codeIn(parameters.color_range) == AVCOL_RANGE_JPEG || format == AV_PIX_FMT_YUVJ420P ||
-                        format == AV_PIX_FMT_YUVJ422P || format == AV_PIX_FMT_YUVJ444P;
-    if (const AVPixFmtDescriptor* descriptor = av_pix_fmt_desc_get(format)) {
-        track.bitDepth = descriptor->comp[0].depth;
-        track.hasAlpha = (descriptor->flags & AV_PIX_FMT_FLAG_ALPHA) != 0;
-    } else if (parameters.bits_per_raw_sample > 0) {
-        track.bitDepth = parameters.bits_per_raw_sample;
-    }
+    readPixelFormat(parameters, track);
+    track.isInterlaced = parameters.field_order != AV_FIELD_UNKNOWN && parameters.field_order != AV_FIELD_PROGRESSIVE;
+    track.hasDolbyVision = av_stream_get_side_data(&stream, AV_PKT_DATA_DOVI_CONF, nullptr) != nullptr;
 
     std::size_t size = 0;
     if (const auto* matrix =
@@ -98,28 +125,60 @@ void readPictureMetadata(AVStream& stream, CarriedMetadata& metadata) {
     readHDRMetadata(stream, metadata);
 }
 
+/// Linear PCM goes by a dozen four-character codes; what it is shows in the codec. The logarithmic codes and the disc's
+/// own packing stand among them and are none.
+bool isLinearPCM(AVCodecID codec) {
+    if (codec < AV_CODEC_ID_FIRST_AUDIO || codec >= AV_CODEC_ID_ADPCM_IMA_QT) return false;
+    if (codec == AV_CODEC_ID_PCM_MULAW || codec == AV_CODEC_ID_PCM_ALAW || codec == AV_CODEC_ID_PCM_VIDC) return false;
+    return av_get_exact_bits_per_sample(codec) > 0;
+}
+
 AudioTrack audioTrack(const AVStream& stream) {
     const AVCodecParameters& parameters = *stream.codecpar;
     AudioTrack track;
     track.sampleRate = parameters.sample_rate;
     track.channelCount = parameters.ch_layout.nb_channels;
     track.estimatedDataRate = positiveRate(parameters.bit_rate);
-    // Linear PCM goes by a dozen four-character codes; what it is shows in the codec.
-    if (const int bits = av_get_exact_bits_per_sample(parameters.codec_id);
-        bits > 0 && parameters.codec_id >= AV_CODEC_ID_FIRST_AUDIO && parameters.codec_id < AV_CODEC_ID_ADPCM_IMA_QT) {
+    if (isLinearPCM(parameters.codec_id)) {
         track.formatID = linearPCM;
-        track.bitDepth = bits;
+        track.bitDepth = av_get_exact_bits_per_sample(parameters.codec_id);
     } else if (parameters.codec_id == AV_CODEC_ID_AAC) {
         track.formatID = aac;
     } else {
         track.formatID = codeOf(parameters);
+        const AVCodecDescriptor* codec = avcodec_descriptor_get(parameters.codec_id);
+        track.isLosslesslyCompressed =
+            codec && (codec->props & AV_CODEC_PROP_LOSSLESS) && !(codec->props & AV_CODEC_PROP_LOSSY);
     }
-    if (parameters.ch_layout.order != AV_CHANNEL_ORDER_UNSPEC) {
-        std::array<char, 256> name{};
-        if (av_channel_layout_describe(&parameters.ch_layout, name.data(), name.size()) > 0)
-            track.channelLayout = name.data();
-    }
+    track.channelLayout = channelLayoutName(parameters.ch_layout);
     return track;
+}
+
+UncarriedStream::Kind kindOf(const AVStream& stream) {
+    using Kind = UncarriedStream::Kind;
+    switch (stream.codecpar->codec_type) {
+    case AVMEDIA_TYPE_VIDEO:
+        return (stream.disposition & AV_DISPOSITION_ATTACHED_PIC) ? Kind::coverPicture : Kind::video;
+    case AVMEDIA_TYPE_AUDIO:
+        return Kind::sound;
+    case AVMEDIA_TYPE_SUBTITLE:
+        return Kind::subtitles;
+    default:
+        return stream.codecpar->codec_tag == MKTAG('t', 'm', 'c', 'd') ? Kind::timecode : Kind::data;
+    }
+}
+
+std::vector<UncarriedStream> uncarriedStreams(const MovieInput& movie) {
+    std::vector<UncarriedStream> uncarried;
+    for (unsigned i = 0; i < movie.format->nb_streams; ++i) {
+        const AVStream* stream = movie.format->streams[i];
+        // The titles of chapters come as a stream of their own.
+        const bool isChapterText = stream->codecpar->codec_id == AV_CODEC_ID_BIN_DATA && movie.format->nb_chapters > 0;
+        if (stream != movie.video && stream != movie.audio && !isChapterText)
+            uncarried.push_back({kindOf(*stream), codeOf(*stream->codecpar)});
+    }
+    if (movie.format->nb_chapters > 0) uncarried.push_back({UncarriedStream::Kind::chapters, std::nullopt});
+    return uncarried;
 }
 
 void readTags(const AVFormatContext& format, CarriedMetadata& metadata) {
@@ -129,6 +188,35 @@ void readTags(const AVFormatContext& format, CarriedMetadata& metadata) {
     while ((entry = av_dict_get(format.metadata, "", entry, AV_DICT_IGNORE_SUFFIX)))
         if (std::find(fileTags.begin(), fileTags.end(), std::string_view(entry->key)) == fileTags.end())
             metadata.tags[entry->key] = entry->value;
+}
+
+/// Throws for tracks whose samples are encrypted: they decode to noise, or to nothing.
+void refuseEncrypted(const std::filesystem::path& path, const MovieInput& movie) {
+    const auto refuse = [&](const AVStream& stream) {
+        throw FlowtideError::readerFailed(
+            fmt::format("{} could not be read: its {} track is encrypted.", path.filename().string(),
+                        stream.codecpar->codec_type == AVMEDIA_TYPE_VIDEO ? "video" : "sound"));
+    };
+    for (const AVStream* stream : {movie.video, movie.audio}) {
+        if (!stream) continue;
+        const std::uint32_t tag = stream->codecpar->codec_tag;
+        if (tag == MKTAG('e', 'n', 'c', 'v') || tag == MKTAG('e', 'n', 'c', 'a')) refuse(*stream);
+        if (av_stream_get_side_data(stream, AV_PKT_DATA_ENCRYPTION_INIT_INFO, nullptr)) refuse(*stream);
+    }
+    // Where the container names the codec behind the encryption, only the samples tell.
+    constexpr int fewPackets = 16; // the analysis of the streams has read more than these already
+    const PacketPtr packet = makePacket();
+    for (int i = 0; i < fewPackets && av_read_frame(movie.format.get(), packet.get()) >= 0; ++i) {
+        const AVStream& stream = *movie.format->streams[packet->stream_index];
+        const bool isOurs = &stream == movie.video || &stream == movie.audio;
+        if (isOurs && av_packet_get_side_data(packet.get(), AV_PKT_DATA_ENCRYPTION_INFO, nullptr)) refuse(stream);
+        av_packet_unref(packet.get());
+    }
+}
+
+/// HDR10 is PQ; what its pictures carry beside themselves is looked for nowhere else.
+bool mayCarryHDR(const VideoTrack& track) {
+    return track.colorProperties && track.colorProperties->transferFunction == "smpte2084";
 }
 
 } // namespace
@@ -144,10 +232,13 @@ ProbedMedia probeMovie(const std::filesystem::path& path) {
         throw FlowtideError::readerFailed(
             fmt::format("{} could not be read: {}", path.filename().string(), describe(code)));
 
+    refuseEncrypted(path, movie);
+
     ProbedMedia media;
     if (movie.video) {
         media.video = videoTrack(path, *movie.video, containerColor);
         readPictureMetadata(*movie.video, media.metadata);
+        if (mayCarryHDR(*media.video)) readHDRMetadataOfFirstPicture(path, *media.video, media.metadata);
     }
     if (movie.audio) media.audio = audioTrack(*movie.audio);
     for (const AVStream* stream : {movie.video, movie.audio})
@@ -155,6 +246,7 @@ ProbedMedia probeMovie(const std::filesystem::path& path) {
             media.duration = std::max(media.duration, span->end);
     if (media.duration <= 0 && movie.format->duration > 0)
         media.duration = secondsOf(movie.format->duration, AVRational{1, AV_TIME_BASE});
+    media.uncarriedStreams = uncarriedStreams(movie);
     readTags(*movie.format, media.metadata);
     return media;
 }

@@ -120,6 +120,7 @@ void makeClip(const MediaBackend& backend, const std::filesystem::path& path, co
         audio.format = recipe.audioFormat;
         audio.sampleRate = recipe.sampleRate;
         audio.channels = recipe.channels;
+        audio.channelLayout = recipe.channelLayout;
         audio.bitRate = recipe.audioBitRate;
         audio.bitDepth = recipe.audioBitDepth;
         writer->addAudio(audio);

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace flowtide::test {
@@ -30,6 +31,7 @@ struct ClipRecipe {
 
     double sampleRate = 0; ///< 0: no sound
     int channels = 2;
+    std::string channelLayout; ///< as AudioTrack::channelLayout
     FourCC audioFormat = aac;
     int audioBitDepth = 16;
     std::int64_t audioBitRate = 256'000;

@@ -140,4 +140,19 @@ void loseLastChunk(const std::filesystem::path& path, std::size_t track) {
     });
 }
 
+void damageChunk(const std::filesystem::path& path, std::size_t track, std::size_t chunk, std::size_t first,
+                 std::size_t count) {
+    std::size_t offset = 0;
+    changeMovie(path, [&](MovieAtom& movie) {
+        constexpr std::size_t tableOffset = 8;
+        offset = number32(movie.track(track).at({"mdia", "minf", "stbl", "stco"}).bytes, tableOffset + 4 * chunk);
+    });
+    std::string file = readFile(path);
+    // As the start of an AAC packet it names a channel that is not there; as the start of a picture, a size too large.
+    constexpr char nonsense = 0x60;
+    for (std::size_t i = 0; i < count; ++i)
+        file.at(offset + first + i) = nonsense;
+    writeFile(path, file);
+}
+
 } // namespace flowtide::test

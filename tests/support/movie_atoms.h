@@ -39,4 +39,8 @@ void setEdits(const std::filesystem::path& path, const std::vector<SourceRange>&
 /// Points the last chunk of a track (counted from 0) behind the file's end, as if the file had been cut off before it.
 void loseLastChunk(const std::filesystem::path& path, std::size_t track);
 
+/// Makes nonsense of `count` bytes of a chunk of a track, from its byte `first` on; both counted from 0.
+void damageChunk(const std::filesystem::path& path, std::size_t track, std::size_t chunk, std::size_t first,
+                 std::size_t count);
+
 } // namespace flowtide::test

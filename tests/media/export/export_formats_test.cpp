@@ -126,6 +126,7 @@ TEST_F(ExportFormatsTest, WhatTheClipCarriesIsKept) {
         recipe.metadata.contentLightLevel = ContentLightLevel{1000, 400};
         recipe.sampleRate = 48'000;
         recipe.channels = 6;
+        recipe.channelLayout = "5.1";
         const ImportedClip clip = make(name, recipe);
         const ImportedClip output = exported(clip);
         for (const ImportedClip& one : {clip, output}) {

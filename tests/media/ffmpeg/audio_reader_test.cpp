@@ -1,5 +1,6 @@
 // Where the sound of a range starts and ends, and what is said about sound that cannot be decoded.
 #include "media/ffmpeg/ffmpeg_backend.h"
+#include "media/ffmpeg/handles.h"
 #include "media/flowtide_error.h"
 #include "media/sound/audio_decoding.h"
 #include "tests/support/clip_maker.h"
@@ -71,6 +72,57 @@ TEST_F(AudioReaderTest, AFileThatEndsEarlyIsAFailureWhereItsSoundIsAskedFor) {
             ADD_FAILURE() << name;
         } catch (const FlowtideError& error) {
             EXPECT_STREQ(error.what(), "Asset reader failed: Audio decode failed mid-file");
+        }
+    }
+}
+
+TEST_F(AudioReaderTest, ARangeSoundsAsItDoesInTheWhole) {
+    ClipRecipe recipe;
+    recipe.frameCount = 100;
+    recipe.sampleRate = 48'000;
+    recipe.sound = chirp;
+    const ImportedClip clip = make("in.mp4", recipe);
+    const AudioData whole = AudioDecoding::readAll(*backend_, clip, {0, clip.duration});
+    EXPECT_EQ(whole.damagedStretches, 0);
+    for (const double start : {0.6, 1.0, 1.777, 3.2}) {
+        const AudioData part = AudioDecoding::readAll(*backend_, clip, {start, start + 0.5});
+        ASSERT_GE(part.frameCount(), 24'000);
+        EXPECT_TRUE(std::equal(part.samples.begin(), part.samples.end(),
+                               whole.samples.begin() + (part.firstFrame - whole.firstFrame) * part.channels))
+            << start;
+    }
+}
+
+TEST_F(AudioReaderTest, DamagedStretchesAreCountedAndSilent) {
+    ClipRecipe recipe;
+    recipe.frameCount = 200;
+    recipe.sampleRate = 48'000;
+    recipe.sound = chirp;
+    make("in.mp4", recipe);
+    for (const std::size_t chunk : {20U, 22U, 100U}) // two that touch, and one apart
+        damageChunk(folder_ / "in.mp4", 1, chunk, 0, 4000);
+    const ImportedClip clip = ImportedClip::load(*backend_, folder_ / "in.mp4");
+    const AudioData audio = AudioDecoding::readAll(*backend_, clip, {0, clip.duration});
+    EXPECT_EQ(audio.damagedStretches, 2);
+    EXPECT_EQ(audio.frameCount(), 8 * 48'000);
+}
+
+TEST_F(AudioReaderTest, LinearPCMWhoseSampleSizeTheLibraryMisreadsIsRefused) {
+    ClipRecipe recipe;
+    recipe.frameCount = 10;
+    recipe.sampleRate = 48'000;
+    recipe.audioFormat = linearPCM;
+    for (const char* code : {"ipcm", "fpcm"}) {
+        makeClip(*backend_, folder_ / "in.mov", recipe);
+        changeMovie(folder_ / "in.mov", [&](MovieAtom& movie) {
+            movie.track(1).at({"mdia", "minf", "stbl", "stsd"}).children.front().type = code;
+        });
+        try {
+            const ImportedClip clip = ImportedClip::load(*backend_, folder_ / "in.mov");
+            AudioDecoding::readAll(*backend_, clip, {0, clip.duration});
+            EXPECT_GE(avformat_version(), AV_VERSION_INT(60, 0, 0)) << code;
+        } catch (const FlowtideError& error) {
+            EXPECT_STREQ(error.what(), "Asset reader failed: Failed to read audio");
         }
     }
 }

@@ -81,6 +81,42 @@ TEST_F(VideoReaderTest, AFileThatEndsEarlyIsAFailureWhereItsPicturesAreAskedFor)
     }
 }
 
+TEST_F(VideoReaderTest, ARangeStartsAtItsFrameEvenWhereTheNextKeyFrameIsNone) {
+    ClipRecipe recipe;
+    recipe.frameCount = 150;
+    recipe.picture = [](std::int64_t i) { return numberedFrame({}, 96, 64, i / 50); };
+    const ImportedClip clip = make("in.mp4", recipe);
+    const auto shown = [&](double start) {
+        const auto reader = backend_->openVideo(clip, decodePixelFormat(clip), {start, start + 0.2});
+        const auto frame = reader->next();
+        return frame ? frame->time.value : -1;
+    };
+    // The file says that only the first frame, and one that needs those before it, can be started from.
+    changeMovie(clip.url, [](MovieAtom& movie) {
+        movie.track(0).at({"mdia", "minf", "stbl", "stss"}).bytes =
+            bytesOf32(0) + bytesOf32(2) + bytesOf32(1) + bytesOf32(40);
+    });
+    for (const double start : {1.68, 1.8, 1.96})
+        EXPECT_NEAR(shown(start), start, 1e-6);
+}
+
+TEST_F(VideoReaderTest, DamagedFramesAreCounted) {
+    ClipRecipe recipe;
+    recipe.frameCount = 100;
+    recipe.sampleRate = 48'000;
+    make("in.mp4", recipe);
+    const auto concealed = [&] {
+        const ImportedClip clip = ImportedClip::load(*backend_, folder_ / "in.mp4");
+        const auto reader = backend_->openVideo(clip, decodePixelFormat(clip), {0, clip.duration});
+        while (reader->next()) {
+        }
+        return reader->concealedFrameCount();
+    };
+    EXPECT_EQ(concealed(), 0);
+    damageChunk(folder_ / "in.mp4", 0, 1, 60, 400);
+    EXPECT_GT(concealed(), 0);
+}
+
 TEST_F(VideoReaderTest, CancelIsHeardOnTheWayToTheRange) {
     ClipRecipe recipe;
     recipe.frameCount = 240;
