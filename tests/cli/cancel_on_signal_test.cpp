@@ -17,6 +17,7 @@ TEST(CancelOnSignalDeathTest, FirstCancelsSecondEndsTheProcess) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
         EXPECT_EXIT(
             {
+                ::signal(signal, SIG_DFL); // whatever this test was started with
                 std::promise<void> cancelled;
                 const CancelOnSignal cancelOnSignal([&] { cancelled.set_value(); });
                 ::kill(::getpid(), signal);
