@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 namespace flowtide {
 namespace {
@@ -79,9 +80,9 @@ std::optional<HiddenName> HiddenName::parse(const std::string& name, std::string
 }
 
 // With this constructor done, the other one's failures run the destructor.
-HiddenFile::HiddenFile(FileOperations& operations, const fs::path& destination)
+HiddenFile::HiddenFile(FileOperations& operations, fs::path destination)
     : operations_(operations)
-    , destination_(destination)
+    , destination_(std::move(destination))
     , descriptor_(operations, -1) {}
 
 HiddenFile::HiddenFile(FileOperations& operations, const fs::path& destination,

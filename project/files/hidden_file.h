@@ -60,7 +60,7 @@ public:
     [[nodiscard]] std::error_code moveIntoPlace();
 
 private:
-    HiddenFile(FileOperations& operations, const std::filesystem::path& destination);
+    HiddenFile(FileOperations& operations, std::filesystem::path destination);
     void create(const std::function<std::filesystem::path()>& newPath, mode_t mode);
     void keepModeOfDestination();
     void removeAndClose() noexcept;

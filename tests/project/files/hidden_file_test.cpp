@@ -153,6 +153,20 @@ TEST(HiddenFile, OnlyTheWrittenFileGetsIntoPlace) {
     }
 }
 
+TEST(HiddenFile, TakenNamesAreLeftAlone) {
+    const TemporaryFolder folder;
+    writeFile(folder / "file", "somebody's");
+    fs::create_symlink("file", folder / "link");
+    fs::create_symlink("new", folder / "dangling");
+    for (const char* taken : {"file", "link", "dangling"})
+        ASSERT_THROW(HiddenFile(
+                         systemFileOperations(), folder / "out", [&] { return folder / taken; }, Access::user),
+                     std::system_error)
+            << taken;
+    EXPECT_EQ(folder.names(), (std::vector<std::string>{"dangling", "file", "link"}));
+    EXPECT_EQ(readFile(folder / "file"), "somebody's");
+}
+
 TEST(HiddenFile, ADestinationThatCannotBeIsFoundAtOnce) {
     const TemporaryFolder folder;
     const auto errorOf = [&](const fs::path& destination) {
