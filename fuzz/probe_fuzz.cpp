@@ -23,8 +23,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const auto clip = flowtide::ImportedClip::load(*backend, "/proc/self/fd/" + std::to_string(file));
         const bool sane = std::isfinite(clip.duration) && clip.duration > 0 && clip.frameDuration.numerator > 0 &&
-                          clip.frameDuration.denominator > 0 && clip.width >= 1 && clip.width <= 32'768 &&
-                          (!clip.audio || clip.audio->channelCount <= 64);
+                          clip.frameDuration.denominator > 0 && std::isfinite(clip.frameRate) && clip.frameRate > 0 &&
+                          clip.width >= 1 && clip.width <= 32'768 && (!clip.audio || clip.audio->channelCount <= 64);
         if (!sane) std::abort();
     } catch (const std::runtime_error& error) {
         if (std::string(error.what()).empty()) std::abort();

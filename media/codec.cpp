@@ -1,4 +1,4 @@
-// The tables of codecs and containers.
+// What each codec and container is called.
 #include "media/codec.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The choice of layout.
+// Chooses the layout that a clip is decoded, edited and encoded in.
 #include "media/decode_layout.h"
 
 namespace flowtide {

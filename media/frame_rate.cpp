@@ -1,4 +1,4 @@
-// Statistics of sample intervals.
+// Finds the interval that most of a track's samples have.
 #include "media/frame_rate.h"
 
 #include <algorithm>

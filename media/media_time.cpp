@@ -1,4 +1,4 @@
-// Exact media times.
+// Arithmetic on exact fractions, and the frame intervals that nominal rates stand for.
 #include "media/media_time.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// The decode loop of the sound.
+// Decodes a range of sound into blocks at their times, and notices damage and missing ends.
 #include "media/ffmpeg/audio_reader.h"
 
 #include "media/ffmpeg/ffmpeg_error.h"

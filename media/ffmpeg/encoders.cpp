@@ -1,4 +1,4 @@
-// Encoder set-up.
+// Sets up the encoders of pictures and sound, and hands sound to them in their sample format.
 #include "media/ffmpeg/encoders.h"
 
 #include "media/ffmpeg/channel_layout.h"

@@ -1,4 +1,4 @@
-// Error texts.
+// libav's error codes as the text that a person reads.
 #include "media/ffmpeg/ffmpeg_error.h"
 
 extern "C" {

@@ -1,4 +1,4 @@
-// Frames and colour tags across the libav boundary.
+// Converts decoded frames to the clip's layout, and colour tags to and from libav's numbers.
 #include "media/ffmpeg/frame_bridge.h"
 
 #include "media/flowtide_error.h"

@@ -1,4 +1,4 @@
-// HDR data of streams.
+// Moves HDR data between our record, streams, pictures and the HEVC encoder.
 #include "media/ffmpeg/hdr_metadata.h"
 
 #include "media/ffmpeg/movie_input.h"

@@ -1,4 +1,4 @@
-// Opening of movies.
+// Opens movies and their decoders, and reads what the container's index says.
 #include "media/ffmpeg/movie_input.h"
 
 #include "media/ffmpeg/ffmpeg_error.h"

@@ -1,4 +1,4 @@
-// Two encoders and one muxer.
+// Encodes pictures and sound on two threads and interleaves them into one file.
 #include "media/ffmpeg/movie_writer.h"
 
 #include "media/ffmpeg/encoders.h"

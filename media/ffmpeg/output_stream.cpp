@@ -1,4 +1,4 @@
-// The callbacks behind a muxer's output.
+// Hands a muxer's bytes to one of our files.
 #include "media/ffmpeg/output_stream.h"
 
 #include <cstdio>

@@ -203,13 +203,19 @@ void refuseEncrypted(const std::filesystem::path& path, const MovieInput& movie)
         if (tag == MKTAG('e', 'n', 'c', 'v') || tag == MKTAG('e', 'n', 'c', 'a')) refuse(*stream);
         if (av_stream_get_side_data(stream, AV_PKT_DATA_ENCRYPTION_INIT_INFO, nullptr)) refuse(*stream);
     }
-    // Where the container names the codec behind the encryption, only the samples tell.
-    constexpr int fewPackets = 16; // the analysis of the streams has read more than these already
+    // Where the container names the codec behind the encryption, only the samples tell. Tracks of a playable file lie
+    // side by side; the limit is for those that don't.
+    constexpr int mostPackets = 1000;
     const PacketPtr packet = makePacket();
-    for (int i = 0; i < fewPackets && av_read_frame(movie.format.get(), packet.get()) >= 0; ++i) {
-        const AVStream& stream = *movie.format->streams[packet->stream_index];
-        const bool isOurs = &stream == movie.video || &stream == movie.audio;
-        if (isOurs && av_packet_get_side_data(packet.get(), AV_PKT_DATA_ENCRYPTION_INFO, nullptr)) refuse(stream);
+    bool videoSeen = !movie.video;
+    bool audioSeen = !movie.audio;
+    for (int i = 0; i < mostPackets && !(videoSeen && audioSeen); ++i) {
+        if (av_read_frame(movie.format.get(), packet.get()) < 0) return;
+        const AVStream* stream = movie.format->streams[packet->stream_index];
+        const bool isOurs = stream == movie.video || stream == movie.audio;
+        if (isOurs && av_packet_get_side_data(packet.get(), AV_PKT_DATA_ENCRYPTION_INFO, nullptr)) refuse(*stream);
+        videoSeen = videoSeen || stream == movie.video;
+        audioSeen = audioSeen || stream == movie.audio;
         av_packet_unref(packet.get());
     }
 }

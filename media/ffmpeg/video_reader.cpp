@@ -1,4 +1,4 @@
-// The decode loop of the pictures, with exact seeking.
+// Decodes a range of pictures: seeks exactly, ends after the range, and notices damage and missing ends.
 #include "media/ffmpeg/video_reader.h"
 
 #include "media/ffmpeg/frame_bridge.h"

@@ -100,6 +100,41 @@ TEST_F(VideoReaderTest, ARangeStartsAtItsFrameEvenWhereTheNextKeyFrameIsNone) {
         EXPECT_NEAR(shown(start), start, 1e-6);
 }
 
+TEST_F(VideoReaderTest, WhereNothingDecodesTheWayBackCostsLittleMoreThanTheClip) {
+    ClipRecipe recipe;
+    recipe.frameCount = 1000;
+    makeClip(*backend_, folder_ / "in.mp4", recipe);
+    const std::size_t end = readFile(folder_ / "in.mp4").rfind("moov");
+    damageChunk(folder_ / "in.mp4", 0, 0, end / 8, end / 4 * 3);
+    const ImportedClip clip = ImportedClip::load(*backend_, folder_ / "in.mp4");
+    int packets = 0;
+    const auto reader = backend_->openVideo(clip, decodePixelFormat(clip), {33, 34}, [&] { return ++packets < 0; });
+    reader->next();
+    EXPECT_GT(packets, 900);  // all the way to the start
+    EXPECT_LT(packets, 4000); // steps of a fixed length would read the clip over and over
+}
+
+TEST_F(VideoReaderTest, SkippingJumpsToTheLastKeyFrameAndLosesNothingBehindTheTime) {
+    ClipRecipe recipe;
+    recipe.frameCount = 250; // with pictures that differ this much, key frames come every second or so
+    const ImportedClip clip = make("in.mp4", recipe);
+    for (const double time : {0.5, 3.0, 7.77, 9.0}) {
+        int packets = 0;
+        const auto reader =
+            backend_->openVideo(clip, decodePixelFormat(clip), {0, clip.duration}, [&] { return ++packets < 0; });
+        EXPECT_EQ(reader->next()->time.value, 0);
+        reader->skipTo({time});
+        std::vector<std::int64_t> numbers;
+        while (const auto frame = reader->next())
+            if (frame->time.value > time - 0.04) numbers.push_back(numberOf(frame->frame).value_or(-1));
+        const auto first = static_cast<std::int64_t>(std::floor(time * 25 + 1e-6));
+        ASSERT_EQ(numbers.size(), static_cast<std::size_t>(250 - first)) << time;
+        for (std::size_t i = 0; i < numbers.size(); ++i)
+            EXPECT_EQ(numbers[i], first + static_cast<std::int64_t>(i));
+        EXPECT_LT(packets, 250 - first + 75) << time;
+    }
+}
+
 TEST_F(VideoReaderTest, DamagedFramesAreCounted) {
     ClipRecipe recipe;
     recipe.frameCount = 100;
