@@ -20,6 +20,7 @@ struct MediaScript {
     std::int64_t decodableFrames = 1'000'000;                       ///< after them the video reader fails
     std::vector<AudioBlock> audioBlocks{};
     int damagedSoundStretches = 0;
+    int concealedFrames = 0;
     std::function<void(std::int64_t)> onAppendVideo{}; ///< called with the frame's index, may throw
     std::function<void()> onFinish{};
 };
@@ -64,7 +65,7 @@ public:
                 if (index_ >= count_) return std::nullopt;
                 return TimedFrame{picture_, {interval_.secondsTimes(index_++)}};
             }
-            int concealedFrameCount() const override { return 0; }
+            int concealedFrameCount() const override { return script_.concealedFrames; }
 
         private:
             const MediaScript& script_;

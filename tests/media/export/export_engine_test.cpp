@@ -73,6 +73,23 @@ TEST_F(ExportEngineTest, ReplacesTheDestinationAfterVerification) {
     }
 }
 
+TEST_F(ExportEngineTest, DamageInTheSourceIsToldWithItsCount) {
+    const std::string frames = "[Export] Warning: 3 damaged source frames were decoded approximately.\n";
+    const std::string sound = "[Export] Warning: 2 damaged stretches of the source's sound were replaced by silence.\n";
+    AudioTrack& audio = script_.source.audio.emplace();
+    audio.sampleRate = 48'000;
+    audio.channelCount = 2;
+    audio.formatID = linearPCM;
+    audio.bitDepth = 16;
+    EXPECT_EQ(run(request()), "");
+    EXPECT_EQ(log_.find("damaged"), std::string::npos) << log_;
+    script_.concealedFrames = 3;
+    script_.damagedSoundStretches = 2;
+    EXPECT_EQ(run(request()), "");
+    EXPECT_NE(log_.find(frames), std::string::npos) << log_;
+    EXPECT_NE(log_.find(sound), std::string::npos) << log_;
+}
+
 TEST_F(ExportEngineTest, FailedVerificationTouchesNothing) {
     script_.probeOfOutput = [](ProbedMedia probe) {
         probe.video->isFullRange = true;
