@@ -29,8 +29,8 @@ namespace AudioDecoding {
 /// 512 MB of 32-bit floats; no export holds more.
 constexpr std::int64_t largestSampleCount = 134'217'728;
 
-/// Decodes the sound of a range of the clip. The limit is judged on the whole clip. Throws FlowtideError::readerFailed,
-/// or exportCancelled as soon as `isCancelled` says so.
+/// Decodes the sound of a range of the clip. Throws FlowtideError::readerFailed, at once where the range's sound would
+/// exceed the limit, or exportCancelled as soon as `isCancelled` says so.
 AudioData readAll(const MediaBackend& backend, const ImportedClip& clip, SourceRange range,
                   const CancelCheck& isCancelled = {});
 
