@@ -102,15 +102,7 @@ ExportValidationReport ExportEngine::run(const ExportRequest& wanted, const Prog
     render(request, plan, renderer.get(), *file, onProgress);
     if (isCancelled()) throw FlowtideError::exportCancelled();
 
-    ExportExpectation expected;
-    expected.codec = plan.video.codec;
-    expected.encodedSize = {plan.video.width, plan.video.height};
-    expected.displaySize = plan.displaySize;
-    expected.outputDuration = plan.timeMap.outputDuration();
-    expected.sourceRange = plan.timeMap.sourceRange();
-    expected.socialCropApplied = plan.framing.crop.has_value();
-    expected.fileType = request.clip.fileType;
-    ExportValidationReport report = validateOutputFile(backend_, file->path(), request.clip, expected);
+    ExportValidationReport report = validateOutputFile(backend_, file->path(), request.clip, plan.expected);
     log_("[Export] Verification passed: " + report.summary);
     logLines(report.details, log_);
     if (isCancelled()) throw FlowtideError::exportCancelled();

@@ -2,6 +2,7 @@
 #include "media/export/export_plan.h"
 
 #include "core/curve_engine.h"
+#include "media/export/export_prediction.h"
 #include "media/flowtide_error.h"
 #include "media/frames/frame_interpolation.h"
 #include "media/media_time.h"
@@ -63,11 +64,11 @@ ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
     // A rotated source stays encoded as it is and carries its transform.
     const OutputSize encodedSize =
         crop ? OutputSize{crop->width, crop->height} : OutputSize{clip.encodedWidth(), clip.encodedHeight()};
-    plan.displaySize = crop ? encodedSize : OutputSize{clip.width, clip.height};
+    const OutputSize displaySize = crop ? encodedSize : OutputSize{clip.width, clip.height};
 
     log(fmt::format("[Export] Source duration: {:.3f}s, Output duration: {:.3f}s", clip.duration, outputDuration));
     log(fmt::format("[Export] Source range: {:.6f}:{:.6f}", range.lower, range.upper));
-    log(fmt::format("[Export] Resolution: {}x{}", plan.displaySize.width, plan.displaySize.height));
+    log(fmt::format("[Export] Resolution: {}x{}", displaySize.width, displaySize.height));
     log(fmt::format("[Export] Container: {}", fileTypeName(clip.fileType)));
     logSourceMatch(clip, log);
     logCrop(request, crop, log);
@@ -84,6 +85,11 @@ ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
     if (const auto& tags = clip.videoColorProperties(); tags && !tags->complete())
         log(fmt::format("[Export] Source has incomplete color tags ({}); validating encoder-inferred tags after render",
                         fmt::join(presentColorTagNames(*tags), ", ")));
+
+    plan.expected = {plan.video.codec, encodedSize,  displaySize, outputDuration, range,
+                     crop.has_value(), clip.fileType};
+    const ImportedClip predicted = predictedOutput(plan.video, plan.audio, displaySize, plan.frameCount, clip.fileType);
+    validateOutput(predicted, clip, plan.expected);
     return plan;
 }
 

@@ -5,6 +5,7 @@
 #include "core/time_map.h"
 #include "media/export/export_request.h"
 #include "media/export/export_settings.h"
+#include "media/export/export_validation.h"
 #include "media/frames/crop_zoom_renderer.h"
 #include "media/log.h"
 
@@ -17,14 +18,15 @@ struct ExportPlan {
     TimeMap timeMap;
     VideoSettings video;
     std::optional<AudioSettings> audio;
-    OutputSize displaySize;
+    ExportExpectation expected; ///< what the written file is verified against
     FramingPlan framing;
     std::int64_t frameCount = 0;
     FrameInterpolation interpolation = FrameInterpolation::nearest;
     SourceRanges opticalFlowRanges; ///< normalised within the map's source range
 };
 
-/// Plans an export and logs what was decided. Throws FlowtideError for what cannot be exported.
+/// Plans an export and logs what was decided. Throws FlowtideError for what cannot be exported, and already here with
+/// the sentence of a failed verification for what could not pass it.
 ExportPlan planExport(const ExportRequest& request, const LogSink& log);
 
 } // namespace flowtide
