@@ -18,7 +18,8 @@ ColorProperties completedColor(const ColorProperties& tags, OutputSize size) {
         return tag && tag->rfind(prefix, 0) == 0;
     };
     ColorProperties usual{"bt709", "bt709", "bt709"};
-    if (starts(tags.primaries, "bt2020") || starts(tags.matrix, "bt2020"))
+    const bool isHDR = tags.transferFunction == "smpte2084" || tags.transferFunction == "arib-std-b67";
+    if (starts(tags.primaries, "bt2020") || starts(tags.matrix, "bt2020") || isHDR)
         usual = {"bt2020", "bt2020-10", "bt2020nc"};
     else if (starts(tags.primaries, "bt470bg") || starts(tags.matrix, "bt470bg"))
         usual = {"bt470bg", "smpte170m", "bt470bg"};

@@ -19,8 +19,9 @@ struct ColorProperties {
     friend bool operator==(const ColorProperties&, const ColorProperties&) = default;
 };
 
-/// The tags kept as they are, the missing ones inferred: BT.2020 where the primaries or the matrix say so, else
-/// BT.601 for standard definition and BT.709 above it.
+/// The tags kept as they are, the missing ones inferred: BT.2020 where the primaries or the matrix say so or the
+/// transfer function is one of its HDR pair, PQ and HLG (BT.2100); else BT.601 for standard definition and BT.709 above
+/// it.
 ColorProperties completedColor(const ColorProperties& tags, OutputSize size);
 
 /// HDR mastering and light-level data that travels beside the pictures, in the units of the HEVC standard.
