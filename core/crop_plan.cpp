@@ -56,10 +56,11 @@ std::int64_t CropPlan::SourceFrameCrops::offsetAt(SourceSeconds time, double fra
     return evenRounded(entry(frame) + (entry(frame + 1) - entry(frame)) * fraction);
 }
 
-std::optional<CropPlan> CropPlan::forSource(OutputSize source, const VerticalCropSettings& settings) {
-    const double wanted = std::floor(settings.aspectRatio * static_cast<double>(source.height));
-    // A frame as wide as the source or wider crops nothing; this also keeps the conversion below in range.
-    if (!(wanted < static_cast<double>(source.width))) return std::nullopt;
+std::optional<CropPlan> CropPlan::forSource(OutputSize source, const VerticalCropSettings& settings,
+                                            double pixelAspectRatio) {
+    const double wanted = std::floor(settings.aspectRatio * static_cast<double>(source.height) / pixelAspectRatio);
+    // Nothing that is wider still crops anything; this also keeps the conversion below in range.
+    if (!(wanted <= static_cast<double>(source.width) + 1)) return std::nullopt;
     const std::int64_t cropWidth = wanted < 2 ? 2 : static_cast<std::int64_t>(wanted) / 2 * 2;
     if (cropWidth >= source.width) return std::nullopt;
     CropPlan plan;

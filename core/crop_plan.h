@@ -38,8 +38,10 @@ struct CropPlan {
     SpeedKeyframes keyframes;    ///< the framing curve, sorted by time
     double glide = 0;
 
-    /// The plan for an unrotated source of a size; nothing when the source is not wider than the crop frame.
-    static std::optional<CropPlan> forSource(OutputSize source, const VerticalCropSettings& settings);
+    /// The plan for an unrotated source of a size in pixels; nothing when the source is not wider than the crop frame.
+    /// `pixelAspectRatio`: a pixel's width ÷ height as displayed, by which the shape asked for holds on the screen.
+    static std::optional<CropPlan> forSource(OutputSize source, const VerticalCropSettings& settings,
+                                             double pixelAspectRatio = 1);
 
     /// The offsets for the map's trim range. `frameDuration`: seconds of a source frame.
     SourceFrameCrops cropXBySourceFrame(const TimeMap& timeMap, double frameDuration) const;

@@ -17,7 +17,8 @@ std::optional<CropPlan> planCrop(const ExportRequest& request) {
     if (!request.verticalCrop) return std::nullopt;
     if (!request.clip.preferredTransform.isIdentity())
         throw FlowtideError::compositionFailed("Vertical crop export currently requires an unrotated source clip.");
-    return CropPlan::forSource({request.clip.width, request.clip.height}, *request.verticalCrop);
+    return CropPlan::forSource({request.clip.width, request.clip.height}, *request.verticalCrop,
+                               request.clip.metadata.sampleAspectRatio.seconds());
 }
 
 FramingPlan planFraming(const ExportRequest& request, const std::optional<CropPlan>& crop, const TimeMap& timeMap,

@@ -97,6 +97,7 @@ TEST(CropPlan, Sizes) {
         OutputSize source;
         double ratio;
         std::optional<OutputSize> crop;
+        double pixelAspectRatio = 1;
     } cases[] = {
         {{1920, 1080}, 0.5625, OutputSize{606, 1080}},
         {{1920, 1080}, 0.8, OutputSize{864, 1080}},
@@ -104,12 +105,20 @@ TEST(CropPlan, Sizes) {
         {{1088, 1920}, 0.5625, OutputSize{1080, 1920}},
         {{853, 481}, 0.5625, OutputSize{270, 480}},
         {{1080, 1080}, 1, std::nullopt},
+        {{607, 1080}, 0.5625, OutputSize{606, 1080}}, // as wide as the frame before that is made even
+        {{606, 1080}, 0.5625, std::nullopt},
+        {{608, 1081}, 0.5625, std::nullopt},
+        {{720, 576}, 0.5625, OutputSize{226, 576}, 64.0 / 45}, // 321 × 576 as displayed
+        {{720, 480}, 0.8, OutputSize{432, 480}, 8.0 / 9},
+        {{1440, 1080}, 1, OutputSize{810, 1080}, 4.0 / 3},
+        {{540, 1080}, 0.5625, OutputSize{302, 1080}, 2},
+        {{1920, 1080}, 1e300, std::nullopt},
         {{3, 2}, 0.1, OutputSize{2, 2}},
         {{2, 2}, 0.1, std::nullopt},
         {{1920, 1080}, 1e300, std::nullopt},
     };
-    for (const auto& [source, ratio, crop] : cases) {
-        const auto plan = CropPlan::forSource(source, {ratio, {}, 0.5});
+    for (const auto& [source, ratio, crop, pixelAspectRatio] : cases) {
+        const auto plan = CropPlan::forSource(source, {ratio, {}, 0.5}, pixelAspectRatio);
         ASSERT_EQ(plan.has_value(), crop.has_value()) << source.width;
         if (plan) {
             EXPECT_EQ((OutputSize{plan->width, plan->height}), *crop);
