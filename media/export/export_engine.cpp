@@ -7,7 +7,7 @@
 #include "media/export/temporary_export.h"
 #include "media/flow/frame_renderer.h"
 #include "media/flowtide_error.h"
-#include "media/frames/held_frames.h"
+#include "media/frames/context_reader.h"
 #include "media/media_io.h"
 #include "media/sound/audio_decoding.h"
 #include "project/files/local_file_safety.h"
@@ -15,7 +15,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <sstream>
 #include <system_error>
 #include <utility>
@@ -128,9 +127,9 @@ void ExportEngine::render(const ExportRequest& request, const ExportPlan& plan, 
     }
     writer->start();
     logCodec(clip, plan.video, log_);
-    SourceRange range = plan.timeMap.sourceRange();
-    if (renderer) range = {std::max(range.lower - contextReachSeconds, 0.0), range.upper + contextReachSeconds};
-    const auto video = backend_.openVideo(clip, plan.video.layout, range, cancelCheck);
+    const SourceRange range = plan.timeMap.sourceRange();
+    const auto video = renderer ? openWithContext(backend_, clip, plan.video.layout, range, cancelCheck)
+                                : backend_.openVideo(clip, plan.video.layout, range, cancelCheck);
     const RenderInputs inputs{plan, *video, renderer, plan.audio ? &audio : nullptr, *writer};
     renderInterleaved(inputs, log_, onProgress, cancelCheck);
     if (const int concealed = video->concealedFrameCount(); concealed > 0)

@@ -4,6 +4,7 @@
 #include "core/curve_engine.h"
 #include "media/export/export_prediction.h"
 #include "media/flowtide_error.h"
+#include "media/frames/context_reader.h"
 #include "media/frames/frame_interpolation.h"
 #include "media/media_time.h"
 
@@ -75,6 +76,7 @@ ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
     logCrop(request, crop, log);
 
     plan.opticalFlowRanges = OpticalFlowScope::normalized(request.opticalFlowRanges, range);
+    plan.contextReachSeconds = contextReach(clip);
     plan.interpolation = plan.opticalFlowRanges.empty() ? FrameInterpolation::nearest : request.interpolation;
     log(fmt::format("[Export] Frame rendering: {} · {} source ranges", displayName(plan.interpolation),
                     plan.opticalFlowRanges.size()));

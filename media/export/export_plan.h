@@ -22,7 +22,8 @@ struct ExportPlan {
     FramingPlan framing;
     std::int64_t frameCount = 0;
     FrameInterpolation interpolation = FrameInterpolation::nearest;
-    SourceRanges opticalFlowRanges; ///< normalised within the map's source range
+    SourceRanges opticalFlowRanges;            ///< normalised within the map's source range
+    std::optional<double> contextReachSeconds; ///< contextReach() of the source
 };
 
 /// Plans an export and logs what was decided. Throws FlowtideError for what cannot be exported, and already here with

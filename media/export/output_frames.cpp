@@ -6,7 +6,7 @@ namespace flowtide {
 OutputFrames::OutputFrames(const ExportPlan& plan, VideoReader& reader, FrameInterpolating* renderer)
     : plan_(plan)
     , renderer_(renderer)
-    , held_(reader, renderer ? HeldFrames::Context::kept : HeldFrames::Context::none)
+    , held_(reader, renderer ? HeldFrames::Context::kept : HeldFrames::Context::none, plan.contextReachSeconds)
     , framing_(plan.framing) {}
 
 std::optional<VideoFrame> OutputFrames::next() {

@@ -8,16 +8,21 @@
 namespace flowtide {
 
 void HeldFrames::advanceTo(SourceSeconds time) {
-    const bool keeps = context_ == Context::kept;
     if (!std::exchange(started_, true)) {
         previous_ = reader_.next();
         next_ = reader_.next();
-        if (keeps) after_ = reader_.next();
+        if (context_ == Context::kept) after_ = reader_.next();
     }
-    if (next_ && next_->time.value <= time.value)
-        reader_.skipTo({keeps ? time.value - contextReachSeconds : time.value});
+    if (next_ && next_->time <= time) skipTo(time);
     while (next_ && next_->time.value <= time.value + frameReachedGraceSeconds)
         step();
+}
+
+void HeldFrames::skipTo(SourceSeconds time) {
+    if (context_ == Context::none)
+        reader_.skipTo(time);
+    else if (contextReachSeconds_)
+        reader_.skipTo({time.value - *contextReachSeconds_});
 }
 
 void HeldFrames::step() {

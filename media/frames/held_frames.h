@@ -8,19 +8,18 @@
 
 namespace flowtide {
 
-/// How far around a range a reader has to be opened, in seconds, so that frames have their neighbours as context even
-/// at its ends, whether the range is rendered alone or inside a longer one.
-constexpr double contextReachSeconds = 0.25;
-
 /// Walks forward through a reader's frames, holding the one shown at the current source time and the one after it, and
 /// as context those around the two.
 class HeldFrames {
 public:
     enum class Context { none, kept };
 
-    explicit HeldFrames(VideoReader& reader, Context context = Context::none)
+    /// `contextReachSeconds`: how far from a time its context can lie; absent: anywhere, and no frame is left out.
+    explicit HeldFrames(VideoReader& reader, Context context = Context::none,
+                        std::optional<double> contextReachSeconds = std::nullopt)
         : reader_(reader)
-        , context_(context) {}
+        , context_(context)
+        , contextReachSeconds_(contextReachSeconds) {}
 
     /// Moves to a source time; times may stand still but never go back.
     void advanceTo(SourceSeconds time);
@@ -35,10 +34,12 @@ public:
     const std::optional<TimedFrame>& after() const { return after_; }
 
 private:
+    void skipTo(SourceSeconds time);
     void step();
 
     VideoReader& reader_;
     Context context_;
+    std::optional<double> contextReachSeconds_;
     std::optional<TimedFrame> before_;
     std::optional<TimedFrame> previous_;
     std::optional<TimedFrame> next_;

@@ -6,6 +6,7 @@
 #include "tests/support/clip_maker.h"
 
 #include <functional>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -133,17 +134,35 @@ private:
 class FrameSequence : public VideoReader {
 public:
     explicit FrameSequence(std::vector<double> times)
-        : times_(std::move(times)) {}
+        : FrameSequence(std::move(times), 0, std::numeric_limits<double>::infinity()) {}
+    /// From the one with number `first` on, up to the first one after `end`.
+    FrameSequence(std::vector<double> times, std::size_t first, double end)
+        : times_(std::move(times))
+        , next_(first)
+        , end_(end) {}
+
     std::optional<TimedFrame> next() override {
-        if (next_ >= times_.size()) return std::nullopt;
+        if (next_ >= times_.size() || ended_) return std::nullopt;
         const double time = times_[next_];
+        ended_ = time > end_;
+        ++delivered;
         return TimedFrame{numberedFrame({}, 16, 16, static_cast<std::int64_t>(next_++)), {time}};
+    }
+    void skipTo(SourceSeconds time) override {
+        skips.push_back(time.value);
+        while (next_ + 1 < times_.size() && times_[next_ + 1] <= time.value)
+            ++next_;
     }
     int concealedFrameCount() const override { return 0; }
 
+    int delivered = 0;
+    std::vector<double> skips; ///< what skipTo() was called with
+
 private:
     std::vector<double> times_;
-    std::size_t next_ = 0;
+    std::size_t next_;
+    double end_;
+    bool ended_ = false;
 };
 
 } // namespace flowtide::test

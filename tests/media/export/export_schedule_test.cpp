@@ -2,7 +2,6 @@
 #include "core/curve_engine.h"
 #include "media/export/export_engine.h"
 #include "media/ffmpeg/ffmpeg_backend.h"
-#include "media/frames/held_frames.h"
 #include "tests/support/clip_maker.h"
 #include "tests/support/temporary_folder.h"
 
@@ -113,30 +112,6 @@ TEST(ExportSchedule, JumpsOverKeyFramesLandOnTheSameFrames) {
         EXPECT_EQ(frameNumbers(*backend, ImportedClip::load(*backend, request.outputURL)),
                   expectedNumbers(clip, keyframes, range, recipe.frameCount));
     }
-}
-
-class CountingReader : public VideoReader {
-public:
-    std::optional<TimedFrame> next() override {
-        ++calls;
-        if (calls > 10) return std::nullopt;
-        return TimedFrame{numberedFrame({}, 16, 16, calls), {0.5 + 0.1 * (calls - 1)}};
-    }
-    int concealedFrameCount() const override { return 0; }
-    int calls = 0;
-};
-
-TEST(HeldFrames, ShowsTheFirstFrameBeforeItsTimeAndTheLastAfterTheEnd) {
-    CountingReader reader;
-    HeldFrames held(reader);
-    held.advanceTo({0});
-    EXPECT_DOUBLE_EQ(held.previous()->time.value, 0.5);
-    EXPECT_EQ(reader.calls, 2); // no further than the neighbour
-    held.advanceTo({0.7 - 1e-12});
-    EXPECT_NEAR(held.previous()->time.value, 0.7, 1e-9);
-    held.advanceTo({100});
-    EXPECT_NEAR(held.previous()->time.value, 1.4, 1e-9);
-    EXPECT_FALSE(held.next());
 }
 
 } // namespace
