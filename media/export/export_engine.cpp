@@ -117,13 +117,13 @@ void ExportEngine::render(const ExportRequest& request, const ExportPlan& plan, 
     writer->addVideo(plan.video);
     AudioData audio;
     if (plan.audio) {
+        writer->addAudio(*plan.audio);
         audio = AudioDecoding::readAll(backend_, clip, plan.timeMap.sourceRange(), cancelCheck);
         log_(fmt::format("[Export] Audio loaded: {} samples, {:.0f} Hz, {} channels", audio.samples.size(),
                          audio.sampleRate, audio.channels));
         if (audio.damagedStretches > 0)
             log_(fmt::format("[Export] Warning: {} damaged stretches of the source's sound were replaced by silence.",
                              audio.damagedStretches));
-        writer->addAudio(*plan.audio);
     }
     writer->start();
     logCodec(clip, plan.video, log_);

@@ -1,14 +1,17 @@
-// Planning of an export.
+// From a request to everything that the render and the verification need to know.
 #include "media/export/export_plan.h"
 
 #include "core/curve_engine.h"
 #include "media/export/export_prediction.h"
+#include "media/export/export_warnings.h"
 #include "media/flowtide_error.h"
 #include "media/frames/context_reader.h"
 #include "media/frames/frame_interpolation.h"
 #include "media/media_time.h"
 
 #include <fmt/format.h>
+
+#include <string>
 
 namespace flowtide {
 
@@ -33,14 +36,6 @@ FramingPlan planFraming(const ExportRequest& request, const std::optional<CropPl
     if (request.zoom && !request.zoom->blocks.empty())
         framing.zooms = ZoomEngine::table(request.zoom->blocks, timeMap, frameCount, frameDuration);
     return framing;
-}
-
-void logSourceMatch(const ImportedClip& clip, const LogSink& log) {
-    if (!clip.videoCodecType)
-        log(fmt::format("[Export] Warning: {} cannot be source-matched; an HEVC / H.265 fallback is required and may "
-                        "still fail if AVFoundation cannot decode the source.",
-                        clip.videoCodecDisplayName()));
-    if (clip.video.hasAlpha) log("[Export] Warning: the source's alpha channel is not kept; the export is opaque.");
 }
 
 void logCrop(const ExportRequest& request, const std::optional<CropPlan>& crop, const LogSink& log) {
@@ -72,7 +67,10 @@ ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
     log(fmt::format("[Export] Source range: {:.6f}:{:.6f}", range.lower, range.upper));
     log(fmt::format("[Export] Resolution: {}x{}", displaySize.width, displaySize.height));
     log(fmt::format("[Export] Container: {}", fileTypeName(clip.fileType)));
-    logSourceMatch(clip, log);
+    plan.video = videoSettings(clip, outputCodec(clip), encodedSize, outputDuration);
+    if (clip.hasAudio()) plan.audio = audioSettings(clip, clip.fileType);
+    for (const std::string& warning : exportWarnings(clip, plan.video, plan.audio))
+        log("[Export] Warning: " + warning);
     logCrop(request, crop, log);
 
     plan.opticalFlowRanges = OpticalFlowScope::normalized(request.opticalFlowRanges, range);
@@ -83,8 +81,6 @@ ExportPlan planExport(const ExportRequest& request, const LogSink& log) {
 
     plan.frameCount = outputFrameCount(outputDuration, clip.frameDuration);
     plan.framing = planFraming(request, crop, plan.timeMap, plan.frameCount);
-    plan.video = videoSettings(clip, outputCodec(clip), encodedSize, outputDuration);
-    if (clip.hasAudio()) plan.audio = audioSettings(clip, clip.fileType);
     if (const auto& tags = clip.videoColorProperties(); tags && !tags->complete())
         log(fmt::format("[Export] Source has incomplete color tags ({}); validating encoder-inferred tags after render",
                         fmt::join(presentColorTagNames(*tags), ", ")));

@@ -1,7 +1,8 @@
-// Sets up the encoders of pictures and sound, and hands sound to them in their sample format.
+// Sets up the encoders of pictures and sound, says why one refuses, and hands sound to them in their sample format.
 #include "media/ffmpeg/encoders.h"
 
 #include "media/ffmpeg/channel_layout.h"
+#include "media/ffmpeg/ffmpeg_error.h"
 #include "media/ffmpeg/frame_bridge.h"
 #include "media/ffmpeg/hdr_metadata.h"
 #include "media/flowtide_error.h"
@@ -16,8 +17,12 @@ namespace flowtide::ffmpeg {
 
 namespace {
 
-constexpr const char* videoFailure = "Cannot add video input";
-constexpr const char* audioFailure = "Cannot add audio input";
+FlowtideError videoFailure(const std::string& reason) {
+    return FlowtideError::writerFailed("Cannot add video input: " + reason);
+}
+FlowtideError audioFailure(const std::string& reason) {
+    return FlowtideError::writerFailed("Cannot add audio input: " + reason);
+}
 
 constexpr int mostChannelsOfAAC = 8; // in the layouts that its encoder writes
 
@@ -73,6 +78,24 @@ void setEncoderOptions(const VideoSettings& settings, const CarriedMetadata& met
     }
 }
 
+/// Names what the encoders refuse with no more than a number.
+void requireEncodable(const VideoSettings& settings) {
+    const auto isOdd = [](int side, int chromaShift) { return side % (1 << chromaShift) != 0; };
+    // ProRes pads its pictures by itself.
+    if (!isProRes(settings.codec) && (isOdd(settings.width, settings.layout.horizontalChromaShift()) ||
+                                      isOdd(settings.height, settings.layout.verticalChromaShift())))
+        throw videoFailure(fmt::format("{} needs an even width and height, and the picture is {}x{}",
+                                       codecLabel(settings.codec), settings.width, settings.height));
+    constexpr std::int64_t largest = std::numeric_limits<int>::max();
+    if (settings.frameDuration.numerator > largest || settings.frameDuration.denominator > largest)
+        throw videoFailure(fmt::format("frames of {}/{} s cannot be timed", settings.frameDuration.numerator,
+                                       settings.frameDuration.denominator));
+}
+
+std::string audioFormatName(const AudioSettings& settings) {
+    return settings.format == linearPCM ? "linear PCM" : "AAC";
+}
+
 AVCodecID audioCodec(const AudioSettings& settings) {
     if (settings.format != linearPCM) return AV_CODEC_ID_AAC;
     return settings.bitDepth == 16   ? AV_CODEC_ID_PCM_S16LE
@@ -80,16 +103,28 @@ AVCodecID audioCodec(const AudioSettings& settings) {
                                      : AV_CODEC_ID_PCM_S24LE;
 }
 
+/// Names the sample rate where it is what the encoder refuses.
+void requireEncodable(const AVCodecContext& context, const AudioSettings& settings) {
+    const int* rates = context.codec->supported_samplerates;
+    if (!rates) return;
+    while (*rates != 0 && *rates != context.sample_rate)
+        ++rates;
+    if (*rates == 0)
+        throw audioFailure(
+            fmt::format("{} has no sample rate of {} Hz", audioFormatName(settings), context.sample_rate));
+}
+
 /// Everything but the channels' layout.
 CodecContextPtr audioEncoder(const AudioSettings& settings) {
     const AVCodec* codec = avcodec_find_encoder(audioCodec(settings));
-    if (!codec) throw FlowtideError::writerFailed(audioFailure);
+    if (!codec) throw audioFailure("there is no encoder for " + audioFormatName(settings));
     auto context = allocated<CodecContextPtr>(avcodec_alloc_context3(codec));
     context->sample_rate = static_cast<int>(std::lround(settings.sampleRate));
     context->sample_fmt = codec->sample_fmts[0];
     context->time_base = {1, context->sample_rate};
     context->bit_rate = settings.format == linearPCM ? 0 : settings.bitRate;
     context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
+    requireEncodable(*context, settings);
     return context;
 }
 
@@ -97,14 +132,12 @@ CodecContextPtr audioEncoder(const AudioSettings& settings) {
 
 CodecContextPtr openVideoEncoder(const VideoSettings& settings, const CarriedMetadata& metadata) {
     const AVCodec* codec = avcodec_find_encoder_by_name(encoderName(settings.codec));
-    if (!codec) throw FlowtideError::writerFailed(videoFailure);
+    if (!codec) throw videoFailure(fmt::format("there is no encoder for {}", codecLabel(settings.codec)));
+    requireEncodable(settings);
     auto context = allocated<CodecContextPtr>(avcodec_alloc_context3(codec));
     context->width = settings.width;
     context->height = settings.height;
     context->pix_fmt = pixelFormat(settings.layout);
-    constexpr std::int64_t largest = std::numeric_limits<int>::max();
-    if (settings.frameDuration.numerator > largest || settings.frameDuration.denominator > largest)
-        throw FlowtideError::writerFailed(videoFailure);
     context->time_base = {static_cast<int>(settings.frameDuration.numerator),
                           static_cast<int>(settings.frameDuration.denominator)};
     context->framerate = av_inv_q(context->time_base);
@@ -120,15 +153,18 @@ CodecContextPtr openVideoEncoder(const VideoSettings& settings, const CarriedMet
     context->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
     Dictionary options;
     setEncoderOptions(settings, metadata, *context, options);
-    if (avcodec_open2(context.get(), codec, options.address()) < 0) throw FlowtideError::writerFailed(videoFailure);
+    if (const int code = avcodec_open2(context.get(), codec, options.address()); code < 0)
+        throw videoFailure(describe(code));
     return context;
 }
 
 CodecContextPtr openAudioEncoder(const AudioSettings& settings) {
+    int failure = AVERROR(EINVAL); // for layouts that cannot be set
     const auto opened = [&](const auto& setLayout) -> CodecContextPtr {
         CodecContextPtr context = audioEncoder(settings);
-        if (!setLayout(context->ch_layout) || avcodec_open2(context.get(), context->codec, nullptr) < 0) return nullptr;
-        return context;
+        if (!setLayout(context->ch_layout)) return nullptr;
+        failure = avcodec_open2(context.get(), context->codec, nullptr);
+        return failure < 0 ? nullptr : std::move(context);
     };
     const auto named = [&](AVChannelLayout& layout) {
         return setNamedLayout(layout, settings.channelLayout, settings.channels);
@@ -142,11 +178,11 @@ CodecContextPtr openAudioEncoder(const AudioSettings& settings) {
     // The layout that is usual for so many channels may have a low-frequency one, which would silence what is in it.
     if (CodecContextPtr context = opened(unnamed)) return context;
     if (settings.format != linearPCM && settings.channels > mostChannelsOfAAC)
-        throw FlowtideError::writerFailed(fmt::format(
-            "{}: AAC keeps at most {} channels apart, and the source has {}. A QuickTime movie keeps linear "
-            "PCM.",
-            audioFailure, mostChannelsOfAAC, settings.channels));
-    throw FlowtideError::writerFailed(audioFailure);
+        throw audioFailure(fmt::format(
+            "AAC keeps at most {} channels apart, and the source has {}. A QuickTime movie keeps linear PCM.",
+            mostChannelsOfAAC, settings.channels));
+    throw audioFailure(
+        fmt::format("{} of {} channels: {}", audioFormatName(settings), settings.channels, describe(failure)));
 }
 
 FramePtr encoderAudioFrame(const AVCodecContext& encoder, std::span<const float> interleaved) {
@@ -183,7 +219,7 @@ FramePtr encoderAudioFrame(const AVCodecContext& encoder, std::span<const float>
                        [&](float sample) { return static_cast<std::int32_t>(quantised(sample, 8'388'608)) * 256; });
         break;
     default:
-        throw FlowtideError::writerFailed(audioFailure);
+        throw audioFailure("the encoder takes samples of an unknown format");
     }
     return frame;
 }

@@ -6,10 +6,12 @@
 
 namespace flowtide::ffmpeg {
 
-/// An opened encoder. Throws FlowtideError::writerFailed("Cannot add video input") for what it cannot write.
+/// An opened encoder. Throws FlowtideError::writerFailed("Cannot add video input: …") with the reason for what it
+/// cannot write.
 CodecContextPtr openVideoEncoder(const VideoSettings& settings, const CarriedMetadata& metadata);
 
-/// An opened encoder. Throws FlowtideError::writerFailed("Cannot add audio input") for what it cannot write.
+/// An opened encoder. Throws FlowtideError::writerFailed("Cannot add audio input: …") with the reason for what it
+/// cannot write.
 CodecContextPtr openAudioEncoder(const AudioSettings& settings);
 
 /// Interleaved floats to one frame of the encoder's sample format, rounded and clipped.

@@ -63,12 +63,9 @@ public:
     }
 
     void addVideo(const VideoSettings& settings) override {
-        constexpr const char* failure = "Cannot add video input";
         video_.encoder = openVideoEncoder(settings, metadata_);
-        if (avformat_query_codec(format_->oformat, video_.encoder->codec_id, FF_COMPLIANCE_NORMAL) != 1)
-            throw FlowtideError::writerFailed(failure);
+        addStream(video_, "Cannot add video input", codecLabel(settings.codec));
         color_ = colorCodes(settings.color);
-        addStream(video_, failure);
         video_.stream->avg_frame_rate = video_.encoder->framerate;
         video_.stream->sample_aspect_ratio = video_.encoder->sample_aspect_ratio;
         if (settings.displayMatrix != identityDisplayMatrix) {
@@ -80,11 +77,8 @@ public:
     }
 
     void addAudio(const AudioSettings& settings) override {
-        constexpr const char* failure = "Cannot add audio input";
         audio_.encoder = openAudioEncoder(settings);
-        if (avformat_query_codec(format_->oformat, audio_.encoder->codec_id, FF_COMPLIANCE_NORMAL) != 1)
-            throw FlowtideError::writerFailed(failure);
-        addStream(audio_, failure);
+        addStream(audio_, "Cannot add audio input", settings.format == linearPCM ? "linear PCM" : "AAC");
     }
 
     void start() override {
@@ -135,10 +129,14 @@ private:
         PacketPtr packet = makePacket();
     };
 
-    void addStream(Track& track, const char* failure) {
+    void addStream(Track& track, const char* failure, const std::string& format) {
+        if (avformat_query_codec(format_->oformat, track.encoder->codec_id, FF_COMPLIANCE_NORMAL) != 1)
+            throw FlowtideError::writerFailed(fmt::format("{}: {} cannot be stored in a file of the type {}", failure,
+                                                          format, fileTypeName(fileType_)));
         track.stream = avformat_new_stream(format_.get(), nullptr);
-        if (!track.stream || avcodec_parameters_from_context(track.stream->codecpar, track.encoder.get()) < 0)
-            throw FlowtideError::writerFailed(failure);
+        if (!track.stream) throw std::bad_alloc();
+        if (const int code = avcodec_parameters_from_context(track.stream->codecpar, track.encoder.get()); code < 0)
+            throw FlowtideError::writerFailed(fmt::format("{}: {}", failure, describe(code)));
         track.stream->time_base = track.encoder->time_base;
     }
 
