@@ -10,7 +10,7 @@ std::string channelLayoutName(const AVChannelLayout& layout) {
     std::array<char, 256> text{};
     const int length = av_channel_layout_describe(&layout, text.data(), text.size());
     if (length <= 0 || length > static_cast<int>(text.size())) return {};
-    const std::string name = text.data();
+    std::string name = text.data();
     // Layouts without a name of their own read "3 channels (FL+FR+LFE)", which libav itself does not take back.
     const auto open = name.find(" channels (");
     if (open == std::string::npos) return name;

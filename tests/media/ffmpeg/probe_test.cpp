@@ -107,28 +107,19 @@ TEST_F(ProbeTest, WhatExportsLeaveOutIsListed) {
                             UncarriedStream{Kind::sound, fourCC("mp4a")}));
     const struct {
         const char* handler;
-        const char* format;
-        Kind kind;
-    } cases[] = {{"tmcd", "tmcd", Kind::timecode}, {"sbtl", "tx3g", Kind::subtitles}, {"meta", "mebx", Kind::data}};
-    for (const auto& [handler, format, kind] : cases) {
-        const auto path = make("in.mov", [] {
-            ClipRecipe withSound;
-            withSound.frameCount = 10;
-            withSound.sampleRate = 48'000;
-            return withSound;
-        }());
-        changeMovie(path, [&, type = handler, code = format](MovieAtom& movie) {
+        const char* type;
+        UncarriedStream expected;
+    } cases[] = {{"tmcd", "tmcd", {Kind::timecode, fourCC("tmcd")}},
+                 {"sbtl", "tx3g", {Kind::subtitles, fourCC("tx3g")}},
+                 {"meta", "mebx", {Kind::data, fourCC("mebx")}}};
+    for (const auto& one : cases) {
+        std::filesystem::copy_file(first, folder_ / "in.mov", std::filesystem::copy_options::overwrite_existing);
+        changeMovie(folder_ / "in.mov", [&](MovieAtom& movie) {
             MovieAtom& media = movie.track(1).child("mdia");
-            media.child("hdlr").bytes.replace(8, 4, type);
-            media.at({"minf", "stbl", "stsd"}).children.front().type = code;
+            media.child("hdlr").bytes.replace(8, 4, one.handler);
+            media.at({"minf", "stbl", "stsd"}).children.front().type = one.type;
         });
-        EXPECT_THAT(backend_->probe(path).uncarriedStreams,
-                    ElementsAre(UncarriedStream{kind, [&] {
-                                                    FourCC value = 0;
-                                                    for (const char* c = format; *c; ++c)
-                                                        value = value << 8 | static_cast<unsigned char>(*c);
-                                                    return value;
-                                                }()}));
+        EXPECT_THAT(backend_->probe(folder_ / "in.mov").uncarriedStreams, ElementsAre(one.expected)) << one.type;
     }
 }
 
