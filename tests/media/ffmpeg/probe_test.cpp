@@ -167,6 +167,37 @@ TEST_F(ProbeTest, FactsOfThePictures) {
     }
 }
 
+TEST_F(ProbeTest, FactsThatOnlyTheSampleDescriptionTells) {
+    ClipRecipe recipe;
+    recipe.codec = VideoCodec::hevc;
+    recipe.layout = {ChromaSubsampling::yuv420, 10, false};
+    recipe.frameCount = 3;
+    recipe.sampleRate = 48'000;
+    recipe.audioFormat = linearPCM;
+    const auto described = [&](std::size_t track, const std::function<void(MovieAtom&)>& change) {
+        const auto path = make("in.mov", recipe);
+        changeMovie(path, [&](MovieAtom& movie) {
+            change(movie.track(track).at({"mdia", "minf", "stbl", "stsd"}).children.front());
+        });
+        return backend_->probe(path);
+    };
+    const auto added = [](const std::string& type, const std::string& body) {
+        return [=](MovieAtom& entry) {
+            entry.bytes += bytesOf32(static_cast<std::uint32_t>(8 + body.size())) + type + body;
+        };
+    };
+    // Version 1.0, profile 8, level 4, with metadata and base layer, compatible with HLG; reserved bytes after them.
+    const std::string dolbyVision = std::string("\x01\x00\x10\x25\x40", 5) + std::string(19, '\0');
+    EXPECT_TRUE(described(0, added("dvcC", dolbyVision)).video->hasDolbyVision);
+    EXPECT_FALSE(described(0, added("free", dolbyVision)).video->hasDolbyVision);
+    recipe.codec = VideoCodec::proRes422;
+    recipe.layout = {ChromaSubsampling::yuv422, 10, false};
+    EXPECT_TRUE(described(0, added("fiel", std::string("\x02\x01", 2))).video->isInterlaced);
+    EXPECT_FALSE(described(0, added("fiel", std::string("\x01\x00", 2))).video->isInterlaced);
+    EXPECT_TRUE(described(1, [](MovieAtom& entry) { entry.type = "alac"; }).audio->isLosslesslyCompressed);
+    EXPECT_FALSE(described(1, [](MovieAtom& entry) { entry.type = "sowt"; }).audio->isLosslesslyCompressed);
+}
+
 TEST_F(ProbeTest, HDRThatOnlyThePicturesSayIsFound) {
     ClipRecipe recipe;
     recipe.codec = VideoCodec::hevc;
