@@ -21,7 +21,7 @@ struct MediaScript {
     std::int64_t decodableFrames = 1'000'000;                       ///< after them the video reader fails
     std::vector<AudioBlock> audioBlocks{};
     int damagedSoundStretches = 0;
-    int concealedFrames = 0;                           ///< that the video reader owns up to
+    int concealedFrames = 0;
     std::function<void(std::int64_t)> onAppendVideo{}; ///< called with the frame's index, may throw
     std::function<void()> onFinish{};
 };

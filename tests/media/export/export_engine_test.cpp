@@ -183,14 +183,6 @@ TEST_F(ExportEngineTest, OpticalFlowNeedsAnEffectiveRange) {
     EXPECT_NE(log_.find("[Export] Frame rendering: Optical Flow · 1 source ranges"), std::string::npos);
 }
 
-TEST_F(ExportEngineTest, DamagedFramesAreOwnedUpTo) {
-    EXPECT_EQ(run(request()), "");
-    EXPECT_EQ(log_.find("Warning"), std::string::npos);
-    script_.concealedFrames = 3;
-    EXPECT_EQ(run(request()), "");
-    EXPECT_NE(log_.find("[Export] Warning: 3 damaged source frames were decoded approximately.\n"), std::string::npos);
-}
-
 TEST_F(ExportEngineTest, ProgressRisesToOne) {
     std::vector<double> reported;
     EXPECT_EQ(run(request(), [&](double fraction) { reported.push_back(fraction); }), "");
