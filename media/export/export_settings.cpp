@@ -1,4 +1,4 @@
-// Codec, bitrate, colour and audio decisions.
+// Codec, bitrate, depth and sound: what of the source is kept, and what stands in for the rest.
 #include "media/export/export_settings.h"
 
 #include "media/decode_layout.h"

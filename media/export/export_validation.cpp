@@ -1,4 +1,5 @@
-// The checks of a rendered file and the report on it.
+// Each property of the written file against the source, with the text of each mismatch, and the report when all is
+// well.
 #include "media/export/export_validation.h"
 
 #include "media/flowtide_error.h"

@@ -1,4 +1,4 @@
-// The two ends of the queue.
+// Where the worker that renders and the worker that encodes wait for each other.
 #include "media/export/frame_queue.h"
 
 #include <utility>

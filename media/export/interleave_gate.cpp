@@ -1,4 +1,4 @@
-// Back-pressure between the tracks of a render.
+// Waiting while a track is too far ahead, and the ways out of it.
 #include "media/export/interleave_gate.h"
 
 namespace flowtide {

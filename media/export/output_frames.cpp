@@ -1,4 +1,4 @@
-// One output frame after the other.
+// Schedule, in-between frame, crop and zoom: the steps of one output frame.
 #include "media/export/output_frames.h"
 
 namespace flowtide {

@@ -1,4 +1,4 @@
-// Shared progress of a render.
+// The share of each track in the progress, and the failure that is kept.
 #include "media/export/render_state.h"
 
 #include <utility>

@@ -1,4 +1,4 @@
-// By the frame interval where there is one, else by looking at what comes.
+// How far to open: by the frame interval where there is one, else by looking at the frames that come.
 #include "media/frames/context_reader.h"
 
 #include <algorithm>

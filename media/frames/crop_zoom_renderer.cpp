@@ -1,4 +1,4 @@
-// Crop views and zoomed rectangles.
+// Where the window and the zoomed rectangle lie in a frame; a crop alone copies no pixel.
 #include "media/frames/crop_zoom_renderer.h"
 
 #include <algorithm>

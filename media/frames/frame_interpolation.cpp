@@ -1,4 +1,4 @@
-// The names of the choices.
+// What the ways of making frames are called in logs.
 #include "media/frames/frame_interpolation.h"
 
 namespace flowtide {

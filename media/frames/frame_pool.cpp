@@ -1,4 +1,4 @@
-// The free list behind the pool.
+// The planes of a frame in one block of memory, and the list of blocks that wait for the next frame.
 #include "media/frames/frame_pool.h"
 
 #include <mutex>

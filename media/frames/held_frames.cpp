@@ -1,4 +1,4 @@
-// The walk through the decoded frames.
+// Steps from frame to frame, leaving out those that nobody will look at.
 #include "media/frames/held_frames.h"
 
 #include "media/media_time.h"

@@ -1,4 +1,4 @@
-// A clip's decoded sound.
+// Gathers the decoded sound of a range into one stretch: blocks at their times, silence in the gaps, within a limit.
 #pragma once
 
 #include "core/time.h"

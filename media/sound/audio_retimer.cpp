@@ -1,4 +1,4 @@
-// Linear resampling along the time map.
+// Picks the source samples on both sides of each output sample and weighs them.
 #include "media/sound/audio_retimer.h"
 
 #include <algorithm>
