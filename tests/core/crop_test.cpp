@@ -74,6 +74,7 @@ TEST(CropGlide, SolvesTheLeastSquaresProblem) {
 TEST(CropGlide, LeavesAloneWhatCannotBeSmoothed) {
     const std::vector<double> raw{0, 1, 0, 1, 0, 1, 0, 1, 3};
     EXPECT_EQ(CropGlide::smoothTrajectory(raw, 0.04, {}, 0), raw);
+    EXPECT_EQ(CropGlide::smoothTrajectory(raw, 0.04, {{3, 0.5}}, 0.0006), raw); // under a millisecond
     EXPECT_EQ(CropGlide::smoothTrajectory(raw, 0.04, {}, -1), raw);
     EXPECT_EQ(CropGlide::smoothTrajectory(raw, 0, {}, 1), raw);
     const std::vector<double> few(raw.begin(), raw.begin() + 7);
@@ -141,6 +142,27 @@ TEST(CropPlan, OffsetsAreEvenAndInsideTheTravel) {
     EXPECT_EQ(crops.offsetAt({1.05}, 0.1), 6); // halves away from zero: 5 → 6
     EXPECT_EQ(crops.offsetAt({0}, 0.1), 0);
     EXPECT_EQ(crops.offsetAt({9}, 0.1), 20);
+}
+
+TEST(CropPlan, TheGlideLetsGoBetweenDrawnPointsButNotAtThem) {
+    const TimeMap map = CurveEngine::buildTimeMap({}, 4, std::nullopt, 1000, 1);
+    const SpeedKeyframes framing = points({{0, 0.1}, {0.2, 0.9}, {2, 0.2}, {4, 0.2}});
+    const double frame = 1.0 / 25;
+    const auto table = glideTable(framing, 1, map, frame);
+    ASSERT_EQ(table.size(), 100U);
+    double furthest = 0;
+    for (std::size_t k = 0; k < table.size(); ++k)
+        furthest = std::max(furthest, std::abs(table[k] - cropCenter(framing, {static_cast<double>(k) * frame})));
+    EXPECT_GT(furthest, 0.05);
+    for (const auto& [index, drawn] : {std::pair{0, 0.1}, {5, 0.9}, {50, 0.2}})
+        EXPECT_NEAR(table[static_cast<std::size_t>(index)], drawn, 0.04) << index;
+    // Unanchored, a wave of the full glide's period keeps half of its height.
+    std::vector<double> wave;
+    for (int k = 0; k < 600; ++k)
+        wave.push_back(0.5 + 0.4 * std::cos(2 * std::numbers::pi * k * frame / CropGlide::fullGlideSeconds));
+    const auto smooth = CropGlide::smoothTrajectory(wave, frame, {}, 1);
+    const auto [low, high] = std::minmax_element(smooth.begin() + 150, smooth.begin() + 450);
+    EXPECT_NEAR(*high - *low, 0.4, 0.01);
 }
 
 TEST(CropPlan, FollowsTheFramingCurveThroughTrimAndRetiming) {

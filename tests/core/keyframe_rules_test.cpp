@@ -47,6 +47,8 @@ TEST(KeyframeRulesTest, CurveForSourceRange) {
     const Case cases[] = {
         {"no keyframes", {}, 10, {0, 10}, {{0, 1.5, curve}, {10, 1.5, curve}}},
         {"no keyframes, trimmed", {}, 10, {2, 8}, {{2, 1.5, trimStart}, {8, 1.5, trimEnd}}},
+        {"a microsecond has one boundary", {}, 10, {0, 1e-6}, {{0, 1.5, curve}}},
+        {"a little more has two", {}, 10, {0, 1.1e-6}, {{0, 1.5, curve}, {1.1e-6, 1.5, trimEnd}}},
         {"a near point becomes the boundary", {point(4.9995, 3)}, 10, {5, 10}, {{5, 3, curve}, {10, 1.5, curve}}},
         {"a farther one is dropped", {point(4.998, 3)}, 10, {5, 10}, {{5, 1.5, trimStart}, {10, 1.5, curve}}},
         {"a trim point wins over a user's point",
