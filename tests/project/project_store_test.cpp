@@ -176,11 +176,12 @@ TEST_F(ProjectStoreTest, ChosenFiles) {
     EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "project"); }), "");
     EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "link"); }),
               "The file could not be opened. Choose a regular file, not a symbolic link.");
+    constexpr std::size_t sixteenMebibytes = 16 << 20;
     std::string text = encodeProject(project);
-    text.resize(maximumProjectBytes, ' ');
+    text.resize(sixteenMebibytes, ' ');
     writeFile(folder / "project", text);
     EXPECT_EQ(ProjectStore::load(folder / "project"), project);
-    for (const std::uintmax_t size : {std::uintmax_t{maximumProjectBytes} + 1, std::uintmax_t{20} << 20}) {
+    for (const std::uintmax_t size : {std::uintmax_t{sixteenMebibytes} + 1, std::uintmax_t{20} << 20}) {
         fs::resize_file(folder / "project", size);
         EXPECT_EQ(refusal([&] { ProjectStore::load(folder / "project"); }),
                   "The file is not a regular file or exceeds the supported size.");
