@@ -26,7 +26,7 @@ public:
     /// destination are the same file); the destination is then byte for byte what it was and no temporary file is
     /// left.
     /// `onPlanned` is called once with what was decided, before anything is written.
-    ExportValidationReport run(const ExportRequest& request, const ProgressHandler& onProgress,
+    ExportValidationReport run(const ExportRequest& wanted, const ProgressHandler& onProgress,
                                const PlanHandler& onPlanned = {});
 
     /// Makes run() stop at the next frame or chunk and throw FlowtideError::exportCancelled.

@@ -211,11 +211,12 @@ void refuseEncrypted(const std::filesystem::path& path, const MovieInput& movie)
     bool audioSeen = !movie.audio;
     for (int i = 0; i < mostPackets && !(videoSeen && audioSeen); ++i) {
         if (av_read_frame(movie.format.get(), packet.get()) < 0) return;
-        const AVStream* stream = movie.format->streams[packet->stream_index];
-        const bool isOurs = stream == movie.video || stream == movie.audio;
-        if (isOurs && av_packet_get_side_data(packet.get(), AV_PKT_DATA_ENCRYPTION_INFO, nullptr)) refuse(*stream);
-        videoSeen = videoSeen || stream == movie.video;
-        audioSeen = audioSeen || stream == movie.audio;
+        const bool isVideo = movie.video && packet->stream_index == movie.video->index;
+        const bool isAudio = movie.audio && packet->stream_index == movie.audio->index;
+        if ((isVideo || isAudio) && av_packet_get_side_data(packet.get(), AV_PKT_DATA_ENCRYPTION_INFO, nullptr))
+            refuse(isVideo ? *movie.video : *movie.audio);
+        videoSeen = videoSeen || isVideo;
+        audioSeen = audioSeen || isAudio;
         av_packet_unref(packet.get());
     }
 }

@@ -95,7 +95,8 @@ public:
                 const int column = left_ + n % 8 + (dx >> 6);
                 return (pixel(to_, column, row) * (64 - (dx & 63)) + pixel(to_, column + 1, row) * (dx & 63) + 8) / 16;
             };
-            errors[n] = (across(0) * (64 - (dy & 63)) + across(1) * (dy & 63) + 32) / 64 / 4.0 - value_[n];
+            const int quarters = (across(0) * (64 - (dy & 63)) + across(1) * (dy & 63) + 32) / 64;
+            errors[n] = quarters / 4.0 - value_[n];
             mean += errors[n] / 64;
         }
         Match match{};

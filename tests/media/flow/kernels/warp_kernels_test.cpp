@@ -95,8 +95,12 @@ PhaseInput phaseInput(Size field, Motion kind, Random& random) {
 /// field pixel to either side of k; chroma of half width lies on the even columns, of half height between two rows.
 template <typename Value>
 double fieldAt(Size field, int x, int y, bool halfWidth, bool halfHeight, const Value& value) {
-    const double column = halfWidth ? x - 0.25 : x / 2 + (x % 2 == 0 ? -0.25 : 0.25);
-    const double row = halfHeight ? y : y / 2 + (y % 2 == 0 ? -0.25 : 0.25);
+    const auto halved = [](int luma) {
+        const int whole = luma / 2;
+        return whole + (luma % 2 == 0 ? -0.25 : 0.25);
+    };
+    const double column = halfWidth ? x - 0.25 : halved(x);
+    const double row = halfHeight ? y : halved(y);
     const int left = static_cast<int>(std::floor(column));
     const int top = static_cast<int>(std::floor(row));
     const auto clamped = [&](int i, int j) -> double {
@@ -208,12 +212,12 @@ private:
                 if (std::abs(partsAt(x, y)[n] - fourth[n]) > (n < 2 ? 1 / std::max(phase_, 1 - phase_) : 1))
                     return false;
         const Places places = placesOf(group + 3, y);
-        for (const int n : {0, 2}) {
+        const auto isInside = [&](int n) {
             const int column = group + (places.at[n] >> 4);
             const int row = y + (places.at[n + 1] >> 4);
-            if (column < 1 || row < 1 || column + 15 > size_.width || row + 2 >= size_.height) return false;
-        }
-        return true;
+            return column >= 1 && row >= 1 && column + 15 <= size_.width && row + 2 < size_.height;
+        };
+        return isInside(0) && isInside(2);
     }
 
     Sampling sampling_;
