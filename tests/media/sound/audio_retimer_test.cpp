@@ -34,8 +34,10 @@ TEST(AudioDecoding, BlocksLieWhereTheirTimesSay) {
 TEST(AudioDecoding, OnlyTheRangeIsKept) {
     MediaScript script;
     AudioBlock block{{0}, std::vector<float>(2000)};
-    for (std::size_t i = 0; i < block.samples.size(); ++i)
-        block.samples[i] = static_cast<float>(i / 2);
+    for (std::size_t i = 0; i < block.samples.size(); ++i) {
+        const std::size_t sampleFrame = i / 2;
+        block.samples[i] = static_cast<float>(sampleFrame);
+    }
     script.audioBlocks = {block};
     const AudioData audio = AudioDecoding::readAll(ScriptedBackend(script), clipWithSound(10, 100, 2), {5, 6});
     EXPECT_GT(audio.firstFrame, 400);
