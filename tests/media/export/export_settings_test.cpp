@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace flowtide::test {
 namespace {
 
@@ -25,6 +27,13 @@ TEST(ExportSettings, BitRates) {
     EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 1), 3'110'400);
     clip.video.estimatedDataRate = 20'000'001;
     EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 0.5), 10'000'001);
+    // A crop keeps its share of the source's rate, and a picture that is no crop never gets more than all of it.
+    const auto averageFor = [&](OutputSize size) {
+        return videoSettings(clip, VideoCodec::hevc, size, 1).averageBitRate;
+    };
+    EXPECT_EQ(averageFor({606, 1080}), std::llround(20'000'001 * 606.0 / 1920));
+    EXPECT_EQ(averageFor({3840, 2160}), 20'000'001);
+    EXPECT_EQ(videoSettings(clip, VideoCodec::proRes422, {1920, 1080}, 1).averageBitRate, std::nullopt);
     clip.video.estimatedDataRate = 600'000;
     EXPECT_EQ(transparentBitRate(clip, VideoCodec::hevc, 1), 1'000'000);
     clip.video.estimatedDataRate = 1e300;

@@ -76,7 +76,11 @@ TEST(ExportValidation, TolerancesAreAsStated) {
     output.duration = 10 + 1.1 * 1001 / 30000 - 1e-6;
     output.audio->sampleRate = 48'000.4;
     output.frameRate += 0.009;
+    output.preferredTransform.ty = 0.9e-6;
+    output.frameDuration = {1'001'097, 30'000'000}; // longer by 0.97 of a ten-thousandth
     EXPECT_EQ(failure(output), "");
+    output.frameDuration = {1'001'127, 30'000'000}; // by 1.27
+    EXPECT_EQ(failure(output), wrapped("the exact frame interval does not match the source"));
     output = source();
     output.frameRate = 30;
     output.frameDuration = {1, 30};

@@ -5,11 +5,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace flowtide::test {
 namespace {
@@ -174,6 +176,27 @@ TEST_F(InterleavedRenderTest, WhatTheProgressHandlerThrowsStopsTheRenderAndReach
                  }),
                  std::out_of_range);
     expectStopped();
+}
+
+TEST_F(InterleavedRenderTest, ProgressIsReportedUntilTheLastWorkerHasEnded) {
+    std::atomic<int> reports = 0;
+    int before = 0;
+    writer_.onAudio = [&](double seconds) {
+        if (seconds < 39) return;
+        while (!writer_.videoFinished) // the sound is the last to end
+            std::this_thread::yield();
+        before = reports;
+        while (reports == before)
+            std::this_thread::yield();
+    };
+    std::vector<double> reported;
+    render([&](double fraction) {
+        reported.push_back(fraction);
+        ++reports;
+    });
+    EXPECT_TRUE(std::is_sorted(reported.begin(), reported.end()));
+    EXPECT_LT(reported.front(), 1);
+    EXPECT_EQ(reported.back(), 1);
 }
 
 TEST_F(InterleavedRenderTest, CancellationStopsBothTracks) {

@@ -91,5 +91,15 @@ TEST(ContextReader, ARangeAloneHasTheNeighboursOfTheWhole) {
     }
 }
 
+TEST(ContextReader, ReachesNoFurtherThanItMust) {
+    ImportedClip clip;
+    clip.video.constantSampleInterval = MediaTime{1, 25};
+    EXPECT_EQ(contextReach(clip), 0.25);
+    clip.video.constantSampleInterval = MediaTime{1, 3};
+    EXPECT_EQ(contextReach(clip), 2.0 / 3);
+    clip.video.constantSampleInterval.reset();
+    EXPECT_EQ(contextReach(clip), std::nullopt);
+}
+
 } // namespace
 } // namespace flowtide::test

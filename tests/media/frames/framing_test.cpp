@@ -122,6 +122,30 @@ TEST(CropZoomRenderer, FocalPointsAreMeantAsDisplayed) {
     EXPECT_TRUE(near(encodedFocal(topLeft, {0, 1, -1, 0, 0, 0}, 1920, 1080), {0.2, 0.9}));
     EXPECT_TRUE(near(encodedFocal(topLeft, {0, -1, 1, 0, 0, 1920}, 1920, 1080), {0.8, 0.1}));
     EXPECT_TRUE(near(encodedFocal(topLeft, {-1, 0, 0, -1, 1920, 1080}, 1920, 1080), {0.9, 0.8}));
+    // Any other turn and slant: an encoded point's place in the box around the displayed picture leads back to it.
+    for (const AffineTransform& t :
+         {AffineTransform{0.8, 0.6, -0.6, 0.8, 0, 0}, {-0.5, 0.9, -0.7, -0.4, 30, 70}, {1.1, -0.3, 0.2, 0.9, 0, 0}}) {
+        const FocalPoint encoded{0.3, 0.65};
+        double left = 1e9, right = -1e9, top = 1e9, bottom = -1e9;
+        const auto x = [&](double u, double v) { return t.a * u * 1920 + t.c * v * 1080; };
+        const auto y = [&](double u, double v) { return t.b * u * 1920 + t.d * v * 1080; };
+        for (const double u : {0.0, 1.0})
+            for (const double v : {0.0, 1.0}) {
+                left = std::min(left, x(u, v));
+                right = std::max(right, x(u, v));
+                top = std::min(top, y(u, v));
+                bottom = std::max(bottom, y(u, v));
+            }
+        const FocalPoint displayed{(x(encoded.x, encoded.y) - left) / (right - left),
+                                   (y(encoded.x, encoded.y) - top) / (bottom - top)};
+        EXPECT_TRUE(near(encodedFocal(displayed, t, 1920, 1080), encoded)) << t.a;
+    }
+    // The box's corners lie outside a slanted picture; its edge is taken.
+    const AffineTransform slanted{0.8, 0.6, -0.6, 0.8, 0, 0};
+    const std::pair<FocalPoint, FocalPoint> corners[] = {
+        {{1, 0}, {0.64, 0}}, {{0, 1}, {0.36, 1}}, {{1, 1}, {1, 0.64}}, {{0, 0}, {0, 0.36}}};
+    for (const auto& [displayed, encoded] : corners)
+        EXPECT_TRUE(near(encodedFocal(displayed, slanted, 1000, 1000), encoded)) << encoded.x;
 }
 
 class FramingExportTest : public testing::Test {
