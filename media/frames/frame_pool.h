@@ -1,19 +1,14 @@
 // Reused memory for rendered frames.
 #pragma once
 
+#include "media/frames/buffer_pool.h"
 #include "media/video_frame.h"
 
+#include <array>
 #include <cstddef>
-#include <memory>
+#include <cstdint>
 
 namespace flowtide {
-
-/// Uninitialised memory that begins on a FramePool::alignment boundary.
-struct AlignedDelete {
-    void operator()(std::uint8_t* bytes) const;
-};
-using AlignedBytes = std::unique_ptr<std::uint8_t, AlignedDelete>;
-AlignedBytes alignedBytes(std::size_t size);
 
 /// Where a writable frame's planes are.
 struct WritableFrame {
@@ -25,12 +20,7 @@ struct WritableFrame {
 /// are aligned for any SIMD. Thread-safe; frames may outlive the pool.
 class FramePool {
 public:
-    static constexpr std::size_t alignment = 64; ///< bytes: a cache line, and the widest vector
-
     FramePool(PixelLayout layout, int width, int height);
-    ~FramePool();
-    FramePool(const FramePool&) = delete;
-    FramePool& operator=(const FramePool&) = delete;
 
     PixelLayout layout() const { return layout_; }
     int width() const { return width_; }
@@ -40,15 +30,10 @@ public:
     WritableFrame take();
 
 private:
-    struct Memory;
-
     PixelLayout layout_;
     int width_;
     int height_;
-    std::array<std::ptrdiff_t, 3> strides_{};
-    std::array<std::size_t, 3> offsets_{};
-    std::size_t size_ = 0;
-    std::shared_ptr<Memory> memory_;
+    BufferPool buffers_;
 };
 
 } // namespace flowtide
