@@ -122,8 +122,9 @@ void ExportEngine::render(const ExportRequest& request, const ExportPlan& plan, 
         log_(fmt::format("[Export] Audio loaded: {} samples, {:.0f} Hz, {} channels", audio.samples.size(),
                          audio.sampleRate, audio.channels));
         if (audio.damagedStretches > 0)
-            log_(fmt::format("[Export] Warning: {} damaged stretches of the source's sound were replaced by silence.",
-                             audio.damagedStretches));
+            log_(fmt::format("[Export] Warning: {} {} replaced by silence.", audio.damagedStretches,
+                             audio.damagedStretches == 1 ? "damaged stretch of the source's sound was"
+                                                         : "damaged stretches of the source's sound were"));
     }
     writer->start();
     logCodec(clip, plan.video, log_);
@@ -133,7 +134,8 @@ void ExportEngine::render(const ExportRequest& request, const ExportPlan& plan, 
     const RenderInputs inputs{plan, *video, renderer, plan.audio ? &audio : nullptr, *writer};
     renderInterleaved(inputs, log_, onProgress, cancelCheck);
     if (const int concealed = video->concealedFrameCount(); concealed > 0)
-        log_(fmt::format("[Export] Warning: {} damaged source frames were decoded approximately.", concealed));
+        log_(fmt::format("[Export] Warning: {} {} decoded approximately.", concealed,
+                         concealed == 1 ? "damaged source frame was" : "damaged source frames were"));
     writer->finish();
 }
 
