@@ -4,6 +4,7 @@
 #include "core/uuid.h"
 
 #include <cstddef>
+#include <vector>
 
 namespace flowtide {
 
@@ -17,6 +18,11 @@ struct SubjectTrackingRange {
     bool lostBefore = false;  ///< the subject was lost at the start
     bool lostAfter = false;   ///< the subject was lost at the end
     double lastFrameTime = 0; ///< the last frame that was tracked before the loss
+
+    /// Sorted by start, those that overlap or touch within a microsecond made one. Where both end together the subject
+    /// was lost there only if it was in both; else the range that reaches farther tells.
+    static std::vector<SubjectTrackingRange> merged(std::vector<SubjectTrackingRange> ranges);
+
     friend bool operator==(const SubjectTrackingRange&, const SubjectTrackingRange&) = default;
 };
 
