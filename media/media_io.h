@@ -4,6 +4,7 @@
 #include "core/time.h"
 #include "media/cancel_check.h"
 #include "media/imported_clip.h"
+#include "media/seeking_reader.h"
 #include "media/video_frame.h"
 
 #include <cstdint>
@@ -111,6 +112,9 @@ public:
                                                    const CancelCheck& isCancelled = {}) const = 0;
     virtual std::unique_ptr<AudioReader> openAudio(const ImportedClip& clip, SourceRange range,
                                                    const CancelCheck& isCancelled = {}) const = 0;
+    /// For players: a reader that stays open and goes anywhere. Asks `isCancelled` as the others do.
+    virtual std::unique_ptr<SeekingReader> openForPlayback(const ImportedClip& clip, PixelLayout layout,
+                                                           const CancelCheck& isCancelled = {}) const = 0;
     /// `output` must outlive the writer.
     virtual std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType fileType,
                                                      const CarriedMetadata& metadata) const = 0;

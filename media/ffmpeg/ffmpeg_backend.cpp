@@ -4,6 +4,7 @@
 #include "media/ffmpeg/audio_reader.h"
 #include "media/ffmpeg/movie_writer.h"
 #include "media/ffmpeg/probe.h"
+#include "media/ffmpeg/seeking_reader.h"
 #include "media/ffmpeg/video_reader.h"
 
 extern "C" {
@@ -29,6 +30,11 @@ public:
     std::unique_ptr<AudioReader> openAudio(const ImportedClip& clip, SourceRange range,
                                            const CancelCheck& isCancelled) const override {
         return ffmpeg::openAudioReader(clip, range, isCancelled);
+    }
+
+    std::unique_ptr<SeekingReader> openForPlayback(const ImportedClip& clip, PixelLayout layout,
+                                                   const CancelCheck& isCancelled) const override {
+        return ffmpeg::openSeekingReader(clip, layout, isCancelled);
     }
 
     std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType fileType,

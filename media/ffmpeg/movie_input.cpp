@@ -70,13 +70,13 @@ bool reachesIndexEnd(const AVPacket& packet, const std::optional<std::int64_t>& 
     return !(packet.flags & AV_PKT_FLAG_DISCARD) || packet.dts <= *lastIndexed;
 }
 
-CodecContextPtr openDecoder(const AVStream& stream, const char* failure) {
+CodecContextPtr openDecoder(const AVStream& stream, const char* failure, DecoderThreads threads) {
     const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
     if (!codec) throw FlowtideError::readerFailed(failure);
     auto context = allocated<CodecContextPtr>(avcodec_alloc_context3(codec));
     context->pkt_timebase = stream.time_base;
     context->thread_count = 0; // one per core
-    context->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+    context->thread_type = threads == DecoderThreads::lowDelay ? FF_THREAD_SLICE : FF_THREAD_FRAME | FF_THREAD_SLICE;
     if (avcodec_parameters_to_context(context.get(), stream.codecpar) < 0 ||
         avcodec_open2(context.get(), codec, nullptr) < 0)
         throw FlowtideError::readerFailed(failure);

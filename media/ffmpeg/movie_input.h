@@ -38,7 +38,12 @@ std::optional<std::int64_t> lastIndexedDecodeTime(AVStream& stream);
 /// Whether a packet is (or goes beyond) the last sample that the index lists, so that nothing of the file is missing.
 bool reachesIndexEnd(const AVPacket& packet, const std::optional<std::int64_t>& lastIndexed);
 
+/// How a decoder uses the cores: on several frames at once, each of which then comes some frames later, or on the parts
+/// of one frame where its codec has any.
+enum class DecoderThreads { throughput, lowDelay };
+
 /// An opened decoder for a stream, with its threads set up. Throws FlowtideError::readerFailed(failure).
-CodecContextPtr openDecoder(const AVStream& stream, const char* failure);
+CodecContextPtr openDecoder(const AVStream& stream, const char* failure,
+                            DecoderThreads threads = DecoderThreads::throughput);
 
 } // namespace flowtide::ffmpeg

@@ -4,6 +4,7 @@
 #include "media/flowtide_error.h"
 #include "media/media_io.h"
 #include "tests/support/clip_maker.h"
+#include "tests/support/scripted_seeking_reader.h"
 
 #include <functional>
 #include <limits>
@@ -22,6 +23,7 @@ struct MediaScript {
     std::vector<AudioBlock> audioBlocks{};
     int damagedSoundStretches = 0;
     int concealedFrames = 0;
+    PlaybackScript playback{};
     std::function<void(std::int64_t)> onAppendVideo{}; ///< called with the frame's index, may throw
     std::function<void()> onFinish{};
 };
@@ -98,6 +100,11 @@ public:
             std::size_t index_ = 0;
         };
         return std::make_unique<Reader>(script_, isCancelled);
+    }
+
+    std::unique_ptr<SeekingReader> openForPlayback(const ImportedClip& clip, PixelLayout layout,
+                                                   const CancelCheck& isCancelled) const override {
+        return std::make_unique<ScriptedSeekingReader>(script_.playback, clip, layout, isCancelled);
     }
 
     std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType, const CarriedMetadata&) const override {
