@@ -134,7 +134,7 @@ void makeDemoClip(const MediaBackend& backend, const std::filesystem::path& path
     writer->start();
     for (int i = 0; i < frameCount; ++i) {
         if (isCancelled) throw FlowtideError::exportCancelled();
-        writer->appendVideo(drawFrame(i), i);
+        writer->appendVideo(drawFrame(i), i, 1);
         writer->appendAudio(drawSound(i));
     }
     writer->finishVideo();

@@ -42,6 +42,8 @@ struct VideoTrack {
     DisplayMatrix displayMatrix = identityDisplayMatrix; ///< as the container stores it, bit for bit
     double nominalFrameRate = 0;                         ///< frames per second; 0 when the track tells none
     std::optional<MediaTime> constantSampleInterval;     ///< of every sample but the last, when they are all alike
+    MediaTime timeBase{1, 60'000};                       ///< seconds in which its timestamps count
+    std::optional<double> end;                           ///< seconds at which its last frame ends; absent: unknown
     std::optional<double> estimatedDataRate;             ///< bits per second
     std::int64_t bitDepth = 8;
     bool isFullRange = false;

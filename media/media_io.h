@@ -47,12 +47,20 @@ public:
     virtual int damagedStretchCount() const = 0;
 };
 
+/// What an encoder is set up for.
+enum class EncodingPurpose {
+    delivery,  ///< the best picture for the bits
+    scrubbing, ///< every frame decodes quickly and alone, so that any of them is shown at once
+};
+
 /// How the pictures of a movie are encoded.
 struct VideoSettings {
+    EncodingPurpose purpose = EncodingPurpose::delivery;
     VideoCodec codec = VideoCodec::h264;
     int width = 0;
     int height = 0;
     MediaTime frameDuration{1, 30};
+    std::optional<MediaTime> timeBase; ///< seconds in which frame times count; absent: frameDuration
     PixelLayout layout;
     std::optional<ColorProperties> color;       ///< as tagged; absent: untagged
     std::optional<std::int64_t> averageBitRate; ///< bits per second; absent for codecs without one
@@ -79,14 +87,26 @@ public:
     virtual void addVideo(const VideoSettings& settings) = 0;
     virtual void addAudio(const AudioSettings& settings) = 0;
     virtual void start() = 0;
-    /// Frame `index` of the output, shown at index × frameDuration; indices rise by one from 0.
-    virtual void appendVideo(const VideoFrame& frame, std::int64_t index) = 0;
+    /// A frame that is shown from `start` on, in units of the time base; starts only grow. Each is shown until the next
+    /// one; the last for `length`.
+    virtual void appendVideo(const VideoFrame& frame, std::int64_t start, std::int64_t length) = 0;
     /// Interleaved samples that follow those appended before.
     virtual void appendAudio(std::span<const float> samples) = 0;
     /// No more of this track; each is called once.
     virtual void finishVideo() = 0;
     virtual void finishAudio() = 0;
     /// Completes the file after both tracks have finished.
+    virtual void finish() = 0;
+};
+
+/// Writes one sound file. Failures throw FlowtideError::writerFailed. Destroying an unfinished writer abandons the
+/// file.
+class SoundFileWriter {
+public:
+    virtual ~SoundFileWriter() = default;
+    /// Interleaved samples that follow those appended before.
+    virtual void append(std::span<const float> samples) = 0;
+    /// Completes the file.
     virtual void finish() = 0;
 };
 
@@ -110,6 +130,7 @@ public:
     /// FlowtideError::exportCancelled once it says so.
     virtual std::unique_ptr<VideoReader> openVideo(const ImportedClip& clip, PixelLayout layout, SourceRange range,
                                                    const CancelCheck& isCancelled = {}) const = 0;
+    /// The sound may also be a CAF file's, as createSoundFile() writes it, for a clip that describes its sound.
     virtual std::unique_ptr<AudioReader> openAudio(const ImportedClip& clip, SourceRange range,
                                                    const CancelCheck& isCancelled = {}) const = 0;
     /// For players: a reader that stays open and goes anywhere. Asks `isCancelled` as the others do.
@@ -118,6 +139,10 @@ public:
     /// `output` must outlive the writer.
     virtual std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType fileType,
                                                      const CarriedMetadata& metadata) const = 0;
+    /// A CAF file of linear PCM, 32-bit float; of `settings` the rate and the channels count. `output` must outlive the
+    /// writer. Throws FlowtideError::writerFailed for a format that it cannot write.
+    virtual std::unique_ptr<SoundFileWriter> createSoundFile(OutputFile& output,
+                                                             const AudioSettings& settings) const = 0;
 };
 
 } // namespace flowtide

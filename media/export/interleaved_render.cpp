@@ -142,7 +142,7 @@ private:
         std::int64_t written = 0;
         while (const auto frame = queue.pop()) {
             if (shouldStop()) return;
-            inputs_.writer.appendVideo(*frame, written++);
+            inputs_.writer.appendVideo(*frame, written++, 1);
             state_.setFramesWritten(written, plan.frameCount);
             gate_.advance(Track::video, plan.video.frameDuration.secondsTimes(written));
         }

@@ -30,7 +30,7 @@ bool isMisreadPCM(const AVCodecParameters& parameters) {
 class FFmpegAudioReader : public AudioReader {
 public:
     FFmpegAudioReader(const ImportedClip& clip, SourceRange range, CancelCheck isCancelled)
-        : movie_(openMovie(clip.url))
+        : movie_(openSound(clip.url))
         , sampleRate_(clip.audio ? static_cast<int>(std::lround(clip.audio->sampleRate)) : 0)
         , channels_(clip.audio ? static_cast<int>(clip.audio->channelCount) : 0)
         , range_(range)

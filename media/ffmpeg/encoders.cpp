@@ -29,6 +29,9 @@ constexpr int mostChannelsOfAAC = 8; // in the layouts that its encoder writes
 // At the source's own bitrate this preset is the knee: faster ones lose quality, slower ones gain next to none.
 constexpr const char* encoderPreset = "fast";
 
+// For scrubbing, likewise: the next faster preset loses half a decibel, the next slower one gains a tenth.
+constexpr const char* scrubbingPreset = "superfast";
+
 // Rate control needs a few seconds to settle; shorter clips overshoot their average unless held more tightly.
 constexpr double shortClipSeconds = 5;
 
@@ -62,7 +65,13 @@ void setEncoderOptions(const VideoSettings& settings, const CarriedMetadata& met
                        Dictionary& options) {
     switch (settings.codec) {
     case VideoCodec::h264:
-        options.set("preset", encoderPreset);
+        if (settings.purpose == EncodingPurpose::scrubbing) {
+            options.set("preset", scrubbingPreset);
+            options.set("tune", "fastdecode");
+            context.gop_size = 1;
+        } else {
+            options.set("preset", encoderPreset);
+        }
         options.set("profile", settings.layout.bitDepth > 8 ? "high10" : "high");
         if (settings.expectedDuration < shortClipSeconds) options.set("x264-params", "ratetol=0.1");
         break;
@@ -87,9 +96,13 @@ void requireEncodable(const VideoSettings& settings) {
         throw videoFailure(fmt::format("{} needs an even width and height, and the picture is {}x{}",
                                        codecLabel(settings.codec), settings.width, settings.height));
     constexpr std::int64_t largest = std::numeric_limits<int>::max();
-    if (settings.frameDuration.numerator > largest || settings.frameDuration.denominator > largest)
-        throw videoFailure(fmt::format("frames of {}/{} s cannot be timed", settings.frameDuration.numerator,
-                                       settings.frameDuration.denominator));
+    for (const MediaTime time : {settings.frameDuration, settings.timeBase.value_or(settings.frameDuration)})
+        if (time.numerator > largest || time.denominator > largest)
+            throw videoFailure(fmt::format("frames of {}/{} s cannot be timed", time.numerator, time.denominator));
+}
+
+AVRational rational(MediaTime time) {
+    return {static_cast<int>(time.numerator), static_cast<int>(time.denominator)};
 }
 
 std::string audioFormatName(const AudioSettings& settings) {
@@ -138,9 +151,8 @@ CodecContextPtr openVideoEncoder(const VideoSettings& settings, const CarriedMet
     context->width = settings.width;
     context->height = settings.height;
     context->pix_fmt = pixelFormat(settings.layout);
-    context->time_base = {static_cast<int>(settings.frameDuration.numerator),
-                          static_cast<int>(settings.frameDuration.denominator)};
-    context->framerate = av_inv_q(context->time_base);
+    context->time_base = rational(settings.timeBase.value_or(settings.frameDuration));
+    context->framerate = av_inv_q(rational(settings.frameDuration));
     context->color_range = settings.layout.fullRange ? AVCOL_RANGE_JPEG : AVCOL_RANGE_MPEG;
     const ColorCodes color = colorCodes(settings.color);
     context->color_primaries = static_cast<AVColorPrimaries>(color.primaries);

@@ -5,6 +5,7 @@
 #include "media/ffmpeg/movie_writer.h"
 #include "media/ffmpeg/probe.h"
 #include "media/ffmpeg/seeking_reader.h"
+#include "media/ffmpeg/sound_file_writer.h"
 #include "media/ffmpeg/video_reader.h"
 
 extern "C" {
@@ -40,6 +41,10 @@ public:
     std::unique_ptr<MovieWriter> createMovie(OutputFile& output, FileType fileType,
                                              const CarriedMetadata& metadata) const override {
         return ffmpeg::createMovieWriter(output, fileType, metadata);
+    }
+
+    std::unique_ptr<SoundFileWriter> createSoundFile(OutputFile& output, const AudioSettings& settings) const override {
+        return ffmpeg::createSoundFileWriter(output, settings);
     }
 };
 

@@ -10,9 +10,13 @@
 
 namespace flowtide::ffmpeg {
 
-MovieInput openMovie(const std::filesystem::path& path) {
+namespace {
+
+constexpr const char* movieFormats = "mov,mp4,m4a,3gp,3g2,mj2";
+
+MovieInput openFile(const std::filesystem::path& path, const char* formats) {
     Dictionary options;
-    options.set("format_whitelist", "mov,mp4,m4a,3gp,3g2,mj2");
+    options.set("format_whitelist", formats);
     options.set("protocol_whitelist", "file");
     AVFormatContext* raw = nullptr;
     // The prefix keeps a name with a colon from being taken for a network address.
@@ -36,6 +40,16 @@ MovieInput openMovie(const std::filesystem::path& path) {
         }
     }
     return movie;
+}
+
+} // namespace
+
+MovieInput openMovie(const std::filesystem::path& path) {
+    return openFile(path, movieFormats);
+}
+
+MovieInput openSound(const std::filesystem::path& path) {
+    return openFile(path, path.extension() == ".caf" ? "caf" : movieFormats);
 }
 
 void deliverOnly(AVFormatContext& format, const AVStream& stream) {

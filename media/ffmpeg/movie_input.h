@@ -19,6 +19,9 @@ struct MovieInput {
 /// FlowtideError::readerFailed.
 MovieInput openMovie(const std::filesystem::path& path);
 
+/// The same for what a preview's sound may come from: a movie, or a CAF file where the extension says so.
+MovieInput openSound(const std::filesystem::path& path);
+
 /// Stops the demuxer from delivering any track but this one.
 void deliverOnly(AVFormatContext& format, const AVStream& stream);
 

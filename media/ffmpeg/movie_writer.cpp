@@ -13,7 +13,9 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <map>
 #include <mutex>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -27,7 +29,7 @@ const char* muxerName(FileType type) {
 
 // Fine enough for the time bases of every usual frame and sample rate; the muxer's own default cuts up to a
 // millisecond of sound.
-constexpr const char* movieTimescale = "60000";
+constexpr int movieTimescale = 60'000;
 
 // Sample frames in a packet of linear PCM.
 constexpr std::size_t pcmPacketFrames = 4096;
@@ -66,6 +68,9 @@ public:
         video_.encoder = openVideoEncoder(settings, metadata_);
         addStream(video_, "Cannot add video input", codecLabel(settings.codec));
         color_ = colorCodes(settings.color);
+        // A first frame that starts late is placed in the movie's time scale.
+        if (settings.timeBase && settings.timeBase->denominator >= movieTimescale)
+            timescale_ = static_cast<int>(settings.timeBase->denominator);
         video_.stream->avg_frame_rate = video_.encoder->framerate;
         video_.stream->sample_aspect_ratio = video_.encoder->sample_aspect_ratio;
         if (settings.displayMatrix != identityDisplayMatrix) {
@@ -83,21 +88,24 @@ public:
 
     void start() override {
         Dictionary options;
-        options.set("movie_timescale", movieTimescale);
+        options.set("movie_timescale", std::to_string(timescale_));
         options.set("movflags", "use_metadata_tags");
         if (fileType_ == FileType::appleM4V) options.set("brand", "M4V ");
         if (const int code = avformat_write_header(format_.get(), options.address()); code < 0 || stream_.failure())
             throw FlowtideError::writerFailed("Failed to start writing: " + reason(code));
     }
 
-    void appendVideo(const VideoFrame& frame, std::int64_t index) override {
+    void appendVideo(const VideoFrame& frame, std::int64_t start, std::int64_t length) override {
         const FramePtr picture = exportFrame(frame);
-        picture->pts = index;
+        picture->pts = start;
+        lengths_.emplace(start, length);
         picture->color_primaries = static_cast<AVColorPrimaries>(color_.primaries);
         picture->color_trc = static_cast<AVColorTransferCharacteristic>(color_.transfer);
         picture->colorspace = static_cast<AVColorSpace>(color_.matrix);
         if (const int code = encode(video_, picture.get()); code < 0)
-            throw FlowtideError::writerFailed(fmt::format("Failed to append video frame {}: {}", index, reason(code)));
+            throw FlowtideError::writerFailed(
+                fmt::format("Failed to append video frame {}: {}", framesAppended_, reason(code)));
+        ++framesAppended_;
     }
 
     void appendAudio(std::span<const float> samples) override {
@@ -155,7 +163,7 @@ private:
             const int code = avcodec_receive_packet(track.encoder.get(), track.packet.get());
             if (code == AVERROR(EAGAIN) || code == AVERROR_EOF) return 0;
             if (code < 0) return code;
-            if (track.encoder->codec_type == AVMEDIA_TYPE_VIDEO) track.packet->duration = 1;
+            if (track.encoder->codec_type == AVMEDIA_TYPE_VIDEO) track.packet->duration = takeLength(track.packet->pts);
             track.packet->stream_index = track.stream->index;
             av_packet_rescale_ts(track.packet.get(), track.encoder->time_base, track.stream->time_base);
             const std::scoped_lock guard(muxerLock_);
@@ -163,6 +171,12 @@ private:
                 return written;
             if (stream_.failure()) return AVERROR(stream_.failure().value());
         }
+    }
+
+    /// The length of the frame that starts at `start`; encoders put packets in another order than frames.
+    std::int64_t takeLength(std::int64_t start) {
+        const auto found = lengths_.extract(start);
+        return found ? found.mapped() : 1;
     }
 
     std::size_t packetSamples() const {
@@ -193,9 +207,12 @@ private:
     FileType fileType_;
     CarriedMetadata metadata_;
     ColorCodes color_;
+    int timescale_ = movieTimescale;
 
     // Each track belongs to its own worker.
     Track video_;
+    std::map<std::int64_t, std::int64_t> lengths_; ///< of the frames in the encoder, by their start
+    std::int64_t framesAppended_ = 0;
     Track audio_;
     std::vector<float> pendingSamples_;
     std::int64_t samplesEncoded_ = 0;

@@ -44,12 +44,14 @@ ColorCodes mergedColor(const ColorCodes& container, const ColorCodes& stream) {
             container.matrix != AVCOL_SPC_UNSPECIFIED ? container.matrix : stream.matrix};
 }
 
-/// The track's rate and, where it has one, its constant interval.
+/// The track's time base, end and rate and, where it has one, its constant interval.
 void readTiming(const std::filesystem::path& path, AVStream& stream, VideoTrack& track) {
     const auto interval = [&](std::int64_t ticks) -> std::optional<MediaTime> {
         if (ticks <= 0 || ticks > std::numeric_limits<std::int32_t>::max()) return std::nullopt;
         return MediaTime::reduced(ticks * stream.time_base.num, stream.time_base.den);
     };
+    track.timeBase = MediaTime::reduced(stream.time_base.num, stream.time_base.den);
+    if (const auto span = spanOf(stream)) track.end = span->end;
     if (stream.avg_frame_rate.den != 0) track.nominalFrameRate = av_q2d(stream.avg_frame_rate);
     const SampleTimes times = sampleTimes(path, stream);
     if (times.size() == 1) {

@@ -39,7 +39,7 @@ public:
                 ++movie_.steps;
                 output_.write(std::vector<std::uint8_t>{'m', 'o', 'v', 'i', 'e'});
             }
-            void appendVideo(const VideoFrame& frame, std::int64_t index) override {
+            void appendVideo(const VideoFrame& frame, std::int64_t index, std::int64_t) override {
                 EXPECT_EQ(index, static_cast<std::int64_t>(movie_.frames.size()));
                 movie_.frames.push_back(frame);
             }

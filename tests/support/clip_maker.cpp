@@ -132,7 +132,7 @@ void makeClip(const MediaBackend& backend, const std::filesystem::path& path, co
                              recipe.frameNumber ? recipe.frameNumber(i) : i);
     };
     for (std::int64_t i = 0; i < recipe.frameCount; ++i)
-        writer->appendVideo(pictureOf(i), i);
+        writer->appendVideo(pictureOf(i), i, 1);
     writer->finishVideo();
     if (hasAudio) {
         const auto total = std::llround(video.expectedDuration * recipe.sampleRate);

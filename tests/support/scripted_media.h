@@ -25,6 +25,8 @@ struct MediaScript {
     int concealedFrames = 0;
     PlaybackScript playback{};
     std::function<void(std::int64_t)> onAppendVideo{}; ///< called with the frame's index, may throw
+    std::function<void()> onCreateSoundFile{};
+    std::function<void(std::span<const float>)> onAppendSound{};
     std::function<void()> onFinish{};
 };
 
@@ -116,8 +118,8 @@ public:
             void addVideo(const VideoSettings&) override {}
             void addAudio(const AudioSettings&) override {}
             void start() override { output_.write(std::vector<std::uint8_t>{'m', 'o', 'v', 'i', 'e'}); }
-            void appendVideo(const VideoFrame&, std::int64_t index) override {
-                if (script_.onAppendVideo) script_.onAppendVideo(index);
+            void appendVideo(const VideoFrame&, std::int64_t start, std::int64_t) override {
+                if (script_.onAppendVideo) script_.onAppendVideo(start);
             }
             void appendAudio(std::span<const float>) override {}
             void finishVideo() override {}
@@ -130,6 +132,28 @@ public:
             const MediaScript& script_;
             OutputFile& output_;
         };
+        return std::make_unique<Writer>(script_, output);
+    }
+
+    std::unique_ptr<SoundFileWriter> createSoundFile(OutputFile& output, const AudioSettings&) const override {
+        class Writer : public SoundFileWriter {
+        public:
+            Writer(const MediaScript& script, OutputFile& output)
+                : script_(script)
+                , output_(output) {}
+            void append(std::span<const float> samples) override {
+                output_.write(std::vector<std::uint8_t>{'s'});
+                if (script_.onAppendSound) script_.onAppendSound(samples);
+            }
+            void finish() override {
+                if (script_.onFinish) script_.onFinish();
+            }
+
+        private:
+            const MediaScript& script_;
+            OutputFile& output_;
+        };
+        if (script_.onCreateSoundFile) script_.onCreateSoundFile();
         return std::make_unique<Writer>(script_, output);
     }
 

@@ -38,7 +38,7 @@ public:
     void addVideo(const VideoSettings&) override {}
     void addAudio(const AudioSettings&) override {}
     void start() override {}
-    void appendVideo(const VideoFrame&, std::int64_t index) override {
+    void appendVideo(const VideoFrame&, std::int64_t index, std::int64_t) override {
         if (onVideo) onVideo(frameSeconds * static_cast<double>(index));
         frames = index + 1;
     }

@@ -167,7 +167,7 @@ protected:
         writer->addVideo(video);
         writer->start();
         for (std::int64_t i = 0; i < frameCount; ++i)
-            writer->appendVideo(picture, i);
+            writer->appendVideo(picture, i, 1);
         writer->finishVideo();
         writer->finish();
         file.moveIntoPlace();
