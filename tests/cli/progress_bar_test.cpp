@@ -1,9 +1,13 @@
 // What the progress bar draws, and how often.
 #include "cli/progress_bar.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 
 namespace flowtide {
 namespace {
@@ -68,6 +72,36 @@ TEST_F(ProgressBarTest, LinesGoAboveIt) {
     bar.printAbove([&] { drawn_.emplace_back("second"); });
     const std::string verifying = "\r\033[KVerifying export…";
     EXPECT_EQ(drawn_, (std::vector<std::string>{"first", verifying, "\r\033[K", "second", verifying}));
+}
+
+/// Standard error led elsewhere for as long as it lives.
+class RedirectedStandardError {
+public:
+    explicit RedirectedStandardError(int descriptor)
+        : saved_(::dup(STDERR_FILENO)) {
+        ::dup2(descriptor, STDERR_FILENO);
+    }
+    ~RedirectedStandardError() {
+        ::dup2(saved_, STDERR_FILENO);
+        ::close(saved_);
+    }
+    RedirectedStandardError(const RedirectedStandardError&) = delete;
+    RedirectedStandardError& operator=(const RedirectedStandardError&) = delete;
+
+private:
+    int saved_;
+};
+
+TEST(StandardErrorTest, IsATerminalOrNot) {
+    const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+    ASSERT_GE(terminal, 0);
+    const int file = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    for (const auto& [descriptor, isTerminal] : {std::pair{terminal, true}, {file, false}}) {
+        const RedirectedStandardError redirected(descriptor);
+        EXPECT_EQ(standardErrorIsTerminal(), isTerminal);
+    }
+    ::close(file);
+    ::close(terminal);
 }
 
 } // namespace

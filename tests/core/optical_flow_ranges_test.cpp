@@ -43,6 +43,7 @@ TEST(AutomaticOpticalFlowTest, ConstantSpeedsAgainstTheThreshold) {
     };
     for (const auto& [speed, rate, smooth, slow] : {Case{1, 30, 30, false},
                                                     {0.9991, 30, 30, false},
+                                                    {0.999, 30, 30, false},
                                                     {0.9989, 30, 30, true},
                                                     {0.5, 30, 30, true},
                                                     {0.5, 60, 30, false},

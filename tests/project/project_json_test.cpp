@@ -187,6 +187,8 @@ TEST(ProjectJson, DamagedTextsAreRefused) {
              replaced(smoothing, smoothing + ",\"other\":" + std::string(600, '[') + std::string(600, ']')),
          })
         EXPECT_EQ(refusalOf(text).find("The project file is damaged: "), 0U) << text.substr(0, 200);
+    EXPECT_EQ(refusalOf(replaced("\"version\":1", "\"version\":9007199254740991")),
+              "This project requires a different version of Loftwell Video."); // the largest whole number that is read
     for (std::size_t length = 0; length < whole.size(); ++length)
         EXPECT_NE(refusalOf(whole.substr(0, length)), "") << length;
     // The same key may well occur in different objects.
