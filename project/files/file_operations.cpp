@@ -96,6 +96,16 @@ void Descriptor::reset(int value) {
     value_ = value;
 }
 
+void Descriptor::writeAll(std::span<const std::byte> bytes, std::int64_t offset) const {
+    while (!bytes.empty()) {
+        const ssize_t written = operations_.writeAt(value_, bytes, offset);
+        if (written < 0) throw std::system_error(lastSystemError());
+        if (written == 0) throw std::system_error(EIO, std::generic_category());
+        offset += written;
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+}
+
 std::filesystem::path folderOf(const std::filesystem::path& path) {
     return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
 }

@@ -63,6 +63,8 @@ public:
     void close();
     /// Closes and takes over another one.
     void reset(int value);
+    /// Writes all of `bytes`; `offset` is in bytes from the file's start. Throws std::system_error.
+    void writeAll(std::span<const std::byte> bytes, std::int64_t offset) const;
 
 private:
     FileOperations& operations_;

@@ -131,13 +131,7 @@ void HiddenFile::removeAndClose() noexcept {
 }
 
 void HiddenFile::writeAt(std::int64_t offset, std::span<const std::byte> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = operations_.writeAt(descriptor_.get(), bytes, offset);
-        if (written < 0) throwLastError();
-        if (written == 0) throw std::system_error(EIO, std::generic_category());
-        offset += written;
-        bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
+    descriptor_.writeAll(bytes, offset);
 }
 
 /// As the destination is now: its rights may have been changed while this file was written. Where a file system cannot
@@ -159,7 +153,8 @@ std::error_code HiddenFile::moveIntoPlace() {
 }
 
 void removeAbandonedFiles(FileOperations& operations, const fs::path& folder, std::string_view marker,
-                          const std::function<bool(const HiddenName&)>& ours) {
+                          const std::function<bool(const HiddenName&)>& ours,
+                          const std::function<bool(const fs::path&)>& mayGo) {
     std::error_code ignored;
     for (fs::directory_iterator entry(folder, ignored), end; !ignored && entry != end; entry.increment(ignored)) {
         const auto name = HiddenName::parse(entry->path().filename().string(), marker);
@@ -167,7 +162,8 @@ void removeAbandonedFiles(FileOperations& operations, const fs::path& folder, st
         const Descriptor file(operations, operations.openExisting(entry->path()));
         struct stat status {};
         if (!file.isOpen() || operations.status(file.get(), status) < 0 || !S_ISREG(status.st_mode)) continue;
-        if (operations.tryLock(file.get()) == 0 && namesOpenFile(operations, entry->path(), file.get()) == true)
+        if (operations.tryLock(file.get()) == 0 && namesOpenFile(operations, entry->path(), file.get()) == true &&
+            (!mayGo || mayGo(entry->path())))
             operations.remove(entry->path());
     }
 }

@@ -74,8 +74,10 @@ private:
 };
 
 /// Removes the regular files of a folder whose name has the marker, is found to be `ours`, and that no live process
-/// holds. Best effort: what cannot be looked at or locked stays.
+/// holds. Best effort: what cannot be looked at or locked stays. `mayGo`, where there is one, is asked last, while this
+/// process holds the file.
 void removeAbandonedFiles(FileOperations& operations, const std::filesystem::path& folder, std::string_view marker,
-                          const std::function<bool(const HiddenName&)>& ours);
+                          const std::function<bool(const HiddenName&)>& ours,
+                          const std::function<bool(const std::filesystem::path&)>& mayGo = {});
 
 } // namespace flowtide
