@@ -15,6 +15,9 @@ FlowtideError FlowtideError::compositionFailed(const std::string& message) {
 FlowtideError FlowtideError::proxyFailed(const std::string& message) {
     return {Case::proxyFailed, "Proxy failed: " + message};
 }
+FlowtideError FlowtideError::previewAudioFailed(const std::string& sentence) {
+    return {Case::previewAudioFailed, sentence};
+}
 FlowtideError FlowtideError::validationFailed(const std::string& message) {
     return {Case::validationFailed,
             "Export validation failed: " + message + " The destination file was left untouched."};

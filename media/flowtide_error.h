@@ -14,6 +14,7 @@ public:
         writerFailed,
         compositionFailed,
         proxyFailed,
+        previewAudioFailed, ///< described by its bare sentence
         validationFailed,
         noVideoTrack,
         noAudioTrack,
@@ -26,6 +27,7 @@ public:
     static FlowtideError writerFailed(const std::string& message);
     static FlowtideError compositionFailed(const std::string& message);
     static FlowtideError proxyFailed(const std::string& message);
+    static FlowtideError previewAudioFailed(const std::string& sentence);
     /// The description adds that the destination file was left untouched.
     static FlowtideError validationFailed(const std::string& message);
     static FlowtideError noVideoTrack();

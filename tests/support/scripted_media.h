@@ -25,8 +25,12 @@ struct MediaScript {
     int concealedFrames = 0;
     PlaybackScript playback{};
     std::function<void(std::int64_t)> onAppendVideo{}; ///< called with the frame's index, may throw
-    std::function<void()> onCreateSoundFile{};
-    std::function<void(std::span<const float>)> onAppendSound{};
+    std::function<void(std::span<const float>)> onAppendMovieSound{};
+    std::function<void(std::span<const float>)> onAppendSound{}; ///< to a sound file
+    std::function<void()> onOpenVideo{};
+    std::function<void()> onOpenAudio{};
+    std::function<void()> onStart{};
+    bool writesNothing = false;
     std::function<void()> onFinish{};
 };
 
@@ -79,6 +83,7 @@ public:
             std::int64_t count_;
             std::int64_t index_ = 0;
         };
+        if (script_.onOpenVideo) script_.onOpenVideo();
         return std::make_unique<Reader>(script_, clip, layout);
     }
 
@@ -101,6 +106,7 @@ public:
             CancelCheck isCancelled_;
             std::size_t index_ = 0;
         };
+        if (script_.onOpenAudio) script_.onOpenAudio();
         return std::make_unique<Reader>(script_, isCancelled);
     }
 
@@ -117,11 +123,16 @@ public:
                 , output_(output) {}
             void addVideo(const VideoSettings&) override {}
             void addAudio(const AudioSettings&) override {}
-            void start() override { output_.write(std::vector<std::uint8_t>{'m', 'o', 'v', 'i', 'e'}); }
+            void start() override {
+                if (script_.onStart) script_.onStart();
+                if (!script_.writesNothing) output_.write(std::vector<std::uint8_t>{'m', 'o', 'v', 'i', 'e'});
+            }
             void appendVideo(const VideoFrame&, std::int64_t start, std::int64_t) override {
                 if (script_.onAppendVideo) script_.onAppendVideo(start);
             }
-            void appendAudio(std::span<const float>) override {}
+            void appendAudio(std::span<const float> samples) override {
+                if (script_.onAppendMovieSound) script_.onAppendMovieSound(samples);
+            }
             void finishVideo() override {}
             void finishAudio() override {}
             void finish() override {
@@ -153,7 +164,6 @@ public:
             const MediaScript& script_;
             OutputFile& output_;
         };
-        if (script_.onCreateSoundFile) script_.onCreateSoundFile();
         return std::make_unique<Writer>(script_, output);
     }
 
