@@ -68,7 +68,18 @@ TEST(MovieWriter, KeepsFramesAtTheirOwnTimesToTheTick) {
     }
 }
 
-TEST(MovieWriter, ScrubbingHasNothingButKeyFramesInTheirOrder) {
+/// The parts of a key frame that can be decoded at once: H.264's units of type 5, each after its length.
+int slicesOf(const AVPacket& packet) {
+    int slices = 0;
+    for (std::int64_t at = 0; at + 4 < packet.size;) {
+        const std::uint8_t* unit = packet.data + at;
+        if ((unit[4] & 31) == 5) ++slices;
+        at += 4 + (std::int64_t{unit[0]} << 24 | unit[1] << 16 | unit[2] << 8 | unit[3]);
+    }
+    return slices;
+}
+
+TEST(MovieWriter, ScrubbingHasNothingButKeyFramesOfSeveralSlices) {
     const auto backend = makeFFmpegBackend();
     const test::TemporaryFolder folder;
     std::vector<FrameTime> frames;
@@ -80,6 +91,7 @@ TEST(MovieWriter, ScrubbingHasNothingButKeyFramesInTheirOrder) {
     for (; av_read_frame(movie.format.get(), packet.get()) >= 0; av_packet_unref(packet.get()), ++count) {
         EXPECT_TRUE(packet->flags & AV_PKT_FLAG_KEY) << count;
         EXPECT_EQ(packet->pts, packet->dts) << count;
+        EXPECT_EQ(slicesOf(*packet), 4) << count;
     }
     EXPECT_EQ(count, 60);
 }
