@@ -6,6 +6,7 @@
 #include "cli/decimal.h"
 #include "cli/export_command_line.h"
 #include "cli/failure_sentence.h"
+#include "cli/headless_proxy.h"
 #include "cli/progress_bar.h"
 #include "cli/run_display.h"
 #include "media/export/export_engine.h"
@@ -103,18 +104,12 @@ void runExport(const Arguments& list, const MediaBackend& backend, const Console
     }
 }
 
-void runProxy(const Arguments& arguments) {
-    const auto word = std::find(arguments.begin(), arguments.end(), "--headless-proxy");
-    if (arguments.end() - word < 2) throw FlowtideError::invalidArgument("Usage: Flowtide --headless-proxy <input>");
-    throw FlowtideError::proxyFailed("Building proxies is not available in this version.");
-}
-
 } // namespace
 
 int run(const Arguments& arguments, const MediaBackend& backend, const Console& console) {
     try {
         if (std::find(arguments.begin(), arguments.end(), "--headless-proxy") != arguments.end())
-            runProxy(arguments);
+            runProxy(arguments, backend, console);
         else
             runExport(arguments, backend, console);
         return 0;

@@ -8,8 +8,8 @@
 namespace flowtide::HeadlessExport {
 
 /// Runs the export, or the proxy build where "--headless-proxy" is among the arguments, and returns the exit status: 0
-/// once the verified file is in place, or 1 after one line on standard error. Termination requests cancel it. Building
-/// proxies is not available yet and always fails.
+/// once the verified file is in place or the proxy is made, or 1 after one line on standard error. Termination requests
+/// cancel it.
 int run(const Arguments& arguments, const MediaBackend& backend, const Console& console);
 
 } // namespace flowtide::HeadlessExport

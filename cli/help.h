@@ -17,6 +17,10 @@ The input (MOV, MP4 or M4V) is never written to. The output keeps the input's
 container, codec, size, frame rate, bit depth, colour tags and audio format. It is
 reopened and compared with the input before it replaces anything.
 
+--headless-proxy makes a copy that fits into 1280 × 720 and shows any of its frames at
+once (H.264 with key frames only, each frame at its own time), in $TMPDIR or /tmp, and
+prints its path. The copy stays until you delete it.
+
 Positional arguments of --headless-export:
   curve      time:speed,…     Points of the speed curve: source seconds and a speed
                               from 0.01 to 100 (1 is real time). The exported part

@@ -119,9 +119,6 @@ TEST_F(HeadlessExportTest, EveryFailureIsOneLine) {
          "Usage: Flowtide --headless-export <input> <output> [curve] [smoothing] [trim]"},
         {{"--headless-export", "gone.mov", "out.mov", "bad"}, "Choose a regular video file."},
         {{"--headless-export", "in.mov", "out.mov", "bad"}, "Invalid curve segment \"bad\" — expected time:speed"},
-        {{"in.mov", "--headless-proxy"}, "Usage: Flowtide --headless-proxy <input>"},
-        {{"--headless-export", "in.mov", "out.mov", "--headless-proxy", "in.mov"},
-         "Proxy failed: Building proxies is not available in this version."},
     };
     for (const auto& [arguments, sentence] : cases) {
         EXPECT_EQ(run(arguments), 1);
