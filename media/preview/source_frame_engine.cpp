@@ -1,0 +1,43 @@
+// Decoding and drawing of single frames.
+#include "media/preview/source_frame_engine.h"
+
+#include "media/decode_layout.h"
+#include "media/flowtide_error.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+namespace flowtide {
+
+namespace {
+
+OutputSize drawnSize(const ImportedClip& clip, OutputSize maximum) {
+    const OutputSize own{clip.width, clip.height};
+    return fittedSize(own, {std::min(own.width, maximum.width), std::min(own.height, maximum.height)});
+}
+
+} // namespace
+
+SourceFrameEngine::SourceFrameEngine(const MediaBackend& backend, std::shared_ptr<const ImportedClip> clip,
+                                     OutputSize maximumSize)
+    : backend_(backend)
+    , clip_(std::move(clip))
+    , size_(drawnSize(*clip_, maximumSize))
+    , color_(pictureColor(*clip_)) {}
+
+DisplayFrame SourceFrameEngine::frame(SourceSeconds time) {
+    if (cached_ && cached_->time == time) return cached_->frame;
+    const auto reader = backend_.openVideo(*clip_, decodePixelFormat(*clip_), {time.value, time.value});
+    const auto found = reader->next();
+    if (!found) throw FlowtideError::readerFailed("There is no frame at this time.");
+    try {
+        DisplayFrame drawn = converter_.convert(found->frame, color_, clip_->preferredTransform, size_);
+        cached_ = {std::move(drawn), time};
+        return cached_->frame;
+    } catch (const std::bad_alloc&) {
+        throw FlowtideError::readerFailed("Could not allocate a source comparison frame.");
+    }
+}
+
+} // namespace flowtide

@@ -1,0 +1,39 @@
+// Single frames of a clip, exactly as they are, to compare with on the screen.
+#pragma once
+
+#include "core/output_size.h"
+#include "core/time.h"
+#include "media/frames/display_frame.h"
+#include "media/imported_clip.h"
+#include "media/media_io.h"
+
+#include <memory>
+#include <optional>
+
+namespace flowtide {
+
+/// Fetches frames of one clip, upright and in the display's pixels. One thread at a time. The backend must outlive it.
+class SourceFrameEngine {
+public:
+    /// Frames are drawn to fit into `maximumSize`, never larger than they are.
+    SourceFrameEngine(const MediaBackend& backend, std::shared_ptr<const ImportedClip> clip, OutputSize maximumSize);
+
+    /// The frame shown at a source time, neither the one before nor the one after. Asked twice for the same time it
+    /// decodes once. Throws FlowtideError::readerFailed.
+    DisplayFrame frame(SourceSeconds time);
+
+private:
+    struct Cached {
+        DisplayFrame frame;
+        SourceSeconds time;
+    };
+
+    const MediaBackend& backend_;
+    std::shared_ptr<const ImportedClip> clip_;
+    OutputSize size_;
+    PictureColor color_;
+    DisplayConverter converter_;
+    std::optional<Cached> cached_;
+};
+
+} // namespace flowtide
