@@ -145,9 +145,9 @@ void lookUpNorms(std::size_t count, OctaveScale scale, const float* table, Stret
 }
 
 void applyGains(std::size_t count, Stretch& s) {
-    for (int channel = 0; channel < 3; ++channel)
+    for (auto& light : s.light)
         for (std::size_t i = 0; i < count; ++i)
-            s.light[channel][i] *= s.gain[i];
+            light[i] *= s.gain[i];
 }
 
 /// Scene light to display light.

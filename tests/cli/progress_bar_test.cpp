@@ -45,6 +45,18 @@ TEST_F(ProgressBarTest, DrawsRarelyAndClearsItself) {
     EXPECT_EQ(drawn_[3], "\r\033[K");
 }
 
+TEST_F(ProgressBarTest, ForecastsInHours) {
+    ProgressBar bar = makeBar();
+    for (const auto& [elapsed, left] : {std::pair{3599s, "59:59 left"},
+                                        {3600s, " 1:00:00 left"},
+                                        {7261s, " 2:01:01 left"},
+                                        {9'000'000s, " 99:59:59 left"}}) {
+        now_ = std::chrono::steady_clock::time_point() + elapsed;
+        bar.update(0.5);
+        EXPECT_NE(drawn_.back().find(left), std::string::npos) << drawn_.back();
+    }
+}
+
 TEST_F(ProgressBarTest, NothingDrawnNothingCleared) {
     { ProgressBar bar = makeBar(); }
     EXPECT_TRUE(drawn_.empty());
