@@ -80,6 +80,8 @@ TEST(CropGlide, LeavesAloneWhatCannotBeSmoothed) {
     const std::vector<double> few(raw.begin(), raw.begin() + 7);
     EXPECT_EQ(CropGlide::smoothTrajectory(few, 0.04, {}, 1), few);
     EXPECT_TRUE(CropGlide::smoothTrajectory({}, 0.04, {}, 1).empty());
+    const std::vector<double> enough{0, 1, 0, 1, 0, 1, 0, 1}; // eight
+    EXPECT_NE(CropGlide::smoothTrajectory(enough, 0.04, {}, 1), enough);
     EXPECT_EQ(CropGlide::smoothTrajectory(raw, 0.04, {}, 1), CropGlide::smoothTrajectory(raw, 0.04, {}, 2));
 }
 

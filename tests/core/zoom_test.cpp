@@ -85,6 +85,15 @@ TEST(ZoomEngine, TableAndPreviewAgreeThroughTheTimeMap) {
     EXPECT_EQ(table.front(), ZoomEngine::ZoomState{});
 }
 
+TEST(ZoomEngine, BlocksUnderAMillisecondAreSkipped) {
+    const TimeMap map = CurveEngine::buildTimeMap({}, 4, std::nullopt, 1000, 1);
+    for (const auto& [length, isZoomed] : {std::pair{0.0009, false}, {0.0011, true}}) {
+        const std::vector<ZoomBlock> blocks{block(1 - length / 2, 1 + length / 2, ZoomMode::constant)};
+        EXPECT_EQ(ZoomEngine::stateAt({1}, blocks, map).scale > 1, isZoomed) << length;
+        EXPECT_EQ(ZoomEngine::table(blocks, map, 40, 0.1)[10].scale > 1, isZoomed) << length; // at 1 s
+    }
+}
+
 using namespace ZoomBlockRules;
 
 TEST(ZoomBlockRules, AddingNeedsRoom) {

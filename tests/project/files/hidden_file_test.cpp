@@ -5,8 +5,10 @@
 #include "tests/project/files/refusal.h"
 #include "tests/support/temporary_folder.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <optional>
 
@@ -118,6 +120,23 @@ TEST(HiddenFile, ALinkAtTheDestinationGivesNoRights) {
     const HiddenFile file(systemFileOperations(), folder / "out", newPaths(folder / "out"), Access::destination);
     ::umask(before);
     EXPECT_EQ(modeOf(file.path()), 0644U);
+}
+
+TEST(HiddenFile, WorksInAProcessWithoutStandardInput) {
+    const TemporaryFolder folder;
+    const int saved = ::dup(STDIN_FILENO);
+    ::close(STDIN_FILENO);
+    {
+        HiddenFile file(systemFileOperations(), folder / "out", newPaths(folder / "out"), Access::user); // descriptor 0
+        writeText(file, "new");
+        EXPECT_FALSE(file.moveIntoPlace());
+    }
+    EXPECT_EQ(readFile(folder / "out"), "new");
+    EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), -1); // closed again
+    if (saved >= 0) {
+        ::dup2(saved, STDIN_FILENO);
+        ::close(saved);
+    }
 }
 
 TEST(HiddenFile, OnlyTheWrittenFileGetsIntoPlace) {
