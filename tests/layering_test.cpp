@@ -61,6 +61,7 @@ const std::map<std::string, std::set<std::string>> allowedLayers = [] {
     add("media/player", {"media/preview"});
     // The rest of media/ knows the backend's interface only, so that another one can take its place.
     add("media/ffmpeg", {"media"});
+    add("media/sdl", {"media/player"});
     add("cli", {"media/preview", "media/tracking"});
     add("editor", {"media/player", "media/tracking", "project"});
     add("ui", {"editor"});
@@ -86,7 +87,7 @@ bool mayInclude(const std::string& path, const std::string& included) {
     const auto rule = allowedLayers.find(from);
     // Tests, benchmarks and fuzzers look into every layer, and borrow the tests' helpers.
     if (rule == allowedLayers.end()) return to == from || to == "tests" || allowedLayers.contains(to);
-    if (path == compositionRoot && (to == "ui" || to == "media/ffmpeg")) return true;
+    if (path == compositionRoot && (to == "ui" || to == "media/ffmpeg" || to == "media/sdl")) return true;
     return to == from || rule->second.contains(to);
 }
 
@@ -97,6 +98,11 @@ bool mayUseQt(const std::string& path) {
 bool mayUseLibav(const std::string& path) {
     const std::string layer = layerOf(path);
     return layer == "media/ffmpeg" || !allowedLayers.contains(layer);
+}
+
+bool mayUseSdl(const std::string& path) {
+    const std::string layer = layerOf(path);
+    return layer == "media/sdl" || !allowedLayers.contains(layer);
 }
 
 /// The text of each line, or of its comment alone in C++, in which a member may well be called by any short word.
@@ -110,6 +116,7 @@ Findings findingsIn(const SourceFile& file) {
     static const std::regex include(R"re(^\s*#\s*include\s*([<"])([^>"]+)[>"])re");
     static const std::regex qtHeader("(Qt|Q[A-Z]).*");
     static const std::regex libavHeader("lib(av|sw|postproc).*");
+    static const std::regex sdlHeader("(SDL2/)?SDL.*");
     static const std::regex foreignDocument("\\b(s"
                                             "pec(ifications?)?|part\\s+\\d+\\.\\d+)\\b",
                                             std::regex::icase);
@@ -129,6 +136,8 @@ Findings findingsIn(const SourceFile& file) {
         const std::string header = match.str(2);
         if (std::regex_match(header, libavHeader)) {
             if (!mayUseLibav(file.path)) report("FFmpeg header <" + header + ">");
+        } else if (std::regex_match(header, sdlHeader)) {
+            if (!mayUseSdl(file.path)) report("SDL header <" + header + ">");
         } else if (match.str(1) == "<") {
             if (std::regex_match(header, qtHeader) && !mayUseQt(file.path)) report("Qt header <" + header + ">");
         } else if (!mayInclude(file.path, header)) {
@@ -184,6 +193,7 @@ TEST(Layering, EveryRuleReports) {
     EXPECT_THAT(headers("core/a.h", "\"project/b.h\""), ElementsAre("core/a.h:2: must not include \"project/b.h\""));
     EXPECT_THAT(headers("media/a.cpp", "<libavutil/frame.h>"),
                 ElementsAre("media/a.cpp:2: FFmpeg header <libavutil/frame.h>"));
+    EXPECT_THAT(headers("media/player/a.cpp", "<SDL.h>"), ElementsAre("media/player/a.cpp:2: SDL header <SDL.h>"));
     EXPECT_THAT(headers("editor/a.cpp", "<QString>"), ElementsAre("editor/a.cpp:2: Qt header <QString>"));
 
     for (const auto& [path, header] : std::vector<std::pair<std::string, std::string>>{
@@ -201,6 +211,7 @@ TEST(Layering, EveryRuleReports) {
              {"media/ffmpeg/a.h", "\"tests/support/a.h\""},
              {"cli/a.cpp", "\"ui/a.h\""},
              {"cli/a.cpp", "\"editor/a.h\""},
+             {"media/player/a.h", "\"media/sdl/a.h\""},
              {"cli/main.cpp", "\"editor/a.h\""},
              {"editor/a.cpp", "\"ui/a.h\""},
              {"editor/a.cpp", "\"cli/a.h\""},
@@ -217,6 +228,8 @@ TEST(Layering, EveryRuleReports) {
              {"project/a.cpp", "\"project/files/b.h\""},
              {"media/ffmpeg/a.cpp", "\"media/media_io.h\""},
              {"media/ffmpeg/a.cpp", "<libavutil/frame.h>"},
+             {"media/sdl/a.cpp", "\"media/player/b.h\""},
+             {"media/sdl/a.cpp", "<SDL2/SDL.h>"},
              {"cli/main.cpp", "\"ui/flowtide_app.h\""},
              {"cli/main.cpp", "\"media/ffmpeg/ffmpeg_backend.h\""},
              {"ui/a.cpp", "\"core/time.h\""},
