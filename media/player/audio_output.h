@@ -10,6 +10,7 @@ namespace flowtide {
 struct AudioFormat {
     int sampleRate = 0; ///< Hz
     int channels = 0;
+    friend bool operator==(const AudioFormat&, const AudioFormat&) = default;
 };
 
 /// Fills a whole number of interleaved sample frames. Called from a device's own thread, which must not wait.

@@ -22,7 +22,6 @@ NullAudioOutput::NullAudioOutput(AudioFormat format, AudioPull pull, const Playb
 void NullAudioOutput::start() {
     if (std::exchange(running_, true)) return;
     startClock_ = clock_.seconds();
-    pullUntil(consumedBefore_);
 }
 
 void NullAudioOutput::pause() {
@@ -43,9 +42,11 @@ double NullAudioOutput::consumedFrames() const {
 }
 
 void NullAudioOutput::pullUntil(double frames) {
-    while (static_cast<double>(pulled_) <= frames) {
-        pull_(chunk_);
-        pulled_ += chunkFrames;
+    // Not a frame more: a jump would wait for what was pulled too early.
+    for (auto due = static_cast<std::int64_t>(frames); pulled_ < due;) {
+        const std::int64_t count = std::min(due - pulled_, chunkFrames);
+        pull_(std::span(chunk_).first(static_cast<std::size_t>(count * format_.channels)));
+        pulled_ += count;
     }
 }
 

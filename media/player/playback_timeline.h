@@ -30,6 +30,8 @@ public:
     /// Jumps, the rate unchanged.
     void moveTo(OutputSeconds position, double clock);
 
+    friend bool operator==(const PlaybackTimeline&, const PlaybackTimeline&) = default;
+
 private:
     double duration_ = 0;
     double anchor_ = 0; ///< output seconds at anchorClock_

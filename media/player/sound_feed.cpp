@@ -49,6 +49,13 @@ void SoundFeed::playFrom(OutputSeconds position, double rate) {
     stretchCount_ = 1;
 }
 
+void SoundFeed::restartFrom(OutputSeconds position, double rate) {
+    const std::scoped_lock guard(lock_);
+    pulledFrames_ = 0;
+    stretches_[0] = {0, position.value, rate};
+    stretchCount_ = 1;
+}
+
 void SoundFeed::setRate(double rate) {
     const std::scoped_lock guard(lock_);
     const Stretch next{pulledFrames_, pulledPosition(), rate};

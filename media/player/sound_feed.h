@@ -32,10 +32,14 @@ public:
     explicit SoundFeed(AudioFormat format)
         : format_(format) {}
 
+    AudioFormat format() const { return format_; }
+
     /// Replaces the sound; goes on at the same output time.
     void setSound(PlayableSound sound);
     /// Jumps: what was pulled before is no longer counted as heard.
     void playFrom(OutputSeconds position, double rate);
+    /// The same, for a device that has pulled nothing yet.
+    void restartFrom(OutputSeconds position, double rate);
     /// Goes on from what was pulled last, at another rate.
     void setRate(double rate);
 

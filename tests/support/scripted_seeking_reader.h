@@ -20,8 +20,9 @@ namespace flowtide::test {
 struct PlaybackScript {
     std::int64_t keyInterval = 1;                    ///< frames in a group of pictures; every second one refers to none
     std::function<double(std::int64_t)> frameTime{}; ///< of a frame, in seconds; i × the clip's frame duration unset
-    std::function<void(const ImportedClip&)> onOpen{};                ///< may throw
-    std::function<void(const ImportedClip&, std::int64_t)> onFrame{}; ///< before a frame is decoded; may throw
+    std::function<bool(const ImportedClip&, std::int64_t)> neverComes{}; ///< reading a frame only ends when cancelled
+    std::function<void(const ImportedClip&)> onOpen{};                   ///< may throw
+    std::function<void(const ImportedClip&, std::int64_t)> onFrame{};    ///< before a frame is decoded; may throw
 };
 
 class ScriptedSeekingReader : public SeekingReader {
@@ -47,7 +48,9 @@ public:
         while (next_ < count_ && isLeftOut(next_))
             ++next_;
         if (next_ >= count_) return std::nullopt;
-        throwIfCancelled(isCancelled_);
+        do
+            throwIfCancelled(isCancelled_);
+        while (script_.neverComes && script_.neverComes(clip_, next_));
         if (script_.onFrame) script_.onFrame(clip_, next_);
         SpannedFrame result;
         result.frame = numberedFrame(layout_, static_cast<int>(clip_.encodedWidth()),

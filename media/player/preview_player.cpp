@@ -1,0 +1,360 @@
+// The playhead, the picture and the sound kept together.
+#include "media/player/preview_player.h"
+
+#include "media/media_time.h"
+#include "media/player/null_audio_output.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cmath>
+#include <utility>
+
+namespace flowtide {
+
+namespace {
+
+// A playhead that has stood this long is no longer being dragged.
+constexpr double restSeconds = 0.15;
+// From this speed on, and backwards, nobody sees more than a proxy shows.
+constexpr double proxySpeed = 2;
+// Play begins with this much of it decoded, but waits no longer than that for it.
+constexpr double readySeconds = 0.05;
+constexpr double longestBeginSeconds = 0.3;
+// Another frame is shown in place of one that is missing for this long, and then a new one every so often: often enough
+// for a picture every 50 ms, late enough to spare the eye one that is gone at once.
+constexpr double progressIntervalSeconds = 0.03;
+// When frames of the exact medium have been missing for this long at usual speeds, its proxy is played.
+constexpr double tooSlowSeconds = 0.3;
+// A device that plays nothing for this long is taken for dead.
+constexpr double deadDeviceSeconds = 1;
+
+// The better one first.
+constexpr std::array pictureSources{PictureSource::exact, PictureSource::proxy};
+
+/// By way of a copy: a callback may end the player, and itself with it.
+void call(const std::function<void()>& callback) {
+    if (const auto copy = callback) copy();
+}
+
+} // namespace
+
+PreviewPlayer::PreviewPlayer(PlayerPlatform platform)
+    : platform_(std::move(platform))
+    , cache_(platform_.cacheBytes)
+    , alive_(std::make_shared<Alive>(Alive{this})) {
+    // One call on its way is enough: it looks at everything.
+    auto notify = [post = platform_.post, alive = std::weak_ptr(alive_),
+                   posted = std::make_shared<std::atomic<bool>>(false)] {
+        if (posted->exchange(true)) return;
+        post([alive, posted] {
+            posted->store(false);
+            if (const auto living = alive.lock()) living->player->update();
+        });
+    };
+    decoder_ = std::make_unique<FrameDecoder>(*platform_.backend, *platform_.clock, cache_, std::move(notify));
+}
+
+PreviewPlayer::~PreviewPlayer() = default;
+
+void PreviewPlayer::setItem(std::shared_ptr<const PlaybackItem> item) {
+    const double now = platform_.clock->seconds();
+    const OutputSeconds position = currentTime();
+    const SeekCompletion superseded = std::exchange(seekCompletion_, {});
+    isSeeking_ = false;
+    proxyFailed_ = exactIsTooSlow_ = false;
+    decoder_->forgetFailures();
+    const auto before =
+        std::exchange(route_, item ? std::make_shared<PlaybackRoute>(std::move(item), numbers_) : nullptr);
+    const bool isEdit = route_ && before && route_->sharesMediaWith(*before);
+    if (!isEdit) picture_.reset();
+    if (!route_) {
+        output_.reset();
+        feed_.reset();
+        timeline_ = {};
+        requestedRate_ = 0;
+        begins_ = false;
+        decoder_->aim({});
+    } else {
+        PlaybackTimeline timeline(route_->duration());
+        timeline.moveTo(position, now);
+        timeline.setRate(timeline_.rate(), now);
+        timeline_ = timeline;
+        restClock_ = now;
+        openSound();
+    }
+    const std::weak_ptr<Alive> alive = alive_;
+    if (superseded) superseded(false);
+    if (!alive.expired() && (!isEdit || status_ == PlayerStatus::failed)) setStatus(PlayerStatus::unknown);
+    if (!alive.expired()) update();
+}
+
+void PreviewPlayer::openSound() {
+    const PlaybackItem& item = route_->item();
+    if (!item.sound || !(item.sound->sampleRate >= 1) || item.sound->channels < 1) {
+        if (output_ && timeline_.rate() != 0) timeline_.moveTo(currentTime(), platform_.clock->seconds());
+        output_.reset();
+        feed_.reset();
+        return;
+    }
+    const AudioFormat format{static_cast<int>(std::lround(item.sound->sampleRate)),
+                             deviceChannels(item.sound->channels)};
+    // The map is the item's own; the share keeps the item.
+    PlayableSound sound{item.sound, {route_, &item.media.timeMap}};
+    if (output_ && feed_ && feed_->format() == format) {
+        feed_->setSound(std::move(sound));
+        return;
+    }
+    output_.reset();
+    feed_ = std::make_shared<SoundFeed>(format);
+    feed_->setSound(std::move(sound));
+    const AudioPull pull = [feed = feed_](std::span<float> interleaved) { feed->pull(interleaved); };
+    if (platform_.openAudio) output_ = platform_.openAudio(format, pull);
+    if (!output_) output_ = std::make_unique<NullAudioOutput>(format, pull, *platform_.clock);
+    if (timeline_.rate() == 0) return;
+    feed_->playFrom(timeline_.position(platform_.clock->seconds()), timeline_.rate());
+    output_->start();
+    heardFrames_ = 0;
+    heardClock_ = platform_.clock->seconds();
+}
+
+void PreviewPlayer::play(double rate) {
+    rate = playableRate(rate);
+    const double now = platform_.clock->seconds();
+    const OutputSeconds position = currentTime();
+    if (!route_ || rate == requestedRate_) return;
+    const double before = std::exchange(requestedRate_, rate);
+    if (rate == 0) {
+        stop(position, now);
+    } else if (!begins_ && before * rate > 0) {
+        timeline_.setRate(rate, now);
+        if (feed_) feed_->setRate(rate);
+    } else {
+        if (output_) output_->pause();
+        timeline_.moveTo(position, now);
+        timeline_.setRate(0, now);
+        begins_ = true;
+        beginClock_ = now;
+    }
+    exactIsTooSlow_ = false;
+    update();
+}
+
+void PreviewPlayer::stop(OutputSeconds position, double now) {
+    if (output_) output_->pause();
+    requestedRate_ = 0;
+    begins_ = false;
+    timeline_.setRate(0, now);
+    timeline_.moveTo(position, now);
+    restClock_ = now;
+}
+
+OutputSeconds PreviewPlayer::currentTime() {
+    const double now = platform_.clock->seconds();
+    followSound(now);
+    return timeline_.position(now);
+}
+
+/// What is heard is where the playhead is.
+void PreviewPlayer::followSound(double now) {
+    if (!output_ || timeline_.rate() == 0) return;
+    const double heard = output_->heardFrames();
+    if (heard > heardFrames_) {
+        heardFrames_ = heard;
+        heardClock_ = now;
+    } else if (now - heardClock_ > deadDeviceSeconds) {
+        const OutputSeconds position = feed_->positionAt(heard);
+        auto silent = std::make_unique<NullAudioOutput>(
+            feed_->format(), [feed = feed_](std::span<float> interleaved) { feed->pull(interleaved); },
+            *platform_.clock);
+        output_ = std::move(silent);
+        feed_->restartFrom(position, timeline_.rate());
+        output_->start();
+        heardFrames_ = 0;
+        heardClock_ = now;
+    }
+    timeline_.moveTo(feed_->positionAt(heardFrames_), now);
+}
+
+void PreviewPlayer::seek(OutputSeconds time, SeekCompletion completion) {
+    const double now = platform_.clock->seconds();
+    const SeekCompletion superseded = std::exchange(seekCompletion_, std::move(completion));
+    isSeeking_ = true;
+    ++seekCount_;
+    jump(time, now);
+    const std::weak_ptr<Alive> alive = alive_;
+    if (superseded) superseded(false);
+    if (!alive.expired()) update();
+}
+
+void PreviewPlayer::jump(OutputSeconds time, double now) {
+    if (timeline_.rate() != 0) {
+        if (output_) output_->pause();
+        timeline_.setRate(0, now);
+        begins_ = true;
+        beginClock_ = now;
+    }
+    timeline_.moveTo(time, now);
+    restClock_ = now;
+}
+
+void PreviewPlayer::update() {
+    if (!route_) return;
+    const std::weak_ptr<Alive> alive = alive_;
+    const double now = platform_.clock->seconds();
+    followSound(now);
+    const bool ended = timeline_.ended(now);
+    if (ended && loops_)
+        jump({requestedRate_ > 0 ? 0 : timeline_.duration()}, now);
+    else if (ended)
+        stop(timeline_.position(now), now);
+    if (begins_) beginWhenReady(now);
+    refresh(now);
+    if (ended && !alive.expired() && requestedRate_ == 0) call(onEnd);
+}
+
+void PreviewPlayer::beginWhenReady(double now) {
+    if (!isReadyToPlay() && now - beginClock_ < longestBeginSeconds) return;
+    begins_ = false;
+    const OutputSeconds position = timeline_.position(now);
+    timeline_.moveTo(position, now);
+    timeline_.setRate(requestedRate_, now);
+    if (!output_) return;
+    feed_->playFrom(position, requestedRate_);
+    output_->start();
+    heardFrames_ = output_->heardFrames();
+    heardClock_ = now;
+}
+
+bool PreviewPlayer::isReadyToPlay() const {
+    const double now = platform_.clock->seconds();
+    const OutputSeconds position = timeline_.position(now);
+    if (!dueFrame(position)) return false;
+    const int direction = requestedRate_ < 0 ? -1 : 1;
+    const auto way = route_->ahead(position, direction, readySeconds * std::abs(requestedRate_), source(now));
+    return std::ranges::all_of(way, [&](const RouteStretch& stretch) {
+        return cache_.coveredUntil(stretch.medium, stretch.from, direction, stretch.to) == stretch.to;
+    });
+}
+
+PictureSource PreviewPlayer::source(double now) const {
+    if (!route_->hasProxy() || proxyFailed_) return PictureSource::exact;
+    if (requestedRate_ != 0) {
+        const bool looksTheSame = requestedRate_ < 0 || requestedRate_ >= proxySpeed;
+        return looksTheSame || exactIsTooSlow_ ? PictureSource::proxy : PictureSource::exact;
+    }
+    const bool rests = now - restClock_ >= restSeconds;
+    return rests || isCached(timeline_.position(now), PictureSource::exact) ? PictureSource::exact
+                                                                            : PictureSource::proxy;
+}
+
+bool PreviewPlayer::isCached(OutputSeconds time, PictureSource source) const {
+    const auto place = route_->at(time, source);
+    return place && cache_.find(place->medium, place->time);
+}
+
+std::optional<PreviewPlayer::Found> PreviewPlayer::dueFrame(OutputSeconds time) const {
+    for (const PictureSource source : pictureSources) {
+        const auto place = route_->at(time, source);
+        if (!place) return std::nullopt;
+        if (auto frame = cache_.find(place->medium, place->time))
+            return Found{place->medium, std::move(*frame), place->isExact};
+    }
+    return std::nullopt;
+}
+
+void PreviewPlayer::refresh(double now) {
+    const std::weak_ptr<Alive> alive = alive_;
+    const bool failed = noticeFailures();
+    if (alive.expired() || !route_) return;
+    const OutputSeconds time = timeline_.position(now);
+    // Asked before looking: what comes in between is told.
+    const PictureSource wanted = source(now);
+    const bool isMissing = !isCached(time, wanted);
+    const auto due = dueFrame(time);
+    const std::uint64_t seekNumber = seekCount_; // callbacks may seek again
+    if (due) {
+        missingSince_.reset();
+    } else {
+        if (!missingSince_) missingSince_ = now;
+        if (timeline_.rate() != 0 && now - *missingSince_ > tooSlowSeconds) exactIsTooSlow_ = true;
+    }
+    decoder_->aim({route_, timeline_, requestedRate_, wanted, isMissing});
+
+    if (due) {
+        show(*due, time, true);
+        if (alive.expired() || failed) return;
+        setStatus(PlayerStatus::ready);
+        if (!alive.expired() && seekNumber == seekCount_) finishSeek(true);
+        return;
+    }
+    if (picture_) picture_->isDue = picture_->isExact = false;
+    const auto progress = decoder_->progress();
+    const bool isWanted = now - std::max(*missingSince_, progressClock_) >= progressIntervalSeconds;
+    if (!progress || progress->number <= shownProgress_ || !isWanted) return;
+    shownProgress_ = progress->number;
+    if (!fitsPlay(*progress, time)) return;
+    progressClock_ = now;
+    show({progress->medium, progress->frame, false}, time, false);
+}
+
+/// The way to a frame begins at a key frame, behind what play has shown already, and leads ahead of what is heard.
+bool PreviewPlayer::fitsPlay(const FrameDecoder::Progress& progress, OutputSeconds time) const {
+    const double rate = timeline_.rate();
+    if (rate == 0) return true;
+    const bool isAgain =
+        picture_ && picture_->medium == progress.medium && (progress.frame.time - picture_->fileTime) * rate <= 0;
+    return !isAgain && std::ranges::any_of(pictureSources, [&](PictureSource source) {
+        const auto place = route_->at(time, source);
+        return place && place->medium == progress.medium &&
+               (progress.frame.time - place->time) * rate <= frameReachedGraceSeconds;
+    });
+}
+
+/// Goes round media that cannot be read; true when there is no way round.
+bool PreviewPlayer::noticeFailures() {
+    const OutputSeconds time = timeline_.position(platform_.clock->seconds());
+    const auto proxy = route_->at(time, PictureSource::proxy);
+    if (proxy && !proxy->isExact && decoder_->failureOf(proxy->medium)) proxyFailed_ = true;
+    const auto exact = route_->at(time, PictureSource::exact);
+    const auto failure = exact ? decoder_->failureOf(exact->medium) : std::nullopt;
+    if (!failure) return false;
+    if (route_->isRenderedPreview(time)) {
+        // What a preview was rendered from is still there.
+        auto plain = std::make_shared<PlaybackItem>(route_->item());
+        plain->media.asset.cachedPreviews.clear();
+        route_ = std::make_shared<PlaybackRoute>(std::move(plain), numbers_);
+        return false;
+    }
+    const std::weak_ptr<Alive> alive = alive_;
+    setStatus(PlayerStatus::failed, *failure);
+    if (!alive.expired()) finishSeek(false);
+    return true;
+}
+
+bool PreviewPlayer::isActive() const {
+    if (!route_ || status_ == PlayerStatus::failed) return false;
+    return requestedRate_ != 0 || isSeeking_ || !picture_ || !picture_->isExact;
+}
+
+void PreviewPlayer::show(const Found& found, OutputSeconds time, bool isDue) {
+    const bool isSame = picture_ && picture_->medium == found.medium && picture_->fileTime == found.frame.time;
+    const bool isExact = isDue && found.isExact;
+    const bool changes = !isSame || picture_->isDue != isDue || picture_->isExact != isExact;
+    picture_ = PlayerPicture{
+        found.frame.frame, decoder_->clipOf(found.medium), time, found.medium, found.frame.time, isDue, isExact};
+    if (changes) call(onPicture);
+}
+
+void PreviewPlayer::setStatus(PlayerStatus status, const std::string& failure) {
+    if (std::exchange(status_, status) == status && failure_ == failure) return;
+    failure_ = failure;
+    call(onStatus);
+}
+
+void PreviewPlayer::finishSeek(bool finished) {
+    if (!std::exchange(isSeeking_, false)) return;
+    if (const SeekCompletion completion = std::exchange(seekCompletion_, {})) completion(finished);
+}
+
+} // namespace flowtide
