@@ -9,13 +9,13 @@ fail() {
     exit 1
 }
 
-# Installs what is missing of setup/packages. Without anything to install it asks the package database alone, which
-# takes a few hundredths of a second.
+# install_packages [LIST...]: installs what is missing of setup/packages, or of other lists beside it. Without anything
+# to install it asks the package database alone, which takes a few hundredths of a second.
 install_packages() {
     local package wanted=() missing=() installed log as_root=()
     while read -r package; do
         [[ -z $package || $package == '#'* ]] || wanted+=("$package")
-    done <"$root/setup/packages"
+    done < <(cd "$root/setup" && cat "${@:-packages}")
 
     if ! { command -v dpkg-query && command -v apt-get; } >/dev/null; then
         fail "This machine is no Debian: install what setup/packages names and use \"cmake --preset release\" instead."
