@@ -8,6 +8,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdlib>
@@ -41,15 +42,13 @@ std::string nameOf(const ItemName& name) {
 
 /// Whether a name is one that we give, to the letter; a record can hold anything.
 bool isItemName(const std::string& text) {
-    for (const ItemName& name : itemNames) {
-        if (!text.starts_with(name.prefix) || !text.ends_with(name.extension)) continue;
-        if (text.size() < name.prefix.size() + name.extension.size()) continue;
-        const std::string uuid =
-            text.substr(name.prefix.size(), text.size() - name.prefix.size() - name.extension.size());
+    return std::ranges::any_of(itemNames, [&](const ItemName& name) {
+        const std::size_t around = name.prefix.size() + name.extension.size();
+        if (!text.starts_with(name.prefix) || !text.ends_with(name.extension) || text.size() < around) return false;
+        const std::string uuid = text.substr(name.prefix.size(), text.size() - around);
         const auto parsed = Uuid::parse(uuid);
-        if (parsed && parsed->text() == uuid) return true;
-    }
-    return false;
+        return parsed && parsed->text() == uuid;
+    });
 }
 
 /// What is there itself, links not followed, when it is ours.

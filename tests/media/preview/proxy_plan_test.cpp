@@ -40,6 +40,7 @@ TEST(ProxyPlan, FitsIntoTheFrameAndNeverGrows) {
              {{3, 32'768}, {2, 720}, {2, 720}},
              {{1, 1}, {2, 2}, {2, 2}},
              {{4096, 2160}, {1280, 675}, {1280, 674}},
+             {{1920, 1081}, {1279, 720}, {1278, 720}}, // 1278.8
          }) {
         const auto [width, height] = each.source;
         SCOPED_TRACE(std::to_string(width) + " x " + std::to_string(height));

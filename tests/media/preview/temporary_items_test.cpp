@@ -152,6 +152,28 @@ TEST(TemporaryItems, ARecordRemovesNothingButWhatWeName) {
     EXPECT_TRUE(fs::exists(folder.path() / inOther));
 }
 
+/// Records look as if somebody else had made them.
+class ForeignRecords : public test::FaultyOperations {
+public:
+    using FaultyOperations::status;
+    int status(const fs::path& path, struct stat& result) override {
+        const int returned = FaultyOperations::status(path, result);
+        if (path.extension() == ".list") ++result.st_uid;
+        return returned;
+    }
+};
+
+TEST(TemporaryItems, SomebodyElsesRecordRemovesNothing) {
+    const TemporaryFolder folder;
+    const std::string proxy = "FlowtideProxy-" + Uuid::random().text() + ".mov";
+    test::writeFile(folder.path() / proxy, "precious");
+    leaveRecord(folder, "+" + proxy + "\n");
+    const auto before = folder.names();
+    ForeignRecords operations;
+    const TemporaryItems next(folder.path(), operations);
+    EXPECT_EQ(folder.names(), before);
+}
+
 TEST(TemporaryItems, AFolderWithMoreThanFilesStays) {
     const TemporaryFolder folder;
     const std::string name = "FlowtidePreviews-" + Uuid::random().text();
