@@ -126,6 +126,8 @@ TEST(HiddenFile, WorksInAProcessWithoutStandardInput) {
     const TemporaryFolder folder;
     const int saved = ::dup(STDIN_FILENO);
     ::close(STDIN_FILENO);
+    { const HiddenFile given(systemFileOperations(), folder / "out", newPaths(folder / "out"), Access::user); }
+    EXPECT_TRUE(folder.names().empty()); // given up, and removed
     {
         HiddenFile file(systemFileOperations(), folder / "out", newPaths(folder / "out"), Access::user); // descriptor 0
         writeText(file, "new");
