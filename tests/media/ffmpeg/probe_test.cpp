@@ -43,6 +43,17 @@ TEST_F(ProbeTest, FragmentedFilesHaveTheRateOfTheirSamples) {
         remux({whole}, folder_ / "fragmented.mp4", {{"movflags", flag}, {"frag_duration", "2000000"}});
         EXPECT_NEAR(backend_->probe(folder_ / "fragmented.mp4").video->nominalFrameRate, 30, 1e-6) << flag;
     }
+    // A first fragment that is not like the rest: 14 frames at half the rate.
+    changeMovie(whole, [](MovieAtom& movie) {
+        std::string& table = movie.track(0).at({"mdia", "minf", "stbl", "stts"}).bytes;
+        const std::uint32_t interval = number32(table, 12);
+        table = bytesOf32(0) + bytesOf32(2) + bytesOf32(14) + bytesOf32(2 * interval) + bytesOf32(286) +
+                bytesOf32(interval);
+    });
+    for (const char* flag : flags) {
+        remux({whole}, folder_ / "uneven.mp4", {{"movflags", flag}, {"frag_duration", "900000"}});
+        EXPECT_NEAR(backend_->probe(folder_ / "uneven.mp4").video->nominalFrameRate, 30, 1e-6) << flag;
+    }
 }
 
 TEST_F(ProbeTest, FramesThatAreMissingDoNotChangeTheRate) {
