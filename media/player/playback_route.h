@@ -66,6 +66,8 @@ public:
     std::vector<RouteStretch> ahead(OutputSeconds time, int direction, double seconds, PictureSource source) const;
     /// Whether a rendered preview is shown at a time.
     bool isRenderedPreview(OutputSeconds time) const;
+    /// The medium that a proxy stands for; any other itself.
+    MediumId originalOf(MediumId id) const { return proxy_ == id ? ids_[item_->proxiedMedium] : id; }
     /// Whether both compositions use one medium: one is an edit of the other.
     bool sharesMediaWith(const PlaybackRoute& other) const;
     /// The medium behind a number; nothing when this route does not lead there.

@@ -44,7 +44,7 @@ PreviewPlayer::PreviewPlayer(PlayerPlatform platform)
     , cache_(platform_.cacheBytes)
     , alive_(std::make_shared<Alive>(Alive{this})) {
     // One call on its way is enough: it looks at everything.
-    auto notify = [post = platform_.post, alive = std::weak_ptr(alive_),
+    postUpdate_ = [post = platform_.post, alive = std::weak_ptr(alive_),
                    posted = std::make_shared<std::atomic<bool>>(false)] {
         if (posted->exchange(true)) return;
         post([alive, posted] {
@@ -52,7 +52,7 @@ PreviewPlayer::PreviewPlayer(PlayerPlatform platform)
             if (const auto living = alive.lock()) living->player->update();
         });
     };
-    decoder_ = std::make_unique<FrameDecoder>(*platform_.backend, *platform_.clock, cache_, std::move(notify));
+    decoder_ = std::make_unique<FrameDecoder>(*platform_.backend, *platform_.clock, cache_, postUpdate_);
 }
 
 PreviewPlayer::~PreviewPlayer() = default;
@@ -67,7 +67,10 @@ void PreviewPlayer::setItem(std::shared_ptr<const PlaybackItem> item) {
     const auto before =
         std::exchange(route_, item ? std::make_shared<PlaybackRoute>(std::move(item), numbers_) : nullptr);
     const bool isEdit = route_ && before && route_->sharesMediaWith(*before);
-    if (!isEdit) picture_.reset();
+    if (!isEdit) {
+        picture_.reset();
+        displayed_.reset();
+    }
     if (!route_) {
         output_.reset();
         feed_.reset();
@@ -210,6 +213,7 @@ void PreviewPlayer::update() {
         stop(timeline_.position(now), now);
     if (begins_) beginWhenReady(now);
     refresh(now);
+    if (!alive.expired() && route_) takeConverted();
     if (ended && !alive.expired() && requestedRate_ == 0) call(onEnd);
 }
 
@@ -341,9 +345,53 @@ void PreviewPlayer::show(const Found& found, OutputSeconds time, bool isDue) {
     const bool isSame = picture_ && picture_->medium == found.medium && picture_->fileTime == found.frame.time;
     const bool isExact = isDue && found.isExact;
     const bool changes = !isSame || picture_->isDue != isDue || picture_->isExact != isExact;
-    picture_ = PlayerPicture{
-        found.frame.frame, decoder_->clipOf(found.medium), time, found.medium, found.frame.time, isDue, isExact};
+    if (!isSame) {
+        picture_ = PlayerPicture{};
+        picture_->frame = found.frame.frame;
+        picture_->medium = found.medium;
+        picture_->fileTime = found.frame.time;
+        describe(*picture_);
+        display();
+    }
+    picture_->time = time;
+    picture_->isDue = isDue;
+    picture_->isExact = isExact;
+    if (displayed_ && displayed_->picture.hasSameFrame(*picture_)) displayed_->picture = *picture_;
     if (changes) call(onPicture);
+}
+
+/// What a display has to know of a picture beside its samples.
+void PreviewPlayer::describe(PlayerPicture& picture) const {
+    const MediumId original = route_->originalOf(picture.medium);
+    const CompositionMedium* medium = route_->medium(original);
+    const auto file = decoder_->clipOf(picture.medium);
+    auto clip = medium && medium->clip ? medium->clip : decoder_->clipOf(original);
+    if (!clip) clip = file;
+    if (!clip) return;
+    picture.color = pictureColor(*clip);
+    picture.size = {clip->width, clip->height};
+    picture.orientation = file ? file->preferredTransform : clip->preferredTransform;
+}
+
+void PreviewPlayer::setDisplaySize(std::optional<OutputSize> box) {
+    if (std::exchange(displayBox_, box) == box) return;
+    if (!box) displayed_.reset();
+    display();
+}
+
+void PreviewPlayer::display() {
+    if (!displayBox_ || !picture_) return;
+    if (!converter_) converter_ = std::make_unique<PictureConverter>(postUpdate_);
+    converter_->convert(*picture_, *displayBox_);
+}
+
+void PreviewPlayer::takeConverted() {
+    auto converted = converter_ && displayBox_ ? converter_->take() : std::nullopt;
+    // Another item may have come in between.
+    if (!converted || !route_->medium(converted->picture.medium)) return;
+    if (picture_ && converted->picture.hasSameFrame(*picture_)) converted->picture = *picture_;
+    displayed_ = std::move(converted);
+    call(onDisplay);
 }
 
 void PreviewPlayer::setStatus(PlayerStatus status, const std::string& failure) {

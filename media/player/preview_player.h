@@ -4,9 +4,11 @@
 #include "media/player/audio_output.h"
 #include "media/player/frame_cache.h"
 #include "media/player/frame_decoder.h"
+#include "media/player/picture_converter.h"
 #include "media/player/playback_clock.h"
 #include "media/player/playback_route.h"
 #include "media/player/playback_timeline.h"
+#include "media/player/player_picture.h"
 #include "media/player/sound_feed.h"
 
 #include <cstddef>
@@ -17,17 +19,6 @@
 #include <string>
 
 namespace flowtide {
-
-/// A picture as a player shows it.
-struct PlayerPicture {
-    VideoFrame frame;
-    std::shared_ptr<const ImportedClip> clip; ///< the probe of its medium: colour tags, orientation
-    OutputSeconds time;                       ///< the output time for which it is shown
-    MediumId medium = 0;
-    double fileTime = 0;  ///< its own, in seconds of the medium's file
-    bool isDue = false;   ///< it is the frame of that time, not one shown until that comes
-    bool isExact = false; ///< it is due, and no proxy's
-};
 
 enum class PlayerStatus { unknown, ready, failed };
 
@@ -57,6 +48,7 @@ public:
     /// Called when picture() has become another one, when status() has changed, and when play has stopped at an end of
     /// the output by itself. May call the player.
     std::function<void()> onPicture;
+    std::function<void()> onDisplay; ///< the same for displayed()
     std::function<void()> onStatus;
     std::function<void()> onEnd;
 
@@ -84,6 +76,10 @@ public:
 
     /// The newest picture; nothing before the first one.
     const std::optional<PlayerPicture>& picture() const { return picture_; }
+    /// From now on every picture is converted for a display, as large as this holds; nothing: none is, as at first.
+    void setDisplaySize(std::optional<OutputSize> box);
+    /// The newest picture in the display's pixels: it follows picture() as fast as pictures can be converted.
+    const std::optional<DisplayedPicture>& displayed() const { return displayed_; }
     /// Moves playback on to now.
     void update();
     bool isActive() const;
@@ -114,6 +110,9 @@ private:
     std::optional<Found> dueFrame(OutputSeconds time) const;
     bool isCached(OutputSeconds time, PictureSource source) const;
     void show(const Found& found, OutputSeconds time, bool isDue);
+    void describe(PlayerPicture& picture) const;
+    void display();
+    void takeConverted();
     void setStatus(PlayerStatus status, const std::string& failure = {});
     void finishSeek(bool finished);
 
@@ -138,6 +137,8 @@ private:
     std::string failure_;
     std::optional<PlayerPicture> picture_;
     std::uint64_t shownProgress_ = 0;
+    std::optional<OutputSize> displayBox_;
+    std::optional<DisplayedPicture> displayed_;
 
     std::shared_ptr<SoundFeed> feed_;
     std::unique_ptr<AudioOutput> output_;
@@ -145,7 +146,9 @@ private:
     double heardClock_ = 0; ///< when the count of heard frames last rose
 
     std::shared_ptr<Alive> alive_;
+    std::function<void()> postUpdate_; ///< any thread: brings an update() to the owner's
     std::unique_ptr<FrameDecoder> decoder_;
+    std::unique_ptr<PictureConverter> converter_; ///< absent until a display wants pictures
 };
 
 } // namespace flowtide

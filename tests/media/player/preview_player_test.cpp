@@ -294,6 +294,42 @@ TEST(PreviewPlayer, MediaThatFailAreReplacedOrReported) {
     EXPECT_EQ(stage.player->status(), PlayerStatus::ready);
 }
 
+TEST(PreviewPlayer, PicturesAreConvertedForTheDisplay) {
+    PlayerStage stage;
+    PlaybackItem item = stageItem(10);
+    auto clip = std::make_shared<ImportedClip>(*item.media.asset.media[0].clip);
+    clip->video.colorProperties = ColorProperties{"bt2020", "smpte2084", "bt2020nc"};
+    clip->preferredTransform = {0, 1, -1, 0, 32, 0};
+    clip->width = 32;
+    clip->height = 48;
+    item.media.asset.media[0].clip = clip;
+    item.proxy = stageProxy(10); // untagged: shown in its clip's colours
+    stage.setItem(item);
+    ASSERT_TRUE(stage.seekAndWait(2));
+    EXPECT_FALSE(stage.player->displayed());
+    int calls = 0;
+    stage.player->onDisplay = [&] { ++calls; };
+    for (const auto& [box, size] : {std::pair{OutputSize{64, 24}, OutputSize{16, 24}}, {{64, 96}, {64, 96}}}) {
+        stage.player->setDisplaySize(box);
+        const int before = calls;
+        ASSERT_TRUE(stage.mailbox.runUntil([&] { return calls > before; }));
+        const DisplayedPicture& shown = *stage.player->displayed();
+        EXPECT_EQ((OutputSize{shown.pixels.width, shown.pixels.height}), size) << shown.failure;
+        EXPECT_TRUE(shown.picture.hasSameFrame(*stage.player->picture()));
+        EXPECT_EQ(shown.picture.color, pictureColor(*clip));
+        EXPECT_FALSE(shown.picture.isExact);
+        EXPECT_TRUE(shown.picture.orientation.isIdentity()) << "the proxy's own";
+        EXPECT_EQ(numberOf(shown.picture.frame), 50);
+    }
+    stage.tick(0.2);
+    ASSERT_TRUE(stage.mailbox.runUntil([&] { return stage.player->displayed()->picture.isExact; }));
+    EXPECT_EQ(stage.player->displayed()->picture.orientation, clip->preferredTransform);
+    stage.setItem(stageItem(4)); // the same file: an edit
+    EXPECT_TRUE(stage.player->displayed());
+    stage.player->setItem(nullptr);
+    EXPECT_FALSE(stage.player->displayed());
+}
+
 TEST(PreviewPlayer, CallbacksMayUseThePlayerAndEndIt) {
     PlayerStage stage;
     stage.setItem(stageItem(4));
