@@ -49,7 +49,10 @@ PreviewPlayer::PreviewPlayer(PlayerPlatform platform)
         if (posted->exchange(true)) return;
         post([alive, posted] {
             posted->store(false);
-            if (const auto living = alive.lock()) living->player->update();
+            // A share held during the call would hide from it that the player has ended.
+            PreviewPlayer* player = nullptr;
+            if (const auto living = alive.lock()) player = living->player;
+            if (player) player->update();
         });
     };
     decoder_ = std::make_unique<FrameDecoder>(*platform_.backend, *platform_.clock, cache_, postUpdate_);
