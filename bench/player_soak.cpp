@@ -10,6 +10,7 @@
 #include <optional>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -37,6 +38,7 @@ public:
         : clips_(std::move(clips)) {}
 
     bool run(double seconds) {
+        std::thread([] {}).join(); // with the first one a sanitizer starts its own
         const std::size_t threads = threadCount();
         {
             const SteadyClock clock;
