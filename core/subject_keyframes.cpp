@@ -216,11 +216,12 @@ SpeedKeyframes SubjectTrackResult::keyframes(double cropFraction, double toleran
         return {{.id = Uuid::random(), .time = samples.front().time, .speed = centeredCrop}};
 
     std::vector<double> times;
-    std::vector<double> centers; // of the crop, as shares of its travel
+    // Where the crop's middle would be the subject's, as shares of the crop's travel. Near the frame's sides that is
+    // outside the travel, so that the crop goes all the way.
+    std::vector<double> centers;
     for (const Sample& sample : samples) {
         times.push_back(sample.time);
-        centers.push_back(
-            clamped((sample.centerX - cropFraction / 2) / (1 - cropFraction), leftmostCrop, rightmostCrop));
+        centers.push_back((sample.centerX - cropFraction / 2) / (1 - cropFraction));
     }
     const double slack = tolerance * cropFraction / (1 - cropFraction);
     std::vector<Gate> gates;

@@ -83,6 +83,9 @@ TEST(SubjectKeyframesTest, FewPointsKeepTheSubjectWithinTheTolerance) {
             const double nearest = std::clamp(sample.centerX, vertical / 2, 1 - vertical / 2);
             EXPECT_LE(std::abs(offCenter(keyframes, {sample.time, nearest}, vertical)), 0.2 + 1e-6)
                 << what << " at " << sample.time;
+            EXPECT_LE(std::abs(offCenter(keyframes, sample, vertical)),
+                      std::max(0.2, std::abs(sample.centerX - nearest) / vertical) + 1e-6)
+                << what << " at " << sample.time;
         }
     }
 }
