@@ -17,4 +17,14 @@ AffineTransform affineTransform(const DisplayMatrix& matrix) {
     return {entry(0), entry(1), entry(3), entry(4), entry(6), entry(7)};
 }
 
+QuarterTurn quarterTurn(const AffineTransform& orientation) {
+    const auto near = [](double value, double wanted) { return std::abs(value - wanted) < 1e-6; };
+    const auto isUnit = [&](double value) { return near(std::abs(value), 1); };
+    if (isUnit(orientation.a) && isUnit(orientation.d) && near(orientation.b, 0) && near(orientation.c, 0))
+        return {false, orientation.a < 0, orientation.d < 0};
+    if (isUnit(orientation.b) && isUnit(orientation.c) && near(orientation.a, 0) && near(orientation.d, 0))
+        return {true, orientation.c < 0, orientation.b < 0};
+    return {};
+}
+
 } // namespace flowtide

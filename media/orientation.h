@@ -23,4 +23,15 @@ constexpr DisplayMatrix identityDisplayMatrix{65536, 0, 0, 0, 65536, 0, 0, 0, 1 
 /// The transform that a display matrix stands for.
 AffineTransform affineTransform(const DisplayMatrix& matrix);
 
+/// Quarter turns and flips: columns and rows change places, then each axis may be reversed.
+struct QuarterTurn {
+    bool transposes = false;
+    bool reversesColumns = false; ///< of the upright picture
+    bool reversesRows = false;
+    friend bool operator==(const QuarterTurn&, const QuarterTurn&) = default;
+};
+
+/// The turn that a transform stands for; none when it is anything but quarter turns and flips.
+QuarterTurn quarterTurn(const AffineTransform& orientation);
+
 } // namespace flowtide

@@ -16,23 +16,6 @@ namespace flowtide {
 
 namespace {
 
-/// Quarter turns and flips: columns and rows change places, then each axis may be reversed.
-struct Turn {
-    bool transposes = false;
-    bool reversesColumns = false; ///< of the upright picture
-    bool reversesRows = false;
-};
-
-Turn turnOf(const AffineTransform& orientation) {
-    const auto near = [](double value, double wanted) { return std::abs(value - wanted) < 1e-6; };
-    const auto isUnit = [&](double value) { return near(std::abs(value), 1); };
-    if (isUnit(orientation.a) && isUnit(orientation.d) && near(orientation.b, 0) && near(orientation.c, 0))
-        return {false, orientation.a < 0, orientation.d < 0};
-    if (isUnit(orientation.b) && isUnit(orientation.c) && near(orientation.a, 0) && near(orientation.d, 0))
-        return {true, orientation.c < 0, orientation.b < 0};
-    return {};
-}
-
 /// Rows that are turned together: as many pixels as a cache line holds.
 constexpr int stripRows = bufferAlignment / sizeof(std::uint32_t);
 
@@ -54,7 +37,7 @@ public:
             describedColor_ = color;
             describedLayout_ = frame.layout;
         }
-        const Turn turn = turnOf(orientation);
+        const QuarterTurn turn = quarterTurn(orientation);
         const auto width = static_cast<int>(size.width);
         const auto height = static_cast<int>(size.height);
         resample(frame, turn.transposes ? height : width, turn.transposes ? width : height);
@@ -103,7 +86,7 @@ private:
         color_->convertRow(samples(0), samples(1), samples(2), static_cast<std::size_t>(resampled_.width), pixels);
     }
 
-    void draw(const Turn& turn, std::uint32_t* pixels, std::ptrdiff_t rowPixels) const {
+    void draw(const QuarterTurn& turn, std::uint32_t* pixels, std::ptrdiff_t rowPixels) const {
         for (int row = 0; row < resampled_.height; ++row) {
             std::uint32_t* to = pixels + (turn.reversesRows ? resampled_.height - 1 - row : row) * rowPixels;
             convertRow(row, to);
@@ -111,7 +94,7 @@ private:
         }
     }
 
-    void drawTransposed(const Turn& turn, std::uint32_t* pixels, std::ptrdiff_t rowPixels) {
+    void drawTransposed(const QuarterTurn& turn, std::uint32_t* pixels, std::ptrdiff_t rowPixels) {
         // The rows of a strip must not all fall into one set of the cache.
         const auto stripPixels = static_cast<std::size_t>(resampled_.width + stripRows);
         strip_.resize(stripPixels * stripRows);
