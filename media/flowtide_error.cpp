@@ -37,5 +37,8 @@ FlowtideError FlowtideError::invalidArgument(const std::string& sentence) {
 FlowtideError FlowtideError::outputFailed(const std::string& sentence) {
     return {Case::outputFailed, sentence};
 }
+FlowtideError FlowtideError::trackingFailed(const std::string& sentence) {
+    return {Case::trackingFailed, sentence};
+}
 
 } // namespace flowtide

@@ -21,6 +21,7 @@ public:
         exportCancelled,
         invalidArgument, ///< the command line; described by its bare sentence
         outputFailed,    ///< standard output; likewise
+        trackingFailed,  ///< likewise
     };
 
     static FlowtideError readerFailed(const std::string& message);
@@ -35,6 +36,7 @@ public:
     static FlowtideError exportCancelled();
     static FlowtideError invalidArgument(const std::string& sentence);
     static FlowtideError outputFailed(const std::string& sentence);
+    static FlowtideError trackingFailed(const std::string& sentence);
 
     Case kind() const { return case_; }
 
