@@ -109,7 +109,7 @@ using namespace SubjectKeyframes;
 constexpr double pathShare = 0.8;
 constexpr CurveEngine::Limits wholeTravel{leftmostCrop, rightmostCrop};
 
-/// A curve through some of a path's points, by index.
+/// A curve through points at some of the samples' times that suits every sample, of as few points as are found.
 class Selection {
 public:
     Selection(std::span<const double> times, std::span<const double> wanted, std::span<const double> path,
@@ -118,85 +118,162 @@ public:
         , wanted_(wanted)
         , path_(path)
         , tolerance_(tolerance)
-        , chosen_{0} {
-        if (times.size() > 1) chosen_.push_back(times.size() - 1);
+        , points_{{0, path.front()}} {
+        if (times.size() > 1) points_.push_back({times.size() - 1, path.back()});
+        for (std::size_t i = 0; i < times.size();
+             ++i) // a path that could not suit a sample is all that can be asked for
+            allowed_.push_back(std::max(tolerance, std::abs(path[i] - wanted[i]) + (1 - pathShare) * tolerance));
     }
 
-    /// Takes points in until the curve suits every sample.
+    /// Takes points of the path in until the curve suits every sample.
     void refine() {
-        while (const auto worst = worstSample(0, chosen_.size() - 1, chosen_))
-            chosen_.insert(std::lower_bound(chosen_.begin(), chosen_.end(), worst->index), worst->index);
+        for (;;) {
+            std::optional<std::size_t> worst;
+            double most = rounding;
+            walk(points_, 0, points_.size() - 1, [&](std::size_t i, double value) {
+                const double excess = excessOf(i, value);
+                if (excess <= most) return;
+                worst = i;
+                most = excess;
+            });
+            if (!worst) return;
+            const auto place = std::partition_point(points_.begin(), points_.end(),
+                                                    [&](const Point& point) { return point.sample < *worst; });
+            points_.insert(place, {*worst, path_[*worst]});
+        }
     }
 
-    /// Leaves points out again for as long as the curve still suits every sample; first those that bring the samples
+    /// Leaves points out again for as long as the curve still suits every sample; first those that bring the curve
     /// least far from the path.
     void prune() {
         for (;;) {
             std::optional<std::size_t> best;
             double bestStray = std::numeric_limits<double>::infinity();
-            for (std::size_t i = 1; i + 1 < chosen_.size(); ++i) {
-                std::vector<std::size_t> fewer = chosen_;
-                fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(i));
-                // A point shapes the curve up to the second one on either side.
-                const std::size_t first = i > 1 ? i - 2 : 0;
-                const std::size_t last = std::min(i + 1, fewer.size() - 1);
-                if (worstSample(first, last, fewer)) continue;
-                const double stray = strayFromPath(first, last, fewer);
+            for (std::size_t i = 1; i + 1 < points_.size(); ++i) {
+                const Points fewer = without(i);
+                const Stretch stretch = stretchAround(fewer, i - 1, i);
+                if (misfit(fewer, stretch) > 0) continue;
+                double stray = 0;
+                walk(fewer, stretch.first, stretch.last,
+                     [&](std::size_t k, double value) { stray = std::max(stray, std::abs(value - path_[k])); });
                 if (stray < bestStray) {
                     best = i;
                     bestStray = stray;
                 }
             }
-            if (!best) return;
-            chosen_.erase(chosen_.begin() + static_cast<std::ptrdiff_t>(*best));
+            if (!best) break;
+            points_ = without(*best);
         }
     }
 
-    SpeedKeyframes keyframes() const { return keyframesOf(chosen_); }
+    /// Leaves out points that can be done without once their neighbours are moved.
+    void merge() {
+        for (bool changes = true; changes;) {
+            changes = false;
+            for (std::size_t i = 1; i + 1 < points_.size(); ++i) {
+                Points fewer = without(i);
+                if (!settle(fewer, i)) continue;
+                points_ = std::move(fewer);
+                changes = true;
+                --i;
+            }
+        }
+    }
+
+    SpeedKeyframes keyframes() const { return keyframesOf(points_); }
 
 private:
-    struct Worst {
-        std::size_t index;
-        double excess;
+    struct Point {
+        std::size_t sample; ///< at whose time it lies
+        double value;
+    };
+    using Points = std::vector<Point>;
+    /// Of points, by index, both inclusive.
+    struct Stretch {
+        std::size_t first;
+        std::size_t last;
     };
 
-    SpeedKeyframes keyframesOf(const std::vector<std::size_t>& points) const {
+    Points without(std::size_t i) const {
+        Points fewer = points_;
+        fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(i));
+        return fewer;
+    }
+
+    /// What points `first` to `last` shape: a point bends the curve up to the second one on either side.
+    static Stretch stretchAround(const Points& points, std::size_t first, std::size_t last) {
+        return {first > 2 ? first - 2 : 0, std::min(last + 2, points.size() - 1)};
+    }
+
+    SpeedKeyframes keyframesOf(std::span<const Point> points) const {
         SpeedKeyframes keyframes;
-        for (const std::size_t i : points)
-            keyframes.push_back({.id = {}, .time = times_[i], .speed = path_[i]});
+        for (const Point& point : points)
+            keyframes.push_back({.id = {}, .time = times_[point.sample], .speed = point.value});
         return keyframes;
     }
 
-    /// Calls visit(sample, value of the curve through `points`) for the samples from point `first` to point `last`.
+    /// Calls visit(sample, value of the curve) for the samples from point `first` to point `last`.
     template <typename Visit>
-    void walk(std::size_t first, std::size_t last, const std::vector<std::size_t>& points, Visit visit) const {
+    void walk(const Points& points, std::size_t first, std::size_t last, Visit visit) const {
         // Slopes at the stretch's ends look one point farther.
-        const auto from = points.begin() + static_cast<std::ptrdiff_t>(first > 0 ? first - 1 : 0);
-        const auto to = points.begin() + static_cast<std::ptrdiff_t>(std::min(last + 2, points.size()));
-        const SpeedKeyframes keyframes = keyframesOf({from, to});
+        const std::size_t from = first > 0 ? first - 1 : 0;
+        const std::size_t to = std::min(last + 2, points.size());
+        const SpeedKeyframes keyframes = keyframesOf(std::span(points).subspan(from, to - from));
         CurveEvaluator curve(keyframes, 1, wholeTravel);
-        for (std::size_t i = points[first]; i <= points[last]; ++i)
+        for (std::size_t i = points[first].sample; i <= points[last].sample; ++i)
             visit(i, curve(times_[i]));
     }
 
-    /// The sample that the curve leaves farthest outside the tolerance.
-    std::optional<Worst> worstSample(std::size_t first, std::size_t last,
-                                     const std::vector<std::size_t>& points) const {
-        std::optional<Worst> worst;
-        walk(first, last, points, [&](std::size_t i, double value) {
-            // A path that could not suit the sample is all that can be asked for.
-            const double allowed = std::max(tolerance_, std::abs(path_[i] - wanted_[i]) + (1 - pathShare) * tolerance_);
-            const double excess = std::abs(value - wanted_[i]) - allowed;
-            if (excess > (worst ? worst->excess : rounding)) worst = {i, excess};
+    double excessOf(std::size_t i, double value) const { return std::abs(value - wanted_[i]) - allowed_[i]; }
+
+    /// 0 when the curve suits every sample of the stretch, else the more the worse.
+    double misfit(const Points& points, Stretch stretch) const {
+        double sum = 0;
+        walk(points, stretch.first, stretch.last, [&](std::size_t i, double value) {
+            const double excess = excessOf(i, value);
+            if (excess > rounding) sum += excess * excess;
         });
-        return worst;
+        return sum;
     }
 
-    double strayFromPath(std::size_t first, std::size_t last, const std::vector<std::size_t>& points) const {
-        double most = 0;
-        walk(first, last, points,
-             [&](std::size_t i, double value) { most = std::max(most, std::abs(value - path_[i])); });
-        return most;
+    /// Moves the points before and at `i` until the curve suits every sample around them. False when that fails.
+    bool settle(Points& points, std::size_t i) const {
+        constexpr int mostRounds = 40;
+        constexpr double leastStep = 0.05;
+        double step = 0.5; // of the tolerance in value, of half the way to the next point in time
+        const Stretch stretch = stretchAround(points, i - 1, i);
+        double best = misfit(points, stretch);
+        const auto tryPoint = [&](std::size_t k, Point moved) {
+            const Point old = points[k];
+            points[k] = moved;
+            const double now = misfit(points, stretch);
+            if (now < best) {
+                best = now;
+                return true;
+            }
+            points[k] = old;
+            return false;
+        };
+        for (int round = 0; round < mostRounds && best > 0 && step > leastStep; ++round) {
+            bool improves = false;
+            for (const std::size_t k : {i - 1, i}) {
+                for (const double sign : {-1.0, 1.0}) {
+                    Point moved = points[k];
+                    moved.value = clamped(moved.value + sign * step * tolerance_, leftmostCrop, rightmostCrop);
+                    improves |= tryPoint(k, moved);
+                    if (k == 0 || k + 1 == points.size()) continue;
+                    moved = points[k];
+                    const std::size_t room =
+                        sign < 0 ? moved.sample - points[k - 1].sample : points[k + 1].sample - moved.sample;
+                    const auto shift = static_cast<std::size_t>(step * static_cast<double>(room) / 2);
+                    if (shift == 0) continue;
+                    moved.sample = sign < 0 ? moved.sample - shift : moved.sample + shift;
+                    improves |= tryPoint(k, moved);
+                }
+            }
+            if (!improves) step /= 2;
+        }
+        return best <= 0;
     }
 
     static constexpr double rounding = 1e-9;
@@ -205,7 +282,8 @@ private:
     std::span<const double> wanted_;
     std::span<const double> path_;
     double tolerance_;
-    std::vector<std::size_t> chosen_;
+    std::vector<double> allowed_; ///< by sample, how far the curve may be from what is wanted
+    Points points_;
 };
 
 } // namespace
@@ -240,6 +318,7 @@ SpeedKeyframes SubjectTrackResult::keyframes(double cropFraction, double toleran
     Selection selection(times, centers, path, slack);
     selection.refine();
     selection.prune();
+    selection.merge();
     SpeedKeyframes keyframes = selection.keyframes();
     for (SpeedKeyframe& keyframe : keyframes)
         keyframe.id = Uuid::random();

@@ -35,8 +35,8 @@ struct SubjectTrackResult {
 
     /// Between these the subject has room to move without the crop following, and the points are few: about one every
     /// three seconds on what people film.
-    static constexpr double calmTolerance = 0.2;
-    static constexpr double calmRadius = 0.25; ///< s
+    static constexpr double calmTolerance = 0.25;
+    static constexpr double calmRadius = 0.4; ///< s
 
     friend bool operator==(const SubjectTrackResult&, const SubjectTrackResult&) = default;
 };
