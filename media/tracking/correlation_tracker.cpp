@@ -6,6 +6,7 @@
 #include "media/tracking/color_model.h"
 #include "media/tracking/scale_filter.h"
 #include "media/tracking/search_window.h"
+#include "media/tracking/usual_level.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,6 +27,9 @@ constexpr double scaleRate = 0.025;
 constexpr double recentRate = 0.1;
 constexpr float filterShare = 0.7F; ///< of the response; the rest is the colours'
 constexpr double mostPeak = 1.3;    ///< of the peak's running mean
+// Deviations below the usual peak. What was out of sight for a while may have turned.
+constexpr double usualFall = 2;
+constexpr double usualFallWhenLost = 3.5;
 constexpr double sureConfidence = 0.6;
 constexpr int accuratePasses = 2;
 
@@ -117,9 +121,12 @@ public:
         object.memory = meanMemoryPeak_ ? answer.memory / *meanMemoryPeak_ : 1;
         object.peak = answer.peak;
         object.memoryPeak = answer.memory;
-        // Fitted on boxes with and without the object.
+        // Fitted on boxes with and without the object. An answer may be weaker than of late, but hardly weaker than its
+        // usual variation explains: then something has begun to hide the object.
         const double peak = meanPeak_ ? clamped(answer.peak / *meanPeak_, 0, mostPeak) : 1;
-        object.confidence = 1 / (1 + std::exp(-(9 * peak - 23 * std::sqrt(object.recentDistance) - 0.62)));
+        const double usual = level == TrackingLevel::accurate ? usualFallWhenLost : usualFall;
+        const double fall = std::max(0.0, usualPeak_.fallTo(answer.peak) - usual);
+        object.confidence = 1 / (1 + std::exp(-(9 * peak - 23 * std::sqrt(object.recentDistance) - 5 * fall - 0.62)));
         return object;
     }
 
@@ -136,6 +143,7 @@ public:
         };
         update(meanPeak_, object.peak);
         update(meanMemoryPeak_, object.memoryPeak);
+        usualPeak_.add(object.peak);
         recentColors_ = recentColors_.towards(SubjectAppearance::colors(picture, object.box), recentRate);
     }
 
@@ -230,6 +238,7 @@ private:
     ScaleFilter scale_;
     SubjectAppearance seedColors_;
     SubjectAppearance recentColors_;
+    UsualLevel usualPeak_;
     std::optional<double> meanPeak_;
     std::optional<double> meanMemoryPeak_;
 };
