@@ -12,7 +12,6 @@
 #include <cmath>
 #include <cstddef>
 #include <numbers>
-#include <optional>
 #include <vector>
 
 namespace flowtide::tracking {
@@ -26,10 +25,11 @@ constexpr double colorRate = 0.04;
 constexpr double scaleRate = 0.025;
 constexpr double recentRate = 0.1;
 constexpr float filterShare = 0.7F; ///< of the response; the rest is the colours'
+constexpr double firstPeak = 0.4;   ///< in other pictures, of the one in the picture that was learnt
 constexpr double mostPeak = 1.3;    ///< of the peak's running mean
 // Deviations below the usual peak. What was out of sight for a while may have turned.
 constexpr double usualFall = 2;
-constexpr double usualFallWhenLost = 3.5;
+constexpr double usualFallWhenLost = 2.75;
 constexpr double sureConfidence = 0.6;
 constexpr int accuratePasses = 2;
 
@@ -104,6 +104,9 @@ public:
         learnShape(picture, PixelBox::of(box, picture), 1, 1);
         colors_.learn(picture, PixelBox::of(box, picture), 1);
         scale_.learn(*kernels_, picture, PixelBox::of(box, picture), 1);
+        // Until other pictures tell, what shows nothing of the object must not pass for usual.
+        PixelBox own = PixelBox::of(box, picture);
+        meanPeak_ = meanMemoryPeak_ = firstPeak * moveToPeak(picture, own).peak;
     }
 
     TrackedObject locate(const SubjectPicture& picture, const SubjectBox& near, TrackingLevel level) override {
@@ -118,12 +121,12 @@ public:
         const SubjectAppearance colors = SubjectAppearance::colors(picture, object.box);
         object.recentDistance = SubjectAppearance::distance(colors, recentColors_);
         object.seedDistance = SubjectAppearance::distance(colors, seedColors_);
-        object.memory = meanMemoryPeak_ ? answer.memory / *meanMemoryPeak_ : 1;
+        object.memory = answer.memory / meanMemoryPeak_;
         object.peak = answer.peak;
         object.memoryPeak = answer.memory;
         // Fitted on boxes with and without the object. An answer may be weaker than of late, but hardly weaker than its
         // usual variation explains: then something has begun to hide the object.
-        const double peak = meanPeak_ ? clamped(answer.peak / *meanPeak_, 0, mostPeak) : 1;
+        const double peak = clamped(answer.peak / meanPeak_, 0, mostPeak);
         const double usual = level == TrackingLevel::accurate ? usualFallWhenLost : usualFall;
         const double fall = std::max(0.0, usualPeak_.fallTo(answer.peak) - usual);
         object.confidence = 1 / (1 + std::exp(-(9 * peak - 23 * std::sqrt(object.recentDistance) - 5 * fall - 0.62)));
@@ -138,11 +141,8 @@ public:
         colors_.learn(picture, box, gain * colorRate);
         scale_.learn(*kernels_, picture, box, gain * scaleRate);
         if (object.confidence < sureConfidence) return;
-        const auto update = [](std::optional<double>& mean, double value) {
-            mean = mean ? *mean + recentRate * (value - *mean) : value;
-        };
-        update(meanPeak_, object.peak);
-        update(meanMemoryPeak_, object.memoryPeak);
+        meanPeak_ += recentRate * (object.peak - meanPeak_);
+        meanMemoryPeak_ += recentRate * (object.memoryPeak - meanMemoryPeak_);
         usualPeak_.add(object.peak);
         recentColors_ = recentColors_.towards(SubjectAppearance::colors(picture, object.box), recentRate);
     }
@@ -239,8 +239,8 @@ private:
     SubjectAppearance seedColors_;
     SubjectAppearance recentColors_;
     UsualLevel usualPeak_;
-    std::optional<double> meanPeak_;
-    std::optional<double> meanMemoryPeak_;
+    double meanPeak_ = 0;
+    double meanMemoryPeak_ = 0;
 };
 
 } // namespace
