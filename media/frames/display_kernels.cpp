@@ -37,11 +37,17 @@ inline std::uint32_t bitsOf(float value) {
 }
 
 // Looking up is most of the work, and where there are instructions for it, compilers don't use them. They look up eight
-// places at a time: places beyond `count`, up to the next multiple of 8, must be in the table too.
+// places at a time: what stands behind the last one, from a longer stretch before, must be in the table too.
+constexpr std::size_t atATime = 8;
+
+void endPlaces(std::uint32_t* places, std::size_t count) {
+    for (std::size_t i = count; i % atATime != 0; ++i)
+        places[i] = 0;
+}
 
 void lookUp(const float* table, const std::uint32_t* places, std::size_t count, float* values) {
 #if defined(__AVX2__)
-    for (std::size_t i = 0; i < count; i += 8) {
+    for (std::size_t i = 0; i < count; i += atATime) {
         const __m256i place = _mm256_load_si256(reinterpret_cast<const __m256i*>(places + i));
         _mm256_store_ps(values + i, _mm256_i32gather_ps(table, place, sizeof(float)));
     }
@@ -65,7 +71,7 @@ void interpolate(const float* table, const std::uint32_t* places, const float* r
                  float* values) {
 #if defined(__AVX2__)
     // A pair at a time: half as many loads.
-    for (std::size_t i = 0; i < count; i += 8) {
+    for (std::size_t i = 0; i < count; i += atATime) {
         const __m256i place = _mm256_load_si256(reinterpret_cast<const __m256i*>(places + i));
         const __m256i ordered = _mm256_permute4x64_epi64(place, 0xD8); // 0 1 4 5, 2 3 6 7
         const __m256 a = pairsAt(table, _mm256_castsi256_si128(ordered));
@@ -88,6 +94,7 @@ void findPlaces(const float* light, std::size_t count, OctaveScale scale, std::u
     const int shift = 23 - scale.mantissaBits;
     for (std::size_t i = 0; i < count; ++i)
         places[i] = (bitsOf(clamped(light[i], scale.lowest, scale.highest)) - first) >> shift;
+    endPlaces(places, count);
 }
 
 void direct(const std::uint16_t* y, const std::uint16_t* cb, const std::uint16_t* cr, std::size_t count,
@@ -134,6 +141,7 @@ void decode(const std::uint16_t* y, const std::uint16_t* cb, const std::uint16_t
             s.rest[i] = static_cast<float>(static_cast<std::int32_t>(place[i] % unitsPerStep)) * (1.0F / unitsPerStep);
             place[i] /= unitsPerStep;
         }
+        endPlaces(place, count);
         interpolate(table, place, s.rest, count, s.light[channel]);
     }
 }
@@ -185,7 +193,6 @@ void toDisplayPrimaries(std::size_t count, const LinearLight& light, Stretch& s)
 void linear(const std::uint16_t* y, const std::uint16_t* cb, const std::uint16_t* cr, std::size_t count,
             const YCbCrMatrix& matrix, const LinearLight& light, std::uint32_t* pixels) {
     Stretch s;
-    std::memset(&s, 0, sizeof s); // what lies beyond the last pixel is looked up too
     for (std::size_t done = 0; done < count; done += stretch) {
         const std::size_t part = count - done < stretch ? count - done : stretch;
         decode(y + done, cb + done, cr + done, part, matrix, light.decode, s);
