@@ -15,7 +15,9 @@ TEST(FramePool, FramesAreAlignedApartAndReused) {
                                        {ChromaSubsampling::yuv422, 10, false},
                                        {ChromaSubsampling::yuv444, 10, true}};
     for (const auto& layout : layouts)
-        for (const auto& [width, height] : {std::pair{1, 1}, {63, 37}, {64, 2}, {321, 181}}) {
+        for (const auto& size : {std::pair{1, 1}, {63, 37}, {64, 2}, {321, 181}}) {
+            const int width = size.first; // clang captures no structured binding
+            const int height = size.second;
             FramePool pool(layout, width, height);
             const auto fill = [&](const WritableFrame& frame, int value) {
                 for (std::size_t plane = 0; plane < 3; ++plane)
