@@ -46,9 +46,9 @@ double levelThrough(std::span<const Gate> gates) {
 
 } // namespace
 
-std::vector<double> tautString(std::span<const Gate> given) {
-    if (given.empty()) return {};
-    std::vector<Gate> gates(given.begin(), given.end());
+std::vector<double> tautString(std::span<const Gate> allowed) {
+    if (allowed.empty()) return {};
+    std::vector<Gate> gates(allowed.begin(), allowed.end());
     const double start = levelThrough(gates);
     const double end = levelThrough(std::vector<Gate>(gates.rbegin(), gates.rend()));
     gates.front().lowest = gates.front().highest = start;

@@ -26,6 +26,6 @@ struct Gate {
 
 /// The shortest path through all gates, by value at each: straight wherever it is free, level where it starts and ends.
 /// Times rise strictly.
-std::vector<double> tautString(std::span<const Gate> gates);
+std::vector<double> tautString(std::span<const Gate> allowed);
 
 } // namespace flowtide::SubjectKeyframes

@@ -14,6 +14,7 @@ namespace {
 constexpr int levels = 16; ///< of each component
 constexpr std::size_t binCount = static_cast<std::size_t>(levels) * levels * levels;
 constexpr int mapSide = 64; ///< samples along a window's side
+constexpr double mapMiddle = mapSide / 2.0;
 constexpr int samplesPerCell = mapSide / gridSide;
 constexpr double certainlyInside = 0.8; ///< of the box's sides: its corners show what is behind the object
 constexpr double certainlyOutside = 1.1;
@@ -28,7 +29,7 @@ void readColors(const SubjectPicture& picture, const SearchWindow& window, Color
     const BytePlane& luma = picture.luma[0];
     std::array<int, mapSide> columns;
     const auto place = [&](double center, int i, int count) {
-        return std::clamp(static_cast<int>(std::floor(center + (i + 0.5 - mapSide / 2) * step)), 0, count - 1);
+        return std::clamp(static_cast<int>(std::floor(center + (i + 0.5 - mapMiddle) * step)), 0, count - 1);
     };
     for (int i = 0; i < mapSide; ++i)
         columns[static_cast<std::size_t>(i)] = place(window.centerX, i, luma.width);
@@ -74,10 +75,10 @@ void ColorModel::learn(const SubjectPicture& picture, const PixelBox& box, doubl
     ColorMap colors;
     readColors(picture, window, colors);
     const double scale = mapSide / window.side;
-    const Span columns = spanAround(mapSide / 2, certainlyInside * box.width * scale);
-    const Span rows = spanAround(mapSide / 2, certainlyInside * box.height * scale);
-    const Span farColumns = spanAround(mapSide / 2, certainlyOutside * box.width * scale);
-    const Span farRows = spanAround(mapSide / 2, certainlyOutside * box.height * scale);
+    const Span columns = spanAround(mapMiddle, certainlyInside * box.width * scale);
+    const Span rows = spanAround(mapMiddle, certainlyInside * box.height * scale);
+    const Span farColumns = spanAround(mapMiddle, certainlyOutside * box.width * scale);
+    const Span farRows = spanAround(mapMiddle, certainlyOutside * box.height * scale);
     std::vector<float> inside(binCount);
     std::vector<float> outside(binCount);
     float insideCount = 0;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <utility>
 
 namespace flowtide::tracking {
 
@@ -67,8 +68,8 @@ private:
 
 class BackwardWalk : public PictureWalk {
 public:
-    BackwardWalk(const PictureSource& source, SourceRange range)
-        : source_(source)
+    BackwardWalk(PictureSource source, SourceRange range)
+        : source_(std::move(source))
         , rest_(range) {}
 
     std::optional<TimedPicture> next() override {

@@ -86,7 +86,8 @@ const Weights& sampleWeights() {
         Weights result{};
         for (int i = 0; i < samplesAcross * samplesAcross; ++i) {
             const double across = 2 * (i % samplesAcross + 0.5) / samplesAcross - 1;
-            const double along = 2 * (i / samplesAcross + 0.5) / samplesAcross - 1;
+            const int row = i / samplesAcross;
+            const double along = 2 * (row + 0.5) / samplesAcross - 1;
             result[static_cast<std::size_t>(i)] =
                 static_cast<float>(std::max(0.0, 1 - rimLoss * (across * across + along * along)));
         }
