@@ -23,8 +23,8 @@ namespace flowtide::test {
 /// Smooth noise, 0...1, that looks alike nowhere.
 inline double noise(double x, double y, std::uint32_t seed) {
     const auto at = [seed](double i, double j) {
-        auto value = static_cast<std::uint32_t>(static_cast<int>(i) * 374761393) +
-                     static_cast<std::uint32_t>(static_cast<int>(j) * 668265263) + seed * 2246822519U;
+        const auto whole = [](double number) { return static_cast<std::uint32_t>(static_cast<int>(number)); };
+        auto value = whole(i) * 374761393U + whole(j) * 668265263U + seed * 2246822519U;
         value = (value ^ value >> 13) * 1274126177U;
         return static_cast<double>((value ^ value >> 16) & 0xffff) / 0xffff;
     };
