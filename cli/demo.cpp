@@ -3,9 +3,9 @@
 #include "cli/demo.h"
 
 #include "cli/cancel_on_signal.h"
-#include "cli/failure_sentence.h"
 #include "media/export/export_engine.h"
 #include "media/export/temporary_export.h"
+#include "media/failure_sentence.h"
 #include "media/flowtide_error.h"
 
 #include <fmt/format.h>

@@ -5,12 +5,12 @@
 #include "cli/cancel_on_signal.h"
 #include "cli/decimal.h"
 #include "cli/export_command_line.h"
-#include "cli/failure_sentence.h"
 #include "cli/headless_proxy.h"
 #include "cli/progress_bar.h"
 #include "cli/run_display.h"
 #include "media/export/export_engine.h"
 #include "media/export/export_plan.h"
+#include "media/failure_sentence.h"
 #include "media/flowtide_error.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 // The program's start: joins the command line and the FFmpeg backend, and catches what nothing else has.
 #include "cli/entry.h"
-#include "cli/failure_sentence.h"
+#include "media/failure_sentence.h"
 #include "media/ffmpeg/ffmpeg_backend.h"
 
 #include <csignal>

@@ -1,5 +1,5 @@
 // Translates the standard library's exceptions into sentences.
-#include "cli/failure_sentence.h"
+#include "media/failure_sentence.h"
 
 #include <fmt/format.h>
 
