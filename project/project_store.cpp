@@ -54,16 +54,45 @@ fs::path ProjectStore::indexFile() const {
 }
 
 void ProjectStore::save(const FlowtideProject& project) {
+    saveIf(project, [](const RecentProjects&) { return true; });
+}
+
+bool ProjectStore::saveUnlessChanged(const FlowtideProject& project, std::optional<ReferenceDate> expected) {
+    return saveIf(project, [&](const RecentProjects& list) {
+        const auto stored = storedDate(project.id, list);
+        return !stored || stored == expected;
+    });
+}
+
+/// `isWanted` decides while nobody else can save.
+bool ProjectStore::saveIf(const FlowtideProject& project, const std::function<bool(const RecentProjects&)>& isWanted) {
     const std::string document = encodeProject(project);
     const fs::path file = projectFile(project.id);
     makePrivateFolders(operations_, directory_);
+    bool isSaved = false;
     changeRecent([&](RecentProjects& list) {
+        isSaved = isWanted(list);
+        if (!isSaved) return false;
         writeAtomically(operations_, file, document);
         addOrReplace(list,
                      {project.id, clipName(project), Url::ofFile(file), project.source.fingerprint, project.savedAt});
         return true;
     });
-    removeLegacySidecar(project);
+    if (isSaved) removeLegacySidecar(project);
+    return isSaved;
+}
+
+/// When the folder's file of a project was saved; nothing when there is none that can be read.
+std::optional<ReferenceDate> ProjectStore::storedDate(const Uuid& id, const RecentProjects& list) const {
+    std::error_code ignored;
+    if (!fs::exists(projectFile(id), ignored)) return std::nullopt;
+    for (const RecentProject& entry : list)
+        if (entry.id == id) return entry.savedAt; // written with the file
+    try {
+        return load(projectFile(id)).savedAt;
+    } catch (const ProjectError&) {
+        return std::nullopt;
+    }
 }
 
 RecentProjects ProjectStore::recent() const {

@@ -30,6 +30,10 @@ public:
     /// Validates the project, writes it, puts it in the recent list (where it stands, if it is there already, else in
     /// front) and drops the file that former versions kept beside the clip. Throws ProjectError.
     void save(const FlowtideProject& project);
+    /// The same, unless the project has been saved by somebody else since `expected`, its date when it was last loaded
+    /// or saved here (nothing: never): then it writes nothing and returns false. A project that is no longer stored is
+    /// stored again.
+    [[nodiscard]] bool saveUnlessChanged(const FlowtideProject& project, std::optional<ReferenceDate> expected);
 
     /// The recent projects; empty when there is no readable list. A project whose listed file is gone is listed with
     /// the folder's own file, when there is one.
@@ -50,6 +54,8 @@ public:
     FlowtideProject relink(FlowtideProject project, const std::filesystem::path& clip);
 
 private:
+    bool saveIf(const FlowtideProject& project, const std::function<bool(const RecentProjects&)>& isWanted);
+    std::optional<ReferenceDate> storedDate(const Uuid& id, const RecentProjects& list) const;
     void followMovedFolder(RecentProject& entry) const;
     void changeRecent(const std::function<bool(RecentProjects&)>& change);
     void removeLegacySidecar(const FlowtideProject& project);
