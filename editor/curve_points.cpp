@@ -1,0 +1,62 @@
+// Cleaning, boundaries, evaluation.
+#include "editor/curve_points.h"
+
+#include "core/clamp.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <vector>
+
+namespace flowtide {
+
+namespace {
+
+bool haveDistinctIDs(const SpeedKeyframes& points) {
+    std::vector<Uuid> ids;
+    ids.reserve(points.size());
+    for (const SpeedKeyframe& point : points)
+        ids.push_back(point.id);
+    std::sort(ids.begin(), ids.end());
+    return std::adjacent_find(ids.begin(), ids.end()) == ids.end();
+}
+
+void keepUsable(SpeedKeyframes& points, const CurveDomain& domain) {
+    std::erase_if(points,
+                  [](const SpeedKeyframe& point) { return !std::isfinite(point.time) || !std::isfinite(point.speed); });
+    if (!haveDistinctIDs(points)) {
+        std::set<Uuid> seen;
+        std::erase_if(points, [&](const SpeedKeyframe& point) { return !seen.insert(point.id).second; });
+    }
+    for (SpeedKeyframe& point : points) {
+        point.time = clamped(point.time, 0, domain.duration);
+        point.speed = clamped(point.speed, domain.limits.lower, domain.limits.upper);
+    }
+    sortByTime(points);
+}
+
+} // namespace
+
+std::optional<SpeedKeyframes> boundedPoints(SpeedKeyframes points, SourceRange trim, const CurveDomain& domain,
+                                            std::optional<KeyframeRules::BoundaryValues> boundaryValues) {
+    keepUsable(points, domain);
+    const auto valueAt = [&](double time) {
+        return points.empty() ? domain.restValue : CurveEngine::value(time, points, domain.smoothing, domain.limits);
+    };
+    if (!boundaryValues) boundaryValues = KeyframeRules::BoundaryValues{valueAt(trim.lower), valueAt(trim.upper)};
+    SpeedKeyframes bounded =
+        KeyframeRules::applyingTrimBoundaries(points, domain.duration, trim, domain.restValue, boundaryValues);
+    if (bounded.empty()) bounded = KeyframeRules::curveForSourceRange({}, domain.duration, trim, domain.restValue);
+    sortByTime(bounded);
+    if (bounded.size() > mostKeyframes) return std::nullopt;
+    return bounded;
+}
+
+double playedValue(const SpeedKeyframes& points, double time, SourceRange trim, const CurveDomain& domain) {
+    const bool isKept = time >= trim.lower && time <= trim.upper;
+    const SpeedKeyframes played =
+        isKept ? KeyframeRules::curveForSourceRange(points, domain.duration, trim, domain.restValue) : points;
+    return CurveEngine::value(time, played, domain.smoothing, domain.limits);
+}
+
+} // namespace flowtide

@@ -1,0 +1,121 @@
+// Installs framing.
+#include "editor/edits/framing_edits.h"
+
+#include "core/clamp.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace flowtide {
+
+namespace {
+
+constexpr double spanTolerance = 0.001; ///< source seconds; keyframes this near to a tracked span count as inside
+
+/// The crop's width as a share of the frame's; 1 where the frame is not wider than the crop.
+double cropFraction(const ImportedClip& clip, CropAspectRatio ratio) {
+    const double width = static_cast<double>(std::max<std::int64_t>(clip.width, 1));
+    return std::min(widthOverHeight(ratio) * static_cast<double>(clip.height) / width, 1.0);
+}
+
+} // namespace
+
+void FramingEdits::install(SpeedKeyframes keyframes) {
+    auto bounded = session_.framing.bounded(std::move(keyframes));
+    if (!bounded || *bounded == session_.framing.centerKeyframes()) return;
+    session_.recordStep();
+    session_.framing.setCenterKeyframes(std::move(*bounded));
+    session_.scheduleProjectSave();
+}
+
+void FramingEdits::replaceCenterKeyframes(SpeedKeyframes keyframes) {
+    if (session_.clip()) install(std::move(keyframes));
+}
+
+void FramingEdits::resetCenterCurve() {
+    if (!session_.clip()) return;
+    install(
+        KeyframeRules::curveForSourceRange({}, session_.curve.duration(), session_.curve.trimRange(), centeredCrop));
+}
+
+void FramingEdits::beginCropDrag() {
+    if (!session_.clip() || session_.framing.lockCropCenter()) return;
+    session_.beginCurveEdit();
+    session_.framing.setCropDragActive(true);
+}
+
+void FramingEdits::updateCropDrag(double travel) {
+    if (!session_.framing.isCropDragActive() || !std::isfinite(travel)) return;
+    const SourceRange trim = session_.curve.trimRange();
+    const double time = clamped(session_.playheadSeconds(), trim.lower, trim.upper);
+    const double position = clamped(travel, leftmostCrop, rightmostCrop);
+    SpeedKeyframes keyframes = session_.framing.centerKeyframes();
+    const auto nearest = std::min_element(keyframes.begin(), keyframes.end(), [&](const auto& a, const auto& b) {
+        return std::abs(a.time - time) < std::abs(b.time - time);
+    });
+    if (nearest != keyframes.end() && std::abs(nearest->time - time) <= dragMatchTolerance)
+        nearest->speed = position;
+    else
+        keyframes.push_back({Uuid::random(), time, position, SpeedKeyframeRole::curve});
+    install(std::move(keyframes));
+}
+
+void FramingEdits::endCropDrag() {
+    if (!session_.framing.isCropDragActive()) return;
+    session_.framing.setCropDragActive(false);
+    session_.endCurveEdit();
+}
+
+SpeedKeyframes FramingEdits::trackedKeyframes(const SubjectTrackResult& result) const {
+    if (!session_.clip()) return {};
+    return result.keyframes(cropFraction(*session_.clip(), session_.framing.cropAspectRatio()));
+}
+
+void FramingEdits::applySubjectTrackingResult(const SubjectTrackResult& result) {
+    if (!session_.clip() || result.samples.empty()) return;
+    const ImportedClip& clip = *session_.clip();
+    SpeedKeyframes keyframes = session_.framing.centerKeyframes();
+    const double first = result.samples.front().time - spanTolerance;
+    const double last = result.samples.back().time + spanTolerance;
+    std::erase_if(keyframes, [&](const SpeedKeyframe& each) { return each.time >= first && each.time <= last; });
+    const SpeedKeyframes tracked = trackedKeyframes(result);
+    keyframes.insert(keyframes.end(), tracked.begin(), tracked.end());
+    std::vector<SubjectTrackingRange> ranges = session_.trackedRanges();
+    const auto found = result.trackedRanges(clip.frameDuration.seconds(), session_.curve.trimRange());
+    ranges.insert(ranges.end(), found.begin(), found.end());
+    ranges = SubjectTrackingRange::merged(std::move(ranges));
+    if (ranges.size() > mostTrackingRanges) return;
+
+    session_.beginCurveEdit();
+    replaceCenterKeyframes(std::move(keyframes));
+    session_.setTrackedRanges(std::move(ranges));
+    session_.endCurveEdit();
+    session_.scheduleProjectSave();
+}
+
+void FramingEdits::setCenterSmoothing(double glide) {
+    if (!session_.clip()) return;
+    session_.framing.setCenterSmoothing(clamped(glide, 0, 1));
+    session_.scheduleProjectSave();
+}
+
+void FramingEdits::setVerticalCropEnabled(bool enabled) {
+    if (!session_.clip()) return;
+    session_.framing.setVerticalCropEnabled(enabled);
+    session_.scheduleProjectSave();
+}
+
+void FramingEdits::setCropAspectRatio(CropAspectRatio ratio) {
+    if (!session_.clip()) return;
+    session_.framing.setCropAspectRatio(ratio);
+    session_.scheduleProjectSave();
+}
+
+void FramingEdits::setLockCropCenter(bool locked) {
+    if (!session_.clip()) return;
+    session_.framing.setLockCropCenter(locked);
+    session_.scheduleProjectSave();
+}
+
+} // namespace flowtide

@@ -1,0 +1,57 @@
+// Installs trims.
+#include "editor/edits/trim_edits.h"
+
+#include "core/clamp.h"
+
+#include <cmath>
+#include <utility>
+
+namespace flowtide {
+
+void TrimEdits::applyTrimRange(double start, double end) {
+    const double duration = session_.curve.duration();
+    const bool isInside = start >= -boundsTolerance && end <= duration + boundsTolerance; // NaN is not
+    const SourceRange trim{clamped(start, 0, duration), clamped(end, 0, duration)};
+    if (!session_.clip() || !isInside || !(trim.upper - trim.lower >= shortestTrim)) return;
+    const SourceRange before = session_.curve.trimRange();
+    if (std::abs(trim.lower - before.lower) <= unchangedTolerance &&
+        std::abs(trim.upper - before.upper) <= unchangedTolerance)
+        return;
+    session_.preview().pausePlayback();
+    install(trim);
+    session_.timeline.setTimelineZoom(1);
+    session_.timeline.setTimelineCenter(0.5);
+    session_.refreshPreview();
+    keepPlayheadInside(trim);
+    session_.scheduleProjectSave();
+}
+
+void TrimEdits::resetTrimRange() {
+    applyTrimRange(0, session_.curve.duration());
+}
+
+void TrimEdits::install(SourceRange trim) {
+    const SpeedCurve& curve = session_.curve;
+    const KeyframeRules::BoundaryValues speeds{curve.speedAt(trim.lower), curve.speedAt(trim.upper)};
+    const auto travel = [&](double time) {
+        const SourceRange kept = curve.trimRange();
+        return time >= kept.lower && time <= kept.upper ? session_.framing.glidedCropTravel(time)
+                                                        : session_.framing.liveCropTravel(time);
+    };
+    const KeyframeRules::BoundaryValues positions{travel(trim.lower), travel(trim.upper)};
+    auto keyframes = boundedPoints(curve.keyframes(), trim, curve.domain(), speeds);
+    auto centers = boundedPoints(session_.framing.centerKeyframes(), trim, session_.framing.domain(), positions);
+    if (!keyframes || !centers) return; // as many points as a project holds, and the boundaries on top
+    session_.curve.setTrim(trim, std::move(*keyframes));
+    session_.framing.setCenterKeyframes(std::move(*centers));
+}
+
+void TrimEdits::keepPlayheadInside(SourceRange trim) {
+    const double playhead = session_.playheadSeconds();
+    const double inside = clamped(playhead, trim.lower, trim.upper);
+    if (inside == playhead) return;
+    session_.timeline.setScrubPosition(inside / session_.curve.duration());
+    session_.preview().showPlayhead();
+}
+
+} // namespace flowtide

@@ -1,0 +1,31 @@
+// Edits of the kept part of the clip.
+#pragma once
+
+#include "editor/edit_session.h"
+
+namespace flowtide {
+
+/// Changed without history. Without a clip they do nothing.
+class TrimEdits {
+public:
+    static constexpr double shortestTrim = 0.001;      ///< source seconds
+    static constexpr double boundsTolerance = 0.001;   ///< source seconds beyond the clip's ends that count as the ends
+    static constexpr double unchangedTolerance = 1e-6; ///< source seconds
+
+    explicit TrimEdits(EditSession& session)
+        : session_(session) {}
+
+    /// Keeps `start`...`end`, source seconds. The speed and the framing at the new ends stay what they were. Ranges
+    /// that are too short, or lie outside the clip, change nothing.
+    void applyTrimRange(double start, double end);
+    /// Keeps the whole clip.
+    void resetTrimRange();
+
+private:
+    void install(SourceRange trim);
+    void keepPlayheadInside(SourceRange trim);
+
+    EditSession& session_;
+};
+
+} // namespace flowtide

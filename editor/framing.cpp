@@ -1,0 +1,85 @@
+// The framing's state and its glide table.
+#include "editor/framing.h"
+
+#include "core/clamp.h"
+
+#include <cmath>
+#include <utility>
+
+namespace flowtide {
+
+Framing::Framing(ChangeNotifier& notifier, const SpeedCurve& curve)
+    : curve_(curve)
+    , centerKeyframes_(notifier, Property::centerKeyframes)
+    , centerSmoothing_(notifier, Property::centerSmoothing, defaultGlide)
+    , isVerticalCropEnabled_(notifier, Property::isVerticalCropEnabled)
+    , cropAspectRatio_(notifier, Property::cropAspectRatio)
+    , lockCropCenter_(notifier, Property::lockCropCenter, true)
+    , isCropDragActive_(notifier, Property::isCropDragActive) {}
+
+CurveDomain Framing::domain() const {
+    constexpr double smoothing = 1; // the framing curve is always drawn as a full curve
+    return {curve_.duration(), {leftmostCrop, rightmostCrop}, centeredCrop, smoothing};
+}
+
+std::optional<SpeedKeyframes> Framing::bounded(SpeedKeyframes points) const {
+    return boundedPoints(std::move(points), curve_.trimRange(), domain());
+}
+
+std::optional<VerticalCropSettings> Framing::exportSettings() const {
+    if (!isVerticalCropEnabled()) return std::nullopt;
+    return VerticalCropSettings{widthOverHeight(cropAspectRatio()), centerKeyframes(), centerSmoothing()};
+}
+
+double Framing::liveCropTravel(double time) const {
+    return playedValue(centerKeyframes(), time, curve_.trimRange(), domain());
+}
+
+double Framing::glidedCropTravel(double time) const {
+    GlideTableKey key{centerKeyframes(), centerSmoothing(), curve_.keyframes(), curve_.smoothing(), curve_.trimRange()};
+    if (glideTableKey_ != key) {
+        glideTableSamples_ = glideTable(centerKeyframes(), centerSmoothing(), curve_.timeMap(), glideTableStep_);
+        glideTableKey_ = std::move(key);
+    }
+    if (glideTableSamples_.size() < 2) return liveCropTravel(time);
+    const auto last = static_cast<double>(glideTableSamples_.size() - 1);
+    const double place = clamped(curve_.timeMap().outputTime({time}).value / glideTableStep_, 0, last);
+    const auto before = static_cast<std::size_t>(place);
+    const std::size_t after = std::min(before + 1, glideTableSamples_.size() - 1);
+    return std::lerp(glideTableSamples_[before], glideTableSamples_[after], place - static_cast<double>(before));
+}
+
+void Framing::setCenterKeyframes(SpeedKeyframes keyframes) {
+    centerKeyframes_.set(std::move(keyframes));
+}
+void Framing::setCenterSmoothing(double glide) {
+    centerSmoothing_.set(glide);
+}
+void Framing::setVerticalCropEnabled(bool enabled) {
+    isVerticalCropEnabled_.set(enabled);
+}
+void Framing::setCropAspectRatio(CropAspectRatio ratio) {
+    cropAspectRatio_.set(ratio);
+}
+void Framing::setLockCropCenter(bool locked) {
+    lockCropCenter_.set(locked);
+}
+void Framing::setCropDragActive(bool active) {
+    isCropDragActive_.set(active);
+}
+
+void Framing::reset(double frameDuration) {
+    glideTableKey_.reset();
+    glideTableStep_ = frameDuration;
+    const double duration = curve_.duration();
+    centerKeyframes_.set(duration > 0
+                             ? KeyframeRules::curveForSourceRange({}, duration, curve_.trimRange(), centeredCrop)
+                             : SpeedKeyframes{});
+    centerSmoothing_.set(defaultGlide);
+    isVerticalCropEnabled_.set(false);
+    cropAspectRatio_.set(CropAspectRatio::nineBySixteen);
+    lockCropCenter_.set(true);
+    isCropDragActive_.set(false);
+}
+
+} // namespace flowtide

@@ -1,0 +1,78 @@
+// Hands the operations on.
+#include "editor/jobs/engine_session_media.h"
+
+#include "media/export/export_engine.h"
+#include "media/preview/proxy_engine.h"
+#include "media/tracking/subject_tracking_engine.h"
+#include "project/clip_fingerprint.h"
+
+#include <utility>
+
+namespace flowtide {
+
+namespace {
+
+/// Progress as an engine tells it, from the thread that runs it; a cancellation is handed on at the same time.
+template <typename Engine>
+std::function<void(double)> listening(Engine& engine, const std::function<void(double)>& onProgress,
+                                      const CancelCheck& isCancelled) {
+    return [&](double fraction) {
+        if (isCancelled()) engine.cancel();
+        onProgress(fraction);
+    };
+}
+
+} // namespace
+
+EngineSessionMedia::EngineSessionMedia(const MediaBackend& backend, TemporaryItems& items, LogSink log)
+    : backend_(backend)
+    , items_(items)
+    , log_(std::move(log)) {}
+
+ImportedClip EngineSessionMedia::loadClip(const std::filesystem::path& path) {
+    return ImportedClip::load(backend_, path);
+}
+
+std::string EngineSessionMedia::fingerprint(const std::filesystem::path& path) {
+    return clipFingerprint(path);
+}
+
+ExportValidationReport EngineSessionMedia::exportClip(const ExportRequest& request,
+                                                      const std::function<void(double)>& onProgress,
+                                                      const CancelCheck& isCancelled) {
+    throwIfCancelled(isCancelled);
+    ExportEngine engine(backend_, log_);
+    return engine.run(request, listening(engine, onProgress, isCancelled));
+}
+
+std::filesystem::path EngineSessionMedia::makeProxy(const ImportedClip& clip,
+                                                    const std::function<void(double)>& onProgress,
+                                                    const CancelCheck& isCancelled) {
+    throwIfCancelled(isCancelled);
+    ProxyEngine engine(backend_, items_, log_);
+    return engine.makeProxy(clip, listening(engine, onProgress, isCancelled));
+}
+
+SubjectTrackResult EngineSessionMedia::track(const ImportedClip& clip, SourceSeconds seedTime,
+                                             const SubjectBox& seedBox, SourceRange range,
+                                             const std::function<void(TrackingProgress)>& onProgress,
+                                             const CancelCheck& isCancelled) {
+    TrackingProgress latest{0, seedTime.value, seedBox, false};
+    SubjectTrackingCallbacks callbacks;
+    callbacks.progress = [&](double fraction) {
+        latest.fraction = fraction;
+        onProgress(latest);
+    };
+    callbacks.sighted = [&](const tracking::Sighting& sighting) {
+        latest.time = sighting.time;
+        latest.box = sighting.box;
+    };
+    callbacks.looking = [&](bool isLooking) {
+        latest.isLooking = isLooking;
+        onProgress(latest);
+    };
+    callbacks.isCancelled = isCancelled;
+    return SubjectTrackingEngine(backend_).track(clip, seedTime, seedBox, range, callbacks);
+}
+
+} // namespace flowtide

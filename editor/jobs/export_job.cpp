@@ -1,0 +1,77 @@
+// From the session's edits to a verified file.
+#include "editor/jobs/export_job.h"
+
+#include "media/failure_sentence.h"
+#include "media/flowtide_error.h"
+
+#include <utility>
+
+namespace flowtide {
+
+namespace {
+/// Below this share an estimate says more about the start than about the rest.
+constexpr double leastShareForEstimate = 0.02;
+} // namespace
+
+ExportJob::ExportJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, ErrorAlert& alert,
+                     std::shared_ptr<SessionMedia> media)
+    : session_(session)
+    , jobs_(jobs)
+    , alert_(alert)
+    , media_(std::move(media))
+    , isExporting_(notifier, Property::isExporting)
+    , exportProgress_(notifier, Property::exportProgress)
+    , remainingTime_(notifier, Property::exportEstimatedRemainingTime)
+    , report_(notifier, Property::lastExportVerification) {}
+
+ExportRequest ExportJob::request(const std::filesystem::path& destination) const {
+    ExportRequest request;
+    request.clip = *session_.clip();
+    request.keyframes = session_.curve.keyframes();
+    request.sourceRange = session_.curve.trimRange();
+    request.smoothing = session_.curve.smoothing();
+    request.interpolation = session_.flow.frameInterpolation();
+    request.opticalFlowRanges = session_.flow.effectiveRanges(session_.curve.trimRange());
+    request.verticalCrop = session_.framing.exportSettings();
+    if (!session_.zoom.zoomBlocks().empty()) request.zoom = ZoomSettings{session_.zoom.zoomBlocks()};
+    request.outputURL = destination;
+    return request;
+}
+
+void ExportJob::start(const std::filesystem::path& destination) {
+    if (!session_.clip() || isExporting()) return;
+    isExporting_.set(true);
+    exportProgress_.set(0);
+    remainingTime_.set({});
+    report_.set(nullptr);
+    startedAt_ = jobs_.scheduler().now();
+    const auto onProgress = jobs_.home<double>([this](double fraction) { receiveProgress(fraction); });
+    jobs_.start(
+        BackgroundQueue::jobs,
+        [media = media_, request = request(destination), onProgress, isCancelled = cancelFlag_.renewed()] {
+            return media->exportClip(request, onProgress, isCancelled);
+        },
+        [this, clip = session_.clip()](Outcome<ExportValidationReport>& outcome) { finish(outcome, clip); });
+}
+
+void ExportJob::receiveProgress(double fraction) {
+    if (!isExporting()) return;
+    exportProgress_.set(fraction);
+    const double elapsed = jobs_.scheduler().now() - startedAt_;
+    if (fraction >= leastShareForEstimate) remainingTime_.set(elapsed * (1 - fraction) / fraction);
+}
+
+void ExportJob::finish(Outcome<ExportValidationReport>& outcome, const OpenClip& clip) {
+    isExporting_.set(false);
+    remainingTime_.set({});
+    try {
+        const auto report = std::make_shared<const ExportValidationReport>(outcome.get());
+        if (clip == session_.clip()) report_.set(report);
+    } catch (const FlowtideError& error) {
+        if (error.kind() != FlowtideError::Case::exportCancelled) alert_.show("Export failed", sentenceFor(error));
+    } catch (const std::exception& error) {
+        alert_.show("Export failed", sentenceFor(error));
+    }
+}
+
+} // namespace flowtide

@@ -1,0 +1,53 @@
+// Exports the open clip as it is edited.
+#pragma once
+
+#include "editor/edit_session.h"
+#include "editor/error_alert.h"
+#include "editor/jobs/cancel_flag.h"
+#include "editor/jobs/session_jobs.h"
+#include "editor/jobs/session_media.h"
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace flowtide {
+
+/// One export at a time, of the edits as they were when it began. Main thread only.
+class ExportJob {
+public:
+    ExportJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, ErrorAlert& alert,
+              std::shared_ptr<SessionMedia> media);
+
+    bool isExporting() const { return isExporting_.get(); }
+    double exportProgress() const { return exportProgress_.get(); } ///< 0...1; 1: rendered, being verified
+    /// Seconds; nothing before there is something to go by.
+    std::optional<double> exportEstimatedRemainingTime() const { return remainingTime_.get(); }
+    /// Of the open clip's last export.
+    const std::shared_ptr<const ExportValidationReport>& lastExportVerification() const { return report_.get(); }
+
+    /// Nothing happens without a clip, or while an export runs. A failure is shown in the alert, a cancellation not.
+    void start(const std::filesystem::path& destination);
+    void cancel() { cancelFlag_.raise(); }
+    /// The request that start() makes.
+    ExportRequest request(const std::filesystem::path& destination) const;
+    /// The report is of another clip from now on.
+    void forgetVerification() { report_.set(nullptr); }
+
+private:
+    void receiveProgress(double fraction);
+    void finish(Outcome<ExportValidationReport>& outcome, const OpenClip& clip);
+
+    EditSession& session_;
+    SessionJobs& jobs_;
+    ErrorAlert& alert_;
+    std::shared_ptr<SessionMedia> media_;
+    Observed<bool> isExporting_;
+    Observed<double> exportProgress_;
+    Observed<std::optional<double>> remainingTime_;
+    Observed<std::shared_ptr<const ExportValidationReport>> report_;
+    double startedAt_ = 0; ///< Scheduler::now()
+    CancelFlag cancelFlag_;
+};
+
+} // namespace flowtide

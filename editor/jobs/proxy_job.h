@@ -1,0 +1,45 @@
+// Builds the small copy of the open clip that the preview plays.
+#pragma once
+
+#include "editor/edit_session.h"
+#include "editor/jobs/cancel_flag.h"
+#include "editor/jobs/session_jobs.h"
+#include "editor/jobs/session_media.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace flowtide {
+
+/// Main thread only.
+class ProxyJob {
+public:
+    ProxyJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, std::shared_ptr<SessionMedia> media);
+
+    bool isGeneratingProxy() const { return isGeneratingProxy_.get(); }
+    double proxyProgress() const { return proxyProgress_.get(); } ///< 0...1
+    const std::optional<std::string>& proxyMessage() const { return proxyMessage_.get(); }
+    /// The open clip's proxy, once it is built.
+    const std::optional<std::filesystem::path>& proxy() const { return proxy_; }
+
+    /// Nothing happens without a clip, or while a proxy is being built.
+    void start();
+    void cancel() { cancelFlag_.raise(); }
+    /// Another clip is open from now on.
+    void reset();
+
+private:
+    void finish(Outcome<std::filesystem::path>& outcome, const OpenClip& clip);
+
+    EditSession& session_;
+    SessionJobs& jobs_;
+    std::shared_ptr<SessionMedia> media_;
+    Observed<bool> isGeneratingProxy_;
+    Observed<double> proxyProgress_;
+    Observed<std::optional<std::string>> proxyMessage_;
+    std::optional<std::filesystem::path> proxy_;
+    CancelFlag cancelFlag_;
+};
+
+} // namespace flowtide

@@ -1,0 +1,46 @@
+// What a session asks of the media layer.
+#pragma once
+
+#include "core/subject_box.h"
+#include "core/subject_track.h"
+#include "media/cancel_check.h"
+#include "media/export/export_request.h"
+#include "media/export/export_validation.h"
+#include "media/imported_clip.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+
+namespace flowtide {
+
+/// Progress of a track: its share, and where the subject was seen last.
+struct TrackingProgress {
+    double fraction = 0; ///< 0...0.99
+    double time = 0;     ///< source seconds
+    SubjectBox box;
+    bool isLooking = false; ///< the subject is lost and looked for
+};
+
+/// The long operations, each a call that blocks until it is done. Called off the main thread, several at a time; they
+/// throw FlowtideError or ProjectError with the sentence to show. Those that take a CancelCheck throw
+/// FlowtideError::exportCancelled once it says so.
+class SessionMedia {
+public:
+    virtual ~SessionMedia() = default;
+
+    virtual ImportedClip loadClip(const std::filesystem::path& path) = 0;
+    /// The clip's fingerprint.
+    virtual std::string fingerprint(const std::filesystem::path& path) = 0;
+    virtual ExportValidationReport exportClip(const ExportRequest& request,
+                                              const std::function<void(double)>& onProgress,
+                                              const CancelCheck& isCancelled) = 0;
+    /// The proxy's file, which the session owns.
+    virtual std::filesystem::path makeProxy(const ImportedClip& clip, const std::function<void(double)>& onProgress,
+                                            const CancelCheck& isCancelled) = 0;
+    virtual SubjectTrackResult track(const ImportedClip& clip, SourceSeconds seedTime, const SubjectBox& seedBox,
+                                     SourceRange range, const std::function<void(TrackingProgress)>& onProgress,
+                                     const CancelCheck& isCancelled) = 0;
+};
+
+} // namespace flowtide

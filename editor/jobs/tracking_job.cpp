@@ -1,0 +1,110 @@
+// The course of a tracking.
+#include "editor/jobs/tracking_job.h"
+
+#include "media/failure_sentence.h"
+#include "media/flowtide_error.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+namespace flowtide {
+
+TrackingJob::TrackingJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, FramingEdits& framing,
+                         std::shared_ptr<SessionMedia> media, std::string undoKeys)
+    : session_(session)
+    , jobs_(jobs)
+    , framing_(framing)
+    , media_(std::move(media))
+    , undoKeys_(std::move(undoKeys))
+    , selectingSubject_(notifier, Property::selectingSubject)
+    , isTracking_(notifier, Property::isTracking)
+    , trackingProgress_(notifier, Property::trackingProgress)
+    , trackingPreview_(notifier, Property::trackingPreview)
+    , trackingMessage_(notifier, Property::trackingMessage)
+    , trackingStoppedAt_(notifier, Property::trackingStoppedAt) {}
+
+void TrackingJob::beginSubjectSelection() {
+    if (!session_.clip() || isTracking()) return;
+    session_.preview().pausePlayback();
+    session_.preview().cancelAutomaticRender();
+    selectingSubject_.set(true);
+    trackingStoppedAt_.set({});
+    trackingMessage_.set("Draw a tight box around the subject (torso for a player). Tracking follows it in both "
+                         "directions.");
+}
+
+void TrackingJob::startTracking(const SubjectBox& box) {
+    if (!session_.clip() || isTracking()) return;
+    selectingSubject_.set(false);
+    isTracking_.set(true);
+    trackingProgress_.set(0);
+    trackingPreview_.set(box);
+    trackingStoppedAt_.set({});
+    trackingMessage_.set("Following the subject…");
+    const std::uint64_t id = ++trackingID_;
+    const auto onProgress = jobs_.home<TrackingProgress>([this, id](const TrackingProgress& progress) {
+        if (id != trackingID_ || !isTracking()) return;
+        trackingProgress_.set(progress.fraction);
+        trackingPreview_.set(progress.box);
+        trackingMessage_.set(progress.isLooking ? "Looking for the subject…" : "Following the subject…");
+    });
+    jobs_.start(
+        BackgroundQueue::jobs,
+        [media = media_, clip = session_.clip(), seed = SourceSeconds{session_.playheadSeconds()}, box,
+         range = session_.curve.trimRange(), onProgress, isCancelled = cancelFlag_.renewed()] {
+            return media->track(*clip, seed, box, range, onProgress, isCancelled);
+        },
+        [this, id, before = basis()](Outcome<SubjectTrackResult>& outcome) {
+            if (id == trackingID_) finish(outcome, before);
+        });
+}
+
+void TrackingJob::cancelTracking() {
+    ++trackingID_;
+    cancelFlag_.raise();
+    selectingSubject_.set(false);
+    isTracking_.set(false);
+    trackingPreview_.set({});
+    trackingMessage_.set({});
+}
+
+TrackingJob::Basis TrackingJob::basis() const {
+    return {session_.clip(), session_.framing.centerKeyframes(), session_.framing.cropAspectRatio()};
+}
+
+void TrackingJob::finish(Outcome<SubjectTrackResult>& outcome, const Basis& before) {
+    isTracking_.set(false);
+    trackingPreview_.set({});
+    try {
+        const SubjectTrackResult& result = outcome.get();
+        if (basis() != before) {
+            trackingMessage_.set("Framing changed while tracking. Track again to keep your new edits.");
+            return;
+        }
+        framing_.applySubjectTrackingResult(result);
+        if (result.lostSubject && !result.samples.empty())
+            trackingStoppedAt_.set(result.lostAfterSeed ? result.samples.back().time : result.samples.front().time);
+        trackingMessage_.set(closingSentence(result));
+    } catch (const FlowtideError& error) {
+        const bool isCancelled = error.kind() == FlowtideError::Case::exportCancelled;
+        trackingMessage_.set(isCancelled ? std::nullopt : std::optional(sentenceFor(error)));
+    } catch (const std::exception& error) {
+        trackingMessage_.set(sentenceFor(error));
+    }
+    session_.preview().scheduleSmartPreview();
+}
+
+std::string TrackingJob::closingSentence(const SubjectTrackResult& result) const {
+    const std::size_t count = framing_.trackedKeyframes(result).size();
+    if (result.lostSubject)
+        return count == 0 ? "Tracking stopped — subject lost. Choose a clearer frame and try again."
+                          : fmt::format("Tracking stopped — subject lost. Tracked {} keyframes. Review the orange "
+                                        "flags.",
+                                        count);
+    if (!result.lostFrames.empty())
+        return "Tracking finished with gaps. Review the orange flags where the subject was lost.";
+    return fmt::format("Tracking complete: {} framing points across the retained clip. {} to undo.", count, undoKeys_);
+}
+
+} // namespace flowtide

@@ -1,0 +1,66 @@
+// Follows a subject that the user has boxed, and turns its way into framing.
+#pragma once
+
+#include "editor/edits/framing_edits.h"
+#include "editor/jobs/cancel_flag.h"
+#include "editor/jobs/session_jobs.h"
+#include "editor/jobs/session_media.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace flowtide {
+
+/// Selecting a subject, following it, finished. Main thread only.
+class TrackingJob {
+public:
+    /// `undoKeys`: how the keys for undo are called in the closing sentence, as "Ctrl+Z".
+    TrackingJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, FramingEdits& framing,
+                std::shared_ptr<SessionMedia> media, std::string undoKeys);
+
+    bool selectingSubject() const { return selectingSubject_.get(); }
+    bool isTracking() const { return isTracking_.get(); }
+    double trackingProgress() const { return trackingProgress_.get(); } ///< 0...1
+    /// Where the subject was seen last while it is followed.
+    const std::optional<SubjectBox>& trackingPreview() const { return trackingPreview_.get(); }
+    const std::optional<std::string>& trackingMessage() const { return trackingMessage_.get(); }
+    /// The last tracked frame before a loss that ended the tracking, source seconds.
+    const std::optional<double>& trackingStoppedAt() const { return trackingStoppedAt_.get(); }
+
+    /// Playback pauses; the user draws a box on the frame at the playhead.
+    void beginSubjectSelection();
+    /// Follows the box through the kept part of the clip, both ways from the playhead's frame.
+    void startTracking(const SubjectBox& box);
+    /// Ends selecting or following; nothing is applied.
+    void cancelTracking();
+    void dismissMessage() { trackingMessage_.set({}); }
+
+private:
+    /// What must still be there for a result to be applied.
+    struct Basis {
+        OpenClip clip;
+        SpeedKeyframes centerKeyframes;
+        CropAspectRatio aspectRatio;
+        friend bool operator==(const Basis&, const Basis&) = default;
+    };
+    Basis basis() const;
+    void finish(Outcome<SubjectTrackResult>& outcome, const Basis& before);
+    std::string closingSentence(const SubjectTrackResult& result) const;
+
+    EditSession& session_;
+    SessionJobs& jobs_;
+    FramingEdits& framing_;
+    std::shared_ptr<SessionMedia> media_;
+    std::string undoKeys_;
+    Observed<bool> selectingSubject_;
+    Observed<bool> isTracking_;
+    Observed<double> trackingProgress_;
+    Observed<std::optional<SubjectBox>> trackingPreview_;
+    Observed<std::optional<std::string>> trackingMessage_;
+    Observed<std::optional<double>> trackingStoppedAt_;
+    std::uint64_t trackingID_ = 0; ///< a result of another one is late
+    CancelFlag cancelFlag_;
+};
+
+} // namespace flowtide

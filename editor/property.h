@@ -1,0 +1,73 @@
+// The names of what views see of a session.
+#pragma once
+
+#include <bitset>
+#include <cstddef>
+#include <initializer_list>
+
+namespace flowtide {
+
+enum class Property {
+    // projects
+    recentProjects,
+    projectSaveMessage,
+    pendingRelinkProject,
+    isOpening,
+    // the clip and its edits
+    clip,
+    keyframes,
+    curveSmoothing,
+    trimRange,
+    centerKeyframes,
+    centerSmoothing,
+    isVerticalCropEnabled,
+    cropAspectRatio,
+    lockCropCenter,
+    isCropDragActive,
+    zoomBlocks,
+    selectedZoomBlockID,
+    frameInterpolation,
+    opticalFlowRanges,
+    selectedOpticalFlowRangeID,
+    originalFrameSpans,
+    trackedRanges,
+    history, ///< what can be undone and redone
+    // the view
+    editorMode,
+    timelineZoom,
+    timelineCenter,
+    scrubPosition,
+    inspectionScale,
+    inspectionCenter,
+    loopPreview,
+    previewResolution,
+    smartPreviewEnabled,
+    // jobs
+    selectingSubject,
+    isTracking,
+    trackingProgress,
+    trackingPreview,
+    trackingMessage,
+    trackingStoppedAt,
+    isExporting,
+    exportProgress,
+    exportEstimatedRemainingTime,
+    lastExportVerification,
+    isGeneratingProxy,
+    proxyProgress,
+    proxyMessage,
+    // the alert
+    errorMessage,
+    count, ///< how many there are
+};
+
+using PropertySet = std::bitset<static_cast<std::size_t>(Property::count)>;
+
+inline PropertySet properties(std::initializer_list<Property> list) {
+    PropertySet set;
+    for (const Property property : list)
+        set.set(static_cast<std::size_t>(property));
+    return set;
+}
+
+} // namespace flowtide

@@ -1,0 +1,161 @@
+// Gestures and history.
+#include "tests/support/session_stage.h"
+
+namespace flowtide::test {
+namespace {
+
+using EditSessionTest = SessionStage;
+
+TEST_F(EditSessionTest, AGestureIsOneStepAndNoneWhenNothingChanged) {
+    open();
+    const CurveSnapshot first = model->currentSnapshot();
+    model->beginCurveEdit();
+    EXPECT_EQ(preview.notes, "cop");
+    model->beginCurveEdit(); // joins
+    EXPECT_EQ(preview.notes, "cop");
+    for (double speed = 2; speed < 3; speed += 0.1)
+        model->replaceKeyframes({point(0, 1), point(5, speed), point(10, 1)});
+    EXPECT_EQ(model->history().undoStack().size(), 0U);
+    preview.notes.clear();
+    model->endCurveEdit();
+    EXPECT_EQ(preview.notes, "isor");
+    ASSERT_EQ(model->history().undoStack().size(), 1U);
+    EXPECT_EQ(model->history().undoStack()[0], first);
+
+    const CurveSnapshot second = model->currentSnapshot();
+    model->beginCurveEdit();
+    model->replaceKeyframes({point(0, 1), point(5, 9), point(10, 1)});
+    model->replaceKeyframes(second.speed);
+    model->endCurveEdit();
+    EXPECT_EQ(model->history().undoStack().size(), 1U);
+    preview.notes.clear();
+    model->endCurveEdit(); // none is open
+    EXPECT_EQ(preview.notes, "s");
+
+    model->undo();
+    EXPECT_EQ(model->currentSnapshot(), first);
+    EXPECT_EQ(model->history().redoStack().size(), 1U);
+    model->redo();
+    EXPECT_EQ(model->currentSnapshot(), second);
+    model->undo();
+    model->setCurveSmoothing(1); // a new edit
+    EXPECT_TRUE(model->history().redoStack().empty());
+    model->redo();
+    EXPECT_EQ(model->curve().smoothing(), 1);
+}
+
+TEST_F(EditSessionTest, FramingAndZoomLeavePreviewsValid) {
+    open();
+    model->beginCurveEdit();
+    preview.notes.clear();
+    model->addZoomBlock({1, 2});
+    model->replaceCenterKeyframes({point(0, 0.2), point(10, 0.9)});
+    model->endCurveEdit();
+    EXPECT_EQ(preview.notes, "");
+    EXPECT_EQ(model->history().undoStack().size(), 1U);
+}
+
+TEST_F(EditSessionTest, HistoryKeepsTwoHundredEditsAndAllThatIsUndone) {
+    open();
+    std::vector<CurveSnapshot> states;
+    for (int i = 0; i < 250; ++i) {
+        states.push_back(model->currentSnapshot());
+        model->setCurveSmoothing(i / 250.0 + 0.001);
+    }
+    const CurveSnapshot last = model->currentSnapshot();
+    ASSERT_EQ(model->history().undoStack().size(), 200U);
+    EXPECT_EQ(model->history().undoStack()[0], states[50]);
+    for (int i = 0; i < 300; ++i)
+        model->undo();
+    EXPECT_EQ(model->currentSnapshot(), states[50]);
+    EXPECT_EQ(model->history().redoStack().size(), 200U);
+    for (int i = 0; i < 300; ++i)
+        model->redo();
+    EXPECT_EQ(model->currentSnapshot(), last);
+}
+
+TEST_F(EditSessionTest, AnUndoneStateFitsTheTrimOfToday) {
+    open();
+    model->replaceKeyframes({point(0, 1), point(4, 2), point(10, 1)});
+    model->setCurveSmoothing(0);
+    model->addZoomBlock({1, 2});
+    const Uuid block = *model->zoom().selectedZoomBlockID();
+    model->applyTrimRange(2, 6);
+    model->undo(); // the block
+    EXPECT_FALSE(model->zoom().selectedZoomBlockID());
+    EXPECT_FALSE(model->zoom().block(block));
+    EXPECT_EQ(model->curve().trimRange(), (SourceRange{2, 6}));
+    const auto& keyframes = model->curve().keyframes();
+    ASSERT_EQ(keyframes.size(), 5U);
+    EXPECT_EQ(keyframes[1].role, SpeedKeyframeRole::trimStart);
+    EXPECT_NEAR(keyframes[1].speed, 1.5, 1e-12); // of the line from 1 to 2
+    EXPECT_EQ(keyframes[3].role, SpeedKeyframeRole::trimEnd);
+    EXPECT_NEAR(keyframes[3].speed, 2 - 2.0 / 6, 1e-12);
+}
+
+TEST_F(EditSessionTest, ViewsHearOnceATurnAndOnlyOfRealChanges) {
+    open();
+    std::vector<PropertySet> heard;
+    auto subscription = model->subscribe(properties({Property::curveSmoothing, Property::zoomBlocks}),
+                                         [&](const PropertySet& changed) { heard.push_back(changed); });
+    model->setCurveSmoothing(0.5); // as it is
+    model->setVerticalCropEnabled(true);
+    scheduler.turn();
+    EXPECT_TRUE(heard.empty());
+    model->setCurveSmoothing(0.6);
+    model->setCurveSmoothing(0.7);
+    model->addZoomBlock({1, 2});
+    EXPECT_TRUE(heard.empty());
+    scheduler.turn();
+    ASSERT_EQ(heard.size(), 1U);
+    EXPECT_EQ(heard[0], properties({Property::curveSmoothing, Property::zoomBlocks}));
+    subscription = {};
+    model->setCurveSmoothing(0.8);
+    scheduler.turn();
+    EXPECT_EQ(heard.size(), 1U);
+
+    // A handler may end its own subscription and take another.
+    subscription = model->subscribe(properties({Property::curveSmoothing}), [&](const PropertySet&) {
+        subscription = model->subscribe(properties({Property::curveSmoothing}),
+                                        [&](const PropertySet& changed) { heard.push_back(changed); });
+    });
+    model->setCurveSmoothing(0.1);
+    scheduler.turn();
+    model->setCurveSmoothing(0.2);
+    scheduler.turn();
+    EXPECT_EQ(heard.size(), 2U);
+}
+
+TEST_F(EditSessionTest, WithoutAClipNothingHappens) {
+    const CurveSnapshot nothing = model->currentSnapshot();
+    model->beginCurveEdit();
+    model->replaceKeyframes({point(1, 2)});
+    model->resetCurve();
+    model->setCurveSmoothing(0.9);
+    model->applyTrimRange(1, 2);
+    model->replaceCenterKeyframes({point(1, 0.2)});
+    model->resetCenterCurve();
+    model->beginCropDrag();
+    model->updateCropDrag(0.4);
+    model->endCropDrag();
+    model->addZoomBlock({1, 2});
+    model->addOrSelectZoomBlock();
+    model->setFrameInterpolation(FrameInterpolation::nearest);
+    model->movePlayhead(0.5);
+    model->startTracking({0, 0, 1, 1});
+    model->exportClip(folder / "out.mov");
+    model->makeProxy();
+    model->endCurveEdit();
+    model->undo();
+    model->redo();
+    model->saveProjectNow();
+    rest();
+    EXPECT_EQ(model->currentSnapshot(), nothing);
+    EXPECT_EQ(model->flow().frameInterpolation(), FrameInterpolation::opticalFlow);
+    EXPECT_FALSE(model->exporting().isExporting() || model->tracking().isTracking() ||
+                 model->proxies().isGeneratingProxy());
+    EXPECT_FALSE(std::filesystem::exists(folder / "state"));
+}
+
+} // namespace
+} // namespace flowtide::test

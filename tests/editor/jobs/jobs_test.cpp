@@ -1,0 +1,185 @@
+// Exports, proxies and tracking: their course, their ends, and results that come too late.
+#include "tests/support/session_stage.h"
+
+namespace flowtide::test {
+namespace {
+
+using JobsTest = SessionStage;
+
+SubjectTrackResult straightTrack() {
+    SubjectTrackResult result;
+    for (int frame = 0; frame <= 300; ++frame)
+        result.samples.push_back({frame / 30.0, 0.5});
+    return result;
+}
+
+TEST_F(JobsTest, AnExportIsOfTheEditsAsTheyWereWhenItBegan) {
+    open();
+    model->replaceKeyframes(slowBetween(2, 3));
+    model->setVerticalCropEnabled(true);
+    model->applyTrimRange(1, 9);
+    const SpeedKeyframes keyframes = model->curve().keyframes();
+    const SourceRanges ranges = model->effectiveOpticalFlowRanges();
+    model->exportClip(folder / "out.mov");
+    EXPECT_TRUE(model->exporting().isExporting());
+    model->setOpticalFlow(false, model->flow().opticalFlowRanges()[0].id); // not while exporting
+    EXPECT_EQ(model->effectiveOpticalFlowRanges(), ranges);
+    model->resetCurve();
+    scheduler.advance(3);
+    scheduler.runJob(BackgroundQueue::jobs);
+    EXPECT_EQ(model->exporting().exportProgress(), 0);
+    scheduler.turn();
+    EXPECT_EQ(model->exporting().exportProgress(), 0.25);
+    EXPECT_FALSE(model->exporting().isExporting());
+    ASSERT_TRUE(model->exporting().lastExportVerification());
+    EXPECT_EQ(model->exporting().lastExportVerification()->summary, "summary");
+    ASSERT_TRUE(media->exported);
+    EXPECT_EQ(media->exported->keyframes, keyframes);
+    EXPECT_EQ(media->exported->sourceRange, (SourceRange{1, 9}));
+    EXPECT_EQ(media->exported->opticalFlowRanges, ranges);
+    EXPECT_EQ(media->exported->interpolation, FrameInterpolation::opticalFlow);
+    ASSERT_TRUE(media->exported->verticalCrop);
+    EXPECT_EQ(media->exported->verticalCrop->aspectRatio, 0.5625);
+
+    media->failure = "no";
+    model->exportClip(folder / "out.mov");
+    scheduler.settle();
+    EXPECT_FALSE(model->exporting().lastExportVerification());
+    ASSERT_TRUE(model->alert().errorMessage());
+    EXPECT_EQ(model->alert().errorMessage()->sentence, "Export failed");
+    model->dismissError();
+    media->failure.reset();
+    model->exportClip(folder / "out.mov");
+    model->cancelExport();
+    scheduler.settle();
+    EXPECT_FALSE(model->exporting().isExporting());
+    EXPECT_FALSE(model->alert().showError());
+}
+
+TEST_F(JobsTest, TimeLeftFollowsTheShareDone) {
+    open();
+    model->exportClip(folder / "out.mov");
+    scheduler.advance(3);
+    std::vector<std::optional<double>> left;
+    media->whileExporting = [&](const std::function<void(double)>& onProgress) {
+        for (const double share : {0.01, 0.25, 0.5}) {
+            onProgress(share);
+            scheduler.turn();
+            left.push_back(model->exporting().exportEstimatedRemainingTime());
+        }
+    };
+    scheduler.settle();
+    EXPECT_EQ(left, (std::vector<std::optional<double>>{{}, 9.0, 3.0}));
+    EXPECT_FALSE(model->exporting().exportEstimatedRemainingTime());
+}
+
+TEST_F(JobsTest, LateResultsAreDropped) {
+    open("one.mov");
+    model->exportClip(folder / "out.mov");
+    model->makeProxy();
+    model->startTracking({0.1, 0.1, 0.2, 0.2});
+    media->tracked = straightTrack();
+    open("two.mov"); // meanwhile all of them have come to an end
+    EXPECT_FALSE(model->exporting().isExporting());
+    EXPECT_FALSE(model->exporting().lastExportVerification());
+    EXPECT_FALSE(model->proxies().isGeneratingProxy());
+    EXPECT_FALSE(model->proxies().proxy());
+    EXPECT_FALSE(model->proxies().proxyMessage());
+    EXPECT_FALSE(model->tracking().isTracking());
+    EXPECT_TRUE(model->trackedRanges().empty());
+
+    // Of imports the latest wins, whatever comes home first.
+    model->importClip(clipFile("three.mov"));
+    model->importClip(clipFile("four.mov"));
+    EXPECT_EQ(model->clips().isOpening(), "four.mov");
+    scheduler.settle();
+    EXPECT_EQ(model->clip()->url.filename(), "four.mov");
+    model->importClip(clipFile("five.mov"));
+    model->reset();
+    scheduler.settle();
+    EXPECT_FALSE(model->clip());
+    EXPECT_EQ(model->clips().isOpening(), "");
+
+    // And when the session is gone, nothing arrives.
+    model->importClip(clipFile("six.mov"));
+    model.reset();
+    scheduler.settle();
+}
+
+TEST_F(JobsTest, AProxyIsBuiltOnce) {
+    open();
+    model->makeProxy();
+    model->makeProxy();
+    EXPECT_EQ(scheduler.jobCount(BackgroundQueue::jobs), 1U);
+    EXPECT_EQ(model->proxies().proxyMessage(), "Building 720p preview proxy...");
+    scheduler.settle();
+    EXPECT_EQ(model->proxies().proxyMessage(), "720p proxy ready");
+    EXPECT_EQ(model->proxies().proxy(), "proxy.mov");
+    model->makeProxy();
+    model->cancelProxy();
+    scheduler.settle();
+    EXPECT_FALSE(model->proxies().proxyMessage());
+    media->failure = "Proxy decode failed";
+    model->makeProxy();
+    scheduler.settle();
+    EXPECT_NE(model->proxies().proxyMessage()->find("Proxy decode failed"), std::string::npos);
+}
+
+TEST_F(JobsTest, TrackingEndsWithTheSentenceOfWhatItCameTo) {
+    open();
+    const struct {
+        bool lost;
+        std::vector<double> lostFrames;
+        bool hasSamples;
+        const char* sentence;
+    } ends[] = {
+        {false, {}, true, "Tracking complete: 2 framing points across the retained clip. Ctrl+Z to undo."},
+        {false, {4.5}, true, "Tracking finished with gaps. Review the orange flags where the subject was lost."},
+        {true, {}, true, "Tracking stopped — subject lost. Tracked 2 keyframes. Review the orange flags."},
+        {true, {}, false, "Tracking stopped — subject lost. Choose a clearer frame and try again."},
+    };
+    for (const auto& [lost, lostFrames, hasSamples, sentence] : ends) {
+        if (hasSamples)
+            media->tracked = straightTrack();
+        else
+            media->tracked = {};
+        media->tracked.lostSubject = media->tracked.lostAfterSeed = lost;
+        media->tracked.lostFrames = lostFrames;
+        model->beginSubjectSelection();
+        EXPECT_TRUE(model->tracking().selectingSubject());
+        model->startTracking({0.1, 0.1, 0.2, 0.2});
+        EXPECT_FALSE(model->tracking().selectingSubject());
+        EXPECT_EQ(model->tracking().trackingMessage(), "Following the subject…");
+        scheduler.settle();
+        EXPECT_FALSE(model->tracking().isTracking());
+        EXPECT_EQ(model->tracking().trackingMessage(), sentence);
+        EXPECT_EQ(model->tracking().trackingStoppedAt(), lost && hasSamples ? std::optional(10.0) : std::nullopt);
+    }
+    EXPECT_EQ(model->trackedRanges().size(), 1U);
+
+    model->startTracking({0.1, 0.1, 0.2, 0.2});
+    model->replaceCenterKeyframes({point(0, 0.1), point(10, 0.1)});
+    scheduler.settle();
+    EXPECT_EQ(model->tracking().trackingMessage(),
+              "Framing changed while tracking. Track again to keep your new edits.");
+    EXPECT_EQ(model->framing().liveCropTravel(5), 0.1);
+
+    media->tracked = straightTrack();
+    model->startTracking({0.1, 0.1, 0.2, 0.2});
+    model->cancelTracking();
+    EXPECT_FALSE(model->tracking().trackingMessage());
+    model->startTracking({0.1, 0.1, 0.2, 0.2}); // the late result of the first is not the second's
+    EXPECT_TRUE(scheduler.runJob(BackgroundQueue::jobs));
+    scheduler.turn();
+    EXPECT_TRUE(model->tracking().isTracking());
+    EXPECT_EQ(model->tracking().trackingMessage(), "Following the subject…");
+    scheduler.settle();
+    EXPECT_FALSE(model->tracking().isTracking());
+    media->failure = "Could not decode tracking frames.";
+    model->startTracking({0.1, 0.1, 0.2, 0.2});
+    scheduler.settle();
+    EXPECT_NE(model->tracking().trackingMessage()->find("Could not decode tracking frames."), std::string::npos);
+}
+
+} // namespace
+} // namespace flowtide::test

@@ -1,0 +1,237 @@
+// Autosave, import, relink: nothing is lost, and nothing of somebody else's overwritten.
+#include "project/project_json.h"
+#include "tests/support/session_stage.h"
+
+#include <sys/stat.h>
+
+namespace flowtide::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+class ProjectBindingTest : public SessionStage {
+protected:
+    std::string message() const { return model->binding().projectSaveMessage(); }
+    std::string storedText() const {
+        return readFile(ProjectStore(folder / "state").projectFile(model->binding().projectID()));
+    }
+    /// A document's text without its date.
+    static std::string undated(const std::string& text) {
+        FlowtideProject project = decodeProject(text);
+        project.savedAt = {};
+        return encodeProject(project);
+    }
+};
+
+TEST_F(ProjectBindingTest, AnEditIsStoredAThirdOfASecondLater) {
+    open();
+    EXPECT_EQ(storedProject().edits.smoothing, 0.5); // at once, when the project began
+    EXPECT_EQ(message(), "Saved");
+    model->setCurveSmoothing(0.1);
+    EXPECT_EQ(message(), "Saving…");
+    for (int i = 1; i < 10; ++i) {
+        scheduler.advance(0.034);
+        model->setCurveSmoothing(0.1 + 0.01 * i);
+    }
+    EXPECT_EQ(scheduler.jobCount(BackgroundQueue::projects), 0U);
+    scheduler.advance(0.35 - 9 * 0.034 + 1e-9);
+    EXPECT_EQ(scheduler.jobCount(BackgroundQueue::projects), 1U); // of ten edits
+    scheduler.advance(5);
+    EXPECT_EQ(scheduler.jobCount(BackgroundQueue::projects), 1U);
+    scheduler.settle();
+    EXPECT_EQ(message(), "Saved");
+    EXPECT_DOUBLE_EQ(storedProject().edits.smoothing, 0.19);
+    ASSERT_EQ(model->binding().recentProjects().size(), 1U);
+    EXPECT_EQ(model->binding().recentProjects()[0].name, "clip.mov");
+
+    // A drag that does not end is stored all the same.
+    for (int i = 0; i < 40; ++i) {
+        model->setCurveSmoothing(0.2 + 0.01 * i);
+        scheduler.advance(0.05);
+    }
+    EXPECT_GE(scheduler.jobCount(BackgroundQueue::projects), 4U);
+}
+
+TEST_F(ProjectBindingTest, ARestartBringsEverythingBack) {
+    open();
+    model->replaceKeyframes(slowBetween(2, 5));
+    model->setOpticalFlow(false, model->flow().opticalFlowRanges()[0].id);
+    model->selectOpticalFlowRange(model->flow().opticalFlowRanges()[0].id);
+    model->setLoopPreview(true);
+    model->applyTrimRange(1, 9);
+    model->addZoomBlock({6, 7});
+    model->updateZoomFocal(model->zoom().zoomBlocks()[0].id, 0.3, 0.4, true);
+    model->setVerticalCropEnabled(true);
+    model->setCropAspectRatio(CropAspectRatio::fourByFive);
+    model->setCenterSmoothing(0.25);
+    model->setLockCropCenter(false);
+    model->replaceCenterKeyframes({point(1, 0.2), point(8, 0.8)});
+    SubjectTrackResult track;
+    for (int frame = 90; frame < 200; ++frame)
+        track.samples.push_back({frame / 30.0, 0.4});
+    track.lostFrames = {200 / 30.0};
+    track.lostAfterSeed = track.lostSubject = true;
+    model->applySubjectTrackingResult(track);
+    model->setFrameInterpolation(FrameInterpolation::nearest);
+    model->setPreviewResolution(PreviewResolution::full);
+    model->setSmartPreviewEnabled(true);
+    model->movePlayhead(0.45);
+    model->setTimelineZoom(3);
+    model->setTimelineCenter(0.6);
+    const CurveSnapshot snapshot = model->currentSnapshot();
+    const std::string unsaved = encodeProject(model->projectSnapshot());
+    makeModel(); // what waits to be saved is saved as the session ends
+    model->restoreLastProject();
+    scheduler.settle();
+    ASSERT_TRUE(model->clip());
+    EXPECT_EQ(model->currentSnapshot(), snapshot);
+    EXPECT_EQ(undated(encodeProject(model->projectSnapshot())), undated(unsaved));
+    EXPECT_EQ(undated(storedText()), undated(unsaved));
+    EXPECT_TRUE(model->history().undoStack().empty());
+    EXPECT_EQ(preview.notes.back(), 'x'); // after the edits, for the player to show them
+
+    // Opening the clip instead finds the same project.
+    makeModel();
+    model->importClip(folder / "clip.mov");
+    scheduler.settle();
+    EXPECT_EQ(undated(storedText()), undated(unsaved));
+}
+
+TEST_F(ProjectBindingTest, WhatCannotBeStoredIsSaidAndStoredLater) {
+    open();
+    fs::permissions(folder / "state", fs::perms::owner_read | fs::perms::owner_exec);
+    const fs::path file = ProjectStore(folder / "state").projectFile(model->binding().projectID());
+    fs::remove_all(folder / "state");
+    writeFile(folder / "state", "in the way");
+    model->setCurveSmoothing(0.9);
+    rest();
+    EXPECT_EQ(message().find("Could not save: "), 0U) << message();
+    EXPECT_FALSE(model->alert().showError());
+    EXPECT_EQ(model->curve().smoothing(), 0.9);
+    fs::remove(folder / "state");
+    model->setCurveSmoothing(0.8);
+    rest();
+    EXPECT_EQ(message(), "Saved");
+    EXPECT_EQ(storedProject().edits.smoothing, 0.8);
+
+    fs::remove_all(folder / "state");
+    writeFile(folder / "state", "in the way");
+    model->setCurveSmoothing(0.7);
+    model->reset(); // nobody would see the message
+    scheduler.settle();
+    ASSERT_TRUE(model->alert().errorMessage());
+    EXPECT_EQ(model->alert().errorMessage()->sentence, "Could not save your project");
+    model->dismissError();
+    model->importClip(clipFile("other.mov"));
+    scheduler.settle();
+    EXPECT_TRUE(model->clip());
+    EXPECT_TRUE(model->alert().showError()); // a project that has never been stored
+}
+
+TEST_F(ProjectBindingTest, TwoWindowsGoSeparateWaysWithoutOverwriting) {
+    open();
+    auto other = newModel();
+    other->importClip(folder / "clip.mov");
+    scheduler.settle();
+    ASSERT_TRUE(other->clip());
+    const Uuid id = other->binding().projectID();
+    EXPECT_EQ(id, model->binding().projectID());
+    other->setCurveSmoothing(0.2);
+    rest();
+    model->setCurveSmoothing(0.9);
+    rest();
+    EXPECT_NE(model->binding().projectID(), id);
+    EXPECT_EQ(message(), "Saved as a copy: this project was changed elsewhere.");
+    EXPECT_EQ(storedProject().edits.smoothing, 0.9);
+    EXPECT_EQ(ProjectStore::load(ProjectStore(folder / "state").projectFile(id)).edits.smoothing, 0.2);
+    model->setCurveSmoothing(0.8);
+    other->setCurveSmoothing(0.3);
+    rest();
+    EXPECT_EQ(message(), "Saved");
+    EXPECT_EQ(storedProject().edits.smoothing, 0.8);
+    EXPECT_EQ(ProjectStore::load(ProjectStore(folder / "state").projectFile(id)).edits.smoothing, 0.3);
+    EXPECT_EQ(other->binding().projectSaveMessage(), "Saved");
+}
+
+TEST_F(ProjectBindingTest, AMovedClipIsAskedForAndAnotherRefused) {
+    open();
+    model->setCurveSmoothing(0.3);
+    rest();
+    const fs::path project = ProjectStore(folder / "state").projectFile(model->binding().projectID());
+    fs::rename(folder / "clip.mov", folder / "moved.mov");
+    makeModel();
+    model->openProject(project);
+    scheduler.settle();
+    EXPECT_FALSE(model->clip());
+    ASSERT_TRUE(model->clips().pendingRelinkProject());
+    EXPECT_EQ(model->clips().isOpening(), "");
+    model->relinkProject(clipFile("wrong.mov"));
+    scheduler.settle();
+    ASSERT_TRUE(model->alert().errorMessage());
+    EXPECT_EQ(model->alert().errorMessage()->sentence,
+              "This video does not match the project's original clip. Choose the original file to relink it.");
+    EXPECT_TRUE(model->clips().pendingRelinkProject());
+    model->relinkProject(folder / "moved.mov");
+    scheduler.settle();
+    ASSERT_TRUE(model->clip());
+    EXPECT_FALSE(model->clips().pendingRelinkProject());
+    EXPECT_EQ(model->curve().smoothing(), 0.3);
+    EXPECT_EQ(storedProject().source.url.filePath(), folder / "moved.mov");
+}
+
+TEST_F(ProjectBindingTest, WhatCannotBeOpenedLeavesTheOpenClip) {
+    open();
+    model->setCurveSmoothing(0.3);
+    media->failure = "broken";
+    model->importClip(clipFile("bad.mov"));
+    scheduler.settle();
+    EXPECT_TRUE(model->alert().showError());
+    EXPECT_EQ(model->clip()->url.filename(), "clip.mov");
+    EXPECT_EQ(model->curve().smoothing(), 0.3);
+    media->failure.reset();
+    writeFile(folder / "no.flowtide", "{}");
+    model->openProject(folder / "no.flowtide");
+    scheduler.settle();
+    EXPECT_EQ(model->clip()->url.filename(), "clip.mov");
+
+    // A shorter clip of the same content: its projects no longer fit, and stay where they are.
+    rest();
+    const Uuid id = model->binding().projectID();
+    media->duration = 5;
+    model->importClip(folder / "clip.mov");
+    scheduler.settle();
+    EXPECT_EQ(model->clip()->duration, 5);
+    EXPECT_NE(model->binding().projectID(), id);
+    EXPECT_TRUE(fs::exists(ProjectStore(folder / "state").projectFile(id)));
+}
+
+TEST_F(ProjectBindingTest, CopiesGoWhereTheUserSaysButNeverOverTheClip) {
+    open();
+    model->setCurveSmoothing(0.3);
+    model->saveProjectCopy(folder / "copy.flowtide");
+    scheduler.settle();
+    EXPECT_EQ(ProjectStore::load(folder / "copy.flowtide").edits.smoothing, 0.3);
+    EXPECT_FALSE(model->alert().showError());
+    const std::string clip = readFile(folder / "clip.mov");
+    model->saveProjectCopy(folder / "clip.mov");
+    scheduler.settle();
+    EXPECT_TRUE(model->alert().showError());
+    EXPECT_EQ(readFile(folder / "clip.mov"), clip);
+    model->removeFromRecent(model->binding().projectID());
+    scheduler.settle();
+    EXPECT_TRUE(model->binding().recentProjects().empty());
+
+    // An older state that is opened again does not replace the newer one.
+    rest();
+    model->setCurveSmoothing(0.6);
+    rest();
+    const Uuid id = model->binding().projectID();
+    model->openProject(folder / "copy.flowtide");
+    scheduler.settle();
+    EXPECT_EQ(model->curve().smoothing(), 0.3);
+    EXPECT_NE(model->binding().projectID(), id);
+    EXPECT_EQ(ProjectStore::load(ProjectStore(folder / "state").projectFile(id)).edits.smoothing, 0.6);
+}
+
+} // namespace
+} // namespace flowtide::test

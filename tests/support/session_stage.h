@@ -1,0 +1,136 @@
+// An editor session on a virtual clock, with media that does what a test says.
+#pragma once
+
+#include "editor/flowtide_view_model.h"
+#include "project/clip_fingerprint.h"
+#include "tests/support/temporary_folder.h"
+#include "tests/support/virtual_scheduler.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace flowtide::test {
+
+/// Notes what edits ask of the preview, a letter each.
+class NotingPreview final : public PreviewControl {
+public:
+    void pausePlayback() override { notes += 'p'; }
+    void beginPreviewOperation() override { notes += 'o'; }
+    void cancelAutomaticRender() override { notes += 'c'; }
+    void invalidateEditedPreviews() override { notes += 'i'; }
+    void scheduleSmartPreview() override { notes += 's'; }
+    void schedulePreviewRefreshAfterEdit() override { notes += 'r'; }
+    void showPlayhead() override { notes += 'h'; }
+    void resetPreview() override { notes += 'x'; }
+
+    std::string notes;
+};
+
+/// Plays a script. Clips are 10 s of 1920 × 1080 at 30 fps.
+class ScriptedSessionMedia final : public SessionMedia {
+public:
+    ImportedClip loadClip(const std::filesystem::path& path) override {
+        if (failure) throw FlowtideError::readerFailed(*failure);
+        ImportedClip clip;
+        clip.url = path;
+        clip.duration = duration;
+        clip.frameRate = 30;
+        clip.frameDuration = {1, 30};
+        clip.width = 1920;
+        clip.height = 1080;
+        clip.video.encodedWidth = 1920;
+        clip.video.encodedHeight = 1080;
+        return clip;
+    }
+    std::string fingerprint(const std::filesystem::path& path) override { return clipFingerprint(path); }
+    ExportValidationReport exportClip(const ExportRequest& request, const std::function<void(double)>& onProgress,
+                                      const CancelCheck& isCancelled) override {
+        exported = request;
+        if (whileExporting)
+            whileExporting(onProgress);
+        else
+            onProgress(0.25);
+        throwIfCancelled(isCancelled);
+        if (failure) throw FlowtideError::writerFailed(*failure);
+        return {"summary", "details"};
+    }
+    std::filesystem::path makeProxy(const ImportedClip&, const std::function<void(double)>& onProgress,
+                                    const CancelCheck& isCancelled) override {
+        onProgress(0.5);
+        throwIfCancelled(isCancelled);
+        if (failure) throw FlowtideError::proxyFailed(*failure);
+        return "proxy.mov";
+    }
+    SubjectTrackResult track(const ImportedClip&, SourceSeconds, const SubjectBox&, SourceRange,
+                             const std::function<void(TrackingProgress)>& onProgress,
+                             const CancelCheck& isCancelled) override {
+        onProgress({0.4, 2, {0.1, 0.2, 0.3, 0.4}, true});
+        throwIfCancelled(isCancelled);
+        if (failure) throw FlowtideError::readerFailed(*failure);
+        return tracked;
+    }
+
+    double duration = 10;
+    std::optional<std::string> failure; ///< of every operation
+    SubjectTrackResult tracked;
+    std::optional<ExportRequest> exported;
+    std::function<void(const std::function<void(double)>&)> whileExporting;
+};
+
+class SessionStage : public testing::Test {
+protected:
+    SessionStage() { makeModel(); }
+
+    /// Another session on the same store, as after a restart; the one before ends.
+    void makeModel() {
+        model.reset();
+        scheduler.settle();
+        model = newModel();
+    }
+    std::unique_ptr<FlowtideViewModel> newModel() {
+        return std::make_unique<FlowtideViewModel>(SessionEnvironment{scheduler, preview, media,
+                                                                      std::make_shared<ProjectStore>(folder / "state"),
+                                                                      [this] { return smoothMotion; }});
+    }
+    /// A file that can be opened as a clip.
+    std::filesystem::path clipFile(const std::string& name) {
+        writeFile(folder.path() / name, name);
+        return folder.path() / name;
+    }
+    /// Opens a clip and lets it settle.
+    void open(const std::string& name = "clip.mov") {
+        model->importClip(clipFile(name));
+        scheduler.settle();
+        ASSERT_TRUE(model->clip());
+        preview.notes.clear();
+    }
+    /// Time enough for every save.
+    void rest() {
+        scheduler.advance(1);
+        scheduler.settle();
+    }
+    FlowtideProject storedProject() const {
+        return ProjectStore::load(ProjectStore(folder / "state").projectFile(model->binding().projectID()));
+    }
+    static SpeedKeyframe point(double time, double speed) {
+        return {Uuid::random(), time, speed, SpeedKeyframeRole::curve};
+    }
+    /// A curve that is slow (a tenth) from `start` to `end`.
+    static SpeedKeyframes slowBetween(double start, double end) {
+        return {point(0, 1),     point(start - 0.1, 1), point(start, 0.1),
+                point(end, 0.1), point(end + 0.1, 1),   point(10, 1)};
+    }
+
+    TemporaryFolder folder;
+    VirtualScheduler scheduler;
+    NotingPreview preview;
+    std::shared_ptr<ScriptedSessionMedia> media = std::make_shared<ScriptedSessionMedia>();
+    double smoothMotion = 30;
+    std::unique_ptr<FlowtideViewModel> model;
+};
+
+} // namespace flowtide::test
