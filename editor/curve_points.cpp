@@ -46,7 +46,10 @@ std::optional<SpeedKeyframes> boundedPoints(SpeedKeyframes points, SourceRange t
     if (!boundaryValues) boundaryValues = KeyframeRules::BoundaryValues{valueAt(trim.lower), valueAt(trim.upper)};
     SpeedKeyframes bounded =
         KeyframeRules::applyingTrimBoundaries(points, domain.duration, trim, domain.restValue, boundaryValues);
-    if (bounded.empty()) bounded = KeyframeRules::curveForSourceRange({}, domain.duration, trim, domain.restValue);
+    if (bounded.empty()) { // whatever the points at a former trim said goes on
+        bounded = KeyframeRules::curveForSourceRange({}, domain.duration, trim, boundaryValues->start);
+        bounded.back().speed = boundaryValues->end;
+    }
     sortByTime(bounded);
     if (bounded.size() > mostKeyframes) return std::nullopt;
     return bounded;

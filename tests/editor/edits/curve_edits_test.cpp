@@ -96,6 +96,21 @@ TEST_F(CurveEditsTest, TrimKeepsSpeedAndFramingAtItsEnds) {
     EXPECT_DOUBLE_EQ(model->playheadSeconds(), 3);
     model->resetTrimRange();
     EXPECT_EQ(model->curve().trimRange(), (SourceRange{0, 10}));
+
+    // Nothing but the points at the trim is left: without the trim their speeds are those of the ends.
+    model->applyTrimRange(3, 7);
+    model->replaceKeyframes({});
+    EXPECT_TRUE(model->curve().isIdentity());
+    SpeedKeyframes ends = model->curve().keyframes();
+    ASSERT_EQ(ends.size(), 2U);
+    ends[0].speed = 3;
+    ends[1].speed = 0.5;
+    model->replaceKeyframes(ends);
+    model->resetTrimRange();
+    ASSERT_EQ(model->curve().keyframes().size(), 2U);
+    EXPECT_EQ(model->curve().keyframes()[0].speed, 3);
+    EXPECT_EQ(model->curve().keyframes()[1].speed, 0.5);
+    EXPECT_EQ(model->curve().keyframes()[1].time, 10);
 }
 
 TEST_F(CurveEditsTest, JumpsGoFromPointToPointWithinTheTrim) {
