@@ -12,6 +12,7 @@ namespace flowtide::test {
 namespace {
 
 /// Times with these intervals, each given with how often it comes, in turn until all are used up.
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the counts are counted down
 SampleTimes spread(std::vector<std::pair<std::int64_t, int>> intervals) {
     SampleTimes times{1000};
     for (bool more = true; more;) {
