@@ -43,6 +43,16 @@ std::vector<double> glideTable(const SpeedKeyframes& keyframes, double glide, co
     return CropGlide::smoothTrajectory(raw, frameDuration, anchors, glide);
 }
 
+double glidedCenter(const std::vector<double>& centers, SourceSeconds time, const TimeMap& timeMap,
+                    double frameDuration) {
+    const auto last = static_cast<double>(centers.size() - 1);
+    const double position = std::clamp(timeMap.outputTime(time).value / frameDuration, 0.0, last);
+    const auto k = static_cast<std::size_t>(position);
+    const std::size_t next = std::min(k + 1, centers.size() - 1);
+    const double fraction = position - static_cast<double>(k);
+    return (1 - fraction) * centers[k] + fraction * centers[next];
+}
+
 std::int64_t CropPlan::SourceFrameCrops::offsetAt(SourceSeconds time, double frameDuration) const {
     const double position = time.value / frameDuration;
     const double whole = std::floor(position);
@@ -75,18 +85,13 @@ std::optional<CropPlan> CropPlan::forSource(OutputSize source, const VerticalCro
 
 CropPlan::SourceFrameCrops CropPlan::cropXBySourceFrame(const TimeMap& timeMap, double frameDuration) const {
     const std::vector<double> centers = glideTable(keyframes, glide, timeMap, frameDuration);
-    const auto last = static_cast<double>(centers.size() - 1);
     const SourceRange range = timeMap.sourceRange();
     SourceFrameCrops crops;
     crops.firstFrameNumber = static_cast<std::int64_t>(std::floor(range.lower / frameDuration));
     const auto lastFrameNumber = static_cast<std::int64_t>(std::ceil(range.upper / frameDuration));
     for (std::int64_t frame = crops.firstFrameNumber; frame <= lastFrameNumber; ++frame) {
         const SourceSeconds time{static_cast<double>(frame) * frameDuration};
-        const double position = std::clamp(timeMap.outputTime(time).value / frameDuration, 0.0, last);
-        const auto k = static_cast<std::size_t>(position);
-        const std::size_t next = std::min(k + 1, centers.size() - 1);
-        const double fraction = position - static_cast<double>(k);
-        const double center = (1 - fraction) * centers[k] + fraction * centers[next];
+        const double center = glidedCenter(centers, time, timeMap, frameDuration);
         crops.cropX.push_back(
             std::clamp<std::int64_t>(evenRounded(center * static_cast<double>(maxOffsetX)), 0, maxOffsetX / 2 * 2));
     }

@@ -21,6 +21,11 @@ double cropCenter(const SpeedKeyframes& keyframes, SourceSeconds time);
 std::vector<double> glideTable(const SpeedKeyframes& keyframes, double glide, const TimeMap& timeMap,
                                double frameDuration);
 
+/// What a glide table says at a source time, interpolated between its entries and held past its ends. `centers`: not
+/// empty.
+double glidedCenter(const std::vector<double>& centers, SourceSeconds time, const TimeMap& timeMap,
+                    double frameDuration);
+
 /// The crop of one export; fixed once built. All sizes and offsets are even.
 struct CropPlan {
     /// The left edge of the crop, in pixels, for each source frame from `firstFrameNumber` on.

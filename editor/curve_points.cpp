@@ -2,6 +2,7 @@
 #include "editor/curve_points.h"
 
 #include "core/clamp.h"
+#include "core/distinct_ids.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,15 +12,6 @@
 namespace flowtide {
 
 namespace {
-
-bool haveDistinctIDs(const SpeedKeyframes& points) {
-    std::vector<Uuid> ids;
-    ids.reserve(points.size());
-    for (const SpeedKeyframe& point : points)
-        ids.push_back(point.id);
-    std::sort(ids.begin(), ids.end());
-    return std::adjacent_find(ids.begin(), ids.end()) == ids.end();
-}
 
 void keepUsable(SpeedKeyframes& points, const CurveDomain& domain) {
     std::erase_if(points,

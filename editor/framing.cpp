@@ -1,9 +1,6 @@
 // The framing's state and its glide table.
 #include "editor/framing.h"
 
-#include "core/clamp.h"
-
-#include <cmath>
 #include <utility>
 
 namespace flowtide {
@@ -42,11 +39,7 @@ double Framing::glidedCropTravel(double time) const {
         glideTableKey_ = std::move(key);
     }
     if (glideTableSamples_.size() < 2) return liveCropTravel(time);
-    const auto last = static_cast<double>(glideTableSamples_.size() - 1);
-    const double place = clamped(curve_.timeMap().outputTime({time}).value / glideTableStep_, 0, last);
-    const auto before = static_cast<std::size_t>(place);
-    const std::size_t after = std::min(before + 1, glideTableSamples_.size() - 1);
-    return std::lerp(glideTableSamples_[before], glideTableSamples_[after], place - static_cast<double>(before));
+    return glidedCenter(glideTableSamples_, {time}, curve_.timeMap(), glideTableStep_);
 }
 
 void Framing::setCenterKeyframes(SpeedKeyframes keyframes) {

@@ -4,6 +4,7 @@
 #include "core/clamp.h"
 #include "core/render_choices.h"
 #include "editor/change_notifier.h"
+#include "project/flowtide_project.h"
 
 namespace flowtide {
 
@@ -20,7 +21,7 @@ struct PicturePoint {
 /// Main thread only. Values outside their range are limited to it.
 class TimelineView {
 public:
-    static constexpr double largestZoom = 20;
+    static constexpr double largestInspectionScale = 20;
 
     explicit TimelineView(ChangeNotifier& notifier)
         : editorMode_(notifier, Property::editorMode)
@@ -45,11 +46,11 @@ public:
 
     // Whether it was a change:
     bool setEditorMode(CurveEditorMode mode) { return editorMode_.set(mode); }
-    bool setTimelineZoom(double zoom) { return timelineZoom_.set(clamped(zoom, 1, largestZoom)); }
+    bool setTimelineZoom(double zoom) { return timelineZoom_.set(clamped(zoom, 1, largestTimelineZoom)); }
     bool setTimelineCenter(double center) { return timelineCenter_.set(clamped(center, 0, 1)); }
     bool setScrubPosition(double position) { return scrubPosition_.set(clamped(position, 0, 1)); }
     bool setInspection(double scale, PicturePoint center) {
-        const bool isScaled = inspectionScale_.set(clamped(scale, 1, largestZoom));
+        const bool isScaled = inspectionScale_.set(clamped(scale, 1, largestInspectionScale));
         return inspectionCenter_.set({clamped(center.x, 0, 1), clamped(center.y, 0, 1)}) || isScaled;
     }
     bool setLoopPreview(bool loops) { return loopPreview_.set(loops); }

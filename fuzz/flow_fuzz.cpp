@@ -225,7 +225,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         // Neither what was rendered before nor what lies between the rows matters, nor the machine.
         if (comparing) {
             OpticalFlowInterpolator fresh(scene.width, scene.height, scene.layout,
-                                          {.threads = 1, .instructions = flow::InstructionSet::baseline});
+                                          {.threads = 1, .instructions = InstructionSet::baseline});
             require(sameSamples(frame, fresh.render(pairOf(tightFrames, first, before, after), time)));
         }
     }

@@ -33,6 +33,8 @@ struct ClipReference {
     friend bool operator==(const ClipReference&, const ClipReference&) = default;
 };
 
+constexpr double largestTimelineZoom = 20; ///< magnification
+
 /// Every edit and view setting. Times are source seconds. The limits are those of validate() (project_validation.h).
 struct ProjectEdits {
     SpeedKeyframes keyframes;       ///< the speed curve
@@ -51,7 +53,7 @@ struct ProjectEdits {
     std::optional<double> previewStart; ///< both ends of the preview range, or neither
     std::optional<double> previewEnd;
     double playhead = 0;         ///< fraction of the timeline, 0...1
-    double timelineZoom = 1;     ///< magnification, 1...20
+    double timelineZoom = 1;     ///< magnification, 1...largestTimelineZoom
     double timelineCenter = 0.5; ///< fraction of the timeline, 0...1
     bool loopPreview = false;
     std::optional<std::vector<OpticalFlowRange>> opticalFlowRanges;

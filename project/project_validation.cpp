@@ -2,6 +2,7 @@
 #include "project/project_validation.h"
 
 #include "core/crop_framing.h"
+#include "core/distinct_ids.h"
 #include "core/time.h"
 #include "project/files/project_error.h"
 
@@ -11,8 +12,6 @@
 
 namespace flowtide {
 namespace {
-
-constexpr double mostTimelineZoom = 20;
 
 void require(bool holds, const char* sentence) {
     if (!holds) throw ProjectError::invalid(sentence);
@@ -29,16 +28,6 @@ bool isFraction(double value) {
 
 bool isPositiveDuration(double duration) {
     return std::isfinite(duration) && duration > 0;
-}
-
-template <typename Record>
-bool haveDistinctIDs(const std::vector<Record>& records) {
-    std::vector<Uuid> ids;
-    ids.reserve(records.size());
-    for (const Record& record : records)
-        ids.push_back(record.id);
-    std::sort(ids.begin(), ids.end());
-    return std::adjacent_find(ids.begin(), ids.end()) == ids.end();
 }
 
 bool isCurve(const SpeedKeyframes& keyframes, double duration, double lowest, double highest) {
@@ -74,7 +63,7 @@ bool areEditValues(const ProjectEdits& edits, double duration) {
            edits.trimStart < edits.trimEnd && isFraction(edits.smoothing) && isFraction(edits.centerSmoothing) &&
            isCurve(edits.keyframes, duration, lowestSpeed, highestSpeed) &&
            isCurve(edits.centerKeyframes, duration, leftmostCrop, rightmostCrop) && isFraction(edits.playhead) &&
-           within(edits.timelineZoom, 1, mostTimelineZoom) && isFraction(edits.timelineCenter) &&
+           within(edits.timelineZoom, 1, largestTimelineZoom) && isFraction(edits.timelineCenter) &&
            isPreviewRange(edits.previewStart, edits.previewEnd, duration) && areZoomBlocks(edits.zoomBlocks, duration);
 }
 

@@ -1,9 +1,6 @@
 // From the session's edits to a verified file.
 #include "editor/jobs/export_job.h"
 
-#include "media/failure_sentence.h"
-#include "media/flowtide_error.h"
-
 #include <utility>
 
 namespace flowtide {
@@ -67,10 +64,8 @@ void ExportJob::finish(Outcome<ExportValidationReport>& outcome, const OpenClip&
     try {
         const auto report = std::make_shared<const ExportValidationReport>(outcome.get());
         if (clip == session_.clip()) report_.set(report);
-    } catch (const FlowtideError& error) {
-        if (error.kind() != FlowtideError::Case::exportCancelled) alert_.show("Export failed", sentenceFor(error));
     } catch (const std::exception& error) {
-        alert_.show("Export failed", sentenceFor(error));
+        if (const auto failure = failureToShow(error)) alert_.show("Export failed", *failure);
     }
 }
 

@@ -1,9 +1,6 @@
 // From the clip to its proxy.
 #include "editor/jobs/proxy_job.h"
 
-#include "media/failure_sentence.h"
-#include "media/flowtide_error.h"
-
 #include <utility>
 
 namespace flowtide {
@@ -40,11 +37,8 @@ void ProxyJob::finish(Outcome<std::filesystem::path>& outcome, const OpenClip& c
     try {
         proxy_ = outcome.get();
         proxyMessage_.set("720p proxy ready");
-    } catch (const FlowtideError& error) {
-        const bool isCancelled = error.kind() == FlowtideError::Case::exportCancelled;
-        proxyMessage_.set(isCancelled ? std::nullopt : std::optional(sentenceFor(error)));
     } catch (const std::exception& error) {
-        proxyMessage_.set(sentenceFor(error));
+        proxyMessage_.set(failureToShow(error));
     }
 }
 

@@ -6,6 +6,8 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
 #include <type_traits>
 #include <utility>
 #include <variant>
@@ -36,6 +38,9 @@ public:
 private:
     std::variant<std::monostate, Result, std::exception_ptr> value_;
 };
+
+/// The sentence for a job that threw; nothing when it was cancelled, which is no failure.
+std::optional<std::string> failureToShow(const std::exception& error);
 
 /// What jobs that have nothing to say come to.
 struct Nothing {};

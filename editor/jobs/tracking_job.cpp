@@ -1,9 +1,6 @@
 // The course of a tracking.
 #include "editor/jobs/tracking_job.h"
 
-#include "media/failure_sentence.h"
-#include "media/flowtide_error.h"
-
 #include <fmt/format.h>
 
 #include <utility>
@@ -86,11 +83,8 @@ void TrackingJob::finish(Outcome<SubjectTrackResult>& outcome, const Basis& befo
         if (result.lostSubject && !result.samples.empty())
             trackingStoppedAt_.set(result.lostAfterSeed ? result.samples.back().time : result.samples.front().time);
         trackingMessage_.set(closingSentence(result));
-    } catch (const FlowtideError& error) {
-        const bool isCancelled = error.kind() == FlowtideError::Case::exportCancelled;
-        trackingMessage_.set(isCancelled ? std::nullopt : std::optional(sentenceFor(error)));
     } catch (const std::exception& error) {
-        trackingMessage_.set(sentenceFor(error));
+        trackingMessage_.set(failureToShow(error));
     }
     session_.preview().scheduleSmartPreview();
 }

@@ -15,7 +15,7 @@ namespace flowtide {
 /// How an interpolator works; none of it changes a pixel.
 struct OpticalFlowOptions {
     int threads = 0; ///< the caller's included; 0: one for each core
-    flow::InstructionSet instructions = flow::bestInstructionSet();
+    InstructionSet instructions = bestInstructionSet();
 };
 
 /// Renders frames between two frames of one layout and size. Frames of the same pair share the motion that was

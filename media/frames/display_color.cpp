@@ -249,8 +249,8 @@ DisplayColor::Tables DisplayColor::tablesFor(const PictureColor& color) {
     return tables;
 }
 
-DisplayColor::DisplayColor(const PictureColor& color, PixelLayout layout, display::RowKernels kernels)
-    : kernels_(kernels) {
+DisplayColor::DisplayColor(const PictureColor& color, PixelLayout layout, InstructionSet instructions)
+    : kernels_(display::rowKernels(instructions)) {
     const bool direct = transferOf(color.tags) == Transfer::sdr && primariesOf(color.tags) == bt709;
     if (!direct) tables_ = tablesFor(color);
     matrix_ = matrixFor(color.tags, layout, direct ? largestCode : display::decodeUnits);
@@ -266,10 +266,11 @@ void DisplayColor::convertRow(const std::uint16_t* y, const std::uint16_t* cb, c
 
 namespace display {
 
-RowKernels rowKernels() {
+RowKernels rowKernels(InstructionSet set) {
 #if defined(FLOWTIDE_HAS_AVX2_KERNELS)
-    if (__builtin_cpu_supports("avx2")) return avx2::kernels();
+    if (set == InstructionSet::avx2) return avx2::kernels();
 #endif
+    static_cast<void>(set);
     return baseline::kernels();
 }
 

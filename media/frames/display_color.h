@@ -27,7 +27,7 @@ PictureColor pictureColor(const ImportedClip& clip);
 class DisplayColor {
 public:
     /// For samples of `layout`'s depth and range, multiplied up to 16 bits.
-    DisplayColor(const PictureColor& color, PixelLayout layout, display::RowKernels kernels = display::rowKernels());
+    DisplayColor(const PictureColor& color, PixelLayout layout, InstructionSet instructions = bestInstructionSet());
 
     /// `count` pixels 0xffRRGGBB.
     void convertRow(const std::uint16_t* y, const std::uint16_t* cb, const std::uint16_t* cr, std::size_t count,

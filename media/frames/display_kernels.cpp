@@ -6,12 +6,9 @@
 
 #if defined(__AVX2__)
 #include <immintrin.h>
-#define FLOWTIDE_DISPLAY_SET avx2
-#else
-#define FLOWTIDE_DISPLAY_SET baseline
 #endif
 
-namespace flowtide::display::FLOWTIDE_DISPLAY_SET {
+namespace flowtide::display::FLOWTIDE_KERNEL_SET {
 
 namespace {
 
@@ -214,4 +211,4 @@ RowKernels kernels() {
     return {direct, linear};
 }
 
-} // namespace flowtide::display::FLOWTIDE_DISPLAY_SET
+} // namespace flowtide::display::FLOWTIDE_KERNEL_SET

@@ -2,6 +2,8 @@
 // once for any machine and once for AVX2; plain float arithmetic without fused operations, so both give the same bytes.
 #pragma once
 
+#include "media/instruction_set.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -66,7 +68,7 @@ namespace avx2 {
 RowKernels kernels();
 } // namespace avx2
 
-/// The fastest that the machine can run.
-RowKernels rowKernels();
+/// Those of a set that the machine can run.
+RowKernels rowKernels(InstructionSet set);
 
 } // namespace flowtide::display

@@ -30,8 +30,6 @@ constexpr double longestStretchSeconds = 1;
 constexpr double intraStretchFrames = 6;
 // Just before a frame that was asked for nothing is left out: a step back finds its frame decoded.
 constexpr double keptBeforeSeconds = 0.3;
-// A picture at least every 50 ms: one is due after this, with room for decoding one frame.
-constexpr double progressIntervalSeconds = 0.03;
 // When decoding comes late it aims this far ahead, and twice as far each time that this proves too little.
 constexpr double firstLeadSeconds = 0.02;
 constexpr double longestLeadSeconds = 1;

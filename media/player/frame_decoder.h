@@ -20,6 +20,10 @@
 
 namespace flowtide {
 
+/// A frame that is missing for this long is replaced by another, and that by a new one every so often: late enough to
+/// spare the eye one that is gone at once, early enough, with room for decoding a frame, for a picture every 50 ms.
+constexpr double progressIntervalSeconds = 0.03;
+
 /// What to decode for.
 struct DecodeGoal {
     std::shared_ptr<const PlaybackRoute> route;

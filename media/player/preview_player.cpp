@@ -21,9 +21,6 @@ constexpr double proxySpeed = 2;
 // Play begins with this much of it decoded, but waits no longer than that for it.
 constexpr double readySeconds = 0.05;
 constexpr double longestBeginSeconds = 0.3;
-// Another frame is shown in place of one that is missing for this long, and then a new one every so often: often enough
-// for a picture every 50 ms, late enough to spare the eye one that is gone at once.
-constexpr double progressIntervalSeconds = 0.03;
 // When frames of the exact medium have been missing for this long at usual speeds, its proxy is played.
 constexpr double tooSlowSeconds = 0.3;
 // A device that plays nothing for this long is taken for dead.

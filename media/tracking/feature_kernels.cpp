@@ -4,13 +4,7 @@
 
 #include <cstring>
 
-#if defined(__AVX2__)
-#define FLOWTIDE_TRACKING_SET avx2
-#else
-#define FLOWTIDE_TRACKING_SET baseline
-#endif
-
-namespace flowtide::tracking::FLOWTIDE_TRACKING_SET {
+namespace flowtide::tracking::FLOWTIDE_KERNEL_SET {
 
 namespace {
 
@@ -206,4 +200,4 @@ void addFeatureKernels(Kernels& kernels) {
     kernels.features = features;
 }
 
-} // namespace flowtide::tracking::FLOWTIDE_TRACKING_SET
+} // namespace flowtide::tracking::FLOWTIDE_KERNEL_SET

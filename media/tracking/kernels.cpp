@@ -1,4 +1,4 @@
-// The tables of kernels, and the choice for the machine.
+// The tables of kernels, and the choice among them.
 #include "media/tracking/kernels.h"
 
 #include <cmath>
@@ -17,13 +17,6 @@ const Twiddles& twiddles() {
         return result;
     }();
     return table;
-}
-
-InstructionSet bestInstructionSet() {
-#if defined(FLOWTIDE_HAS_AVX2_KERNELS)
-    if (__builtin_cpu_supports("avx2")) return InstructionSet::avx2;
-#endif
-    return InstructionSet::baseline;
 }
 
 const Kernels& kernelsFor(InstructionSet set) {

@@ -2,6 +2,7 @@
 // without fused operations: every set of instructions gives the same bytes.
 #pragma once
 
+#include "media/instruction_set.h"
 #include "media/tracking/subject_picture.h"
 
 #include <cstddef>
@@ -41,8 +42,6 @@ struct Twiddles {
 };
 const Twiddles& twiddles();
 
-enum class InstructionSet { baseline, avx2 };
-
 struct Kernels {
     /// Bilinear samples, the plane's edge repeated outwards.
     void (*sample)(const BytePlane& plane, const SampleGrid& grid, float* samples);
@@ -62,8 +61,6 @@ struct Kernels {
                    float* secondOut);
 };
 
-/// The best that the machine can run.
-InstructionSet bestInstructionSet();
 /// Those of a set that the machine can run.
 const Kernels& kernelsFor(InstructionSet set);
 

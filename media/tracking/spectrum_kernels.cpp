@@ -3,13 +3,7 @@
 
 #include <cstring>
 
-#if defined(__AVX2__)
-#define FLOWTIDE_TRACKING_SET avx2
-#else
-#define FLOWTIDE_TRACKING_SET baseline
-#endif
-
-namespace flowtide::tracking::FLOWTIDE_TRACKING_SET {
+namespace flowtide::tracking::FLOWTIDE_KERNEL_SET {
 
 namespace {
 
@@ -175,4 +169,4 @@ void addSpectrumKernels(Kernels& kernels) {
     kernels.invert = invert;
 }
 
-} // namespace flowtide::tracking::FLOWTIDE_TRACKING_SET
+} // namespace flowtide::tracking::FLOWTIDE_KERNEL_SET

@@ -29,8 +29,7 @@ struct SubjectTrackingCallbacks {
 class SubjectTrackingEngine {
 public:
     /// `instructions` change no result.
-    explicit SubjectTrackingEngine(const MediaBackend& backend,
-                                   tracking::InstructionSet instructions = tracking::bestInstructionSet())
+    explicit SubjectTrackingEngine(const MediaBackend& backend, InstructionSet instructions = bestInstructionSet())
         : backend_(backend)
         , instructions_(instructions) {}
 
@@ -42,7 +41,7 @@ public:
 
 private:
     const MediaBackend& backend_;
-    tracking::InstructionSet instructions_;
+    InstructionSet instructions_;
 };
 
 } // namespace flowtide

@@ -1,6 +1,7 @@
 // The dispatch of headless runs and what they print, on scripted media.
 #include "cli/entry.h"
 #include "cli/headless_export.h"
+#include "tests/support/failing_buffer.h"
 #include "tests/support/scripted_media.h"
 #include "tests/support/temporary_folder.h"
 
@@ -15,25 +16,6 @@
 
 namespace flowtide::test {
 namespace {
-
-/// Takes what it is given until a text occurs in it; then it fails, with a cause.
-class FailingBuffer : public std::stringbuf {
-public:
-    FailingBuffer(std::string last, int cause)
-        : last_(std::move(last))
-        , cause_(cause) {}
-
-protected:
-    int sync() override {
-        if (str().find(last_) == std::string::npos) return 0;
-        errno = cause_;
-        return -1;
-    }
-
-private:
-    std::string last_;
-    int cause_;
-};
 
 class HeadlessExportTest : public testing::Test {
 protected:

@@ -1,6 +1,7 @@
 // What a proxy run prints and what it leaves, on scripted media.
 #include "cli/entry.h"
 #include "tests/support/environment.h"
+#include "tests/support/failing_buffer.h"
 #include "tests/support/scripted_media.h"
 #include "tests/support/temporary_folder.h"
 
@@ -21,23 +22,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-/// Fails the line that holds a text.
-class FailingBuffer : public std::stringbuf {
-public:
-    explicit FailingBuffer(std::string text)
-        : text_(std::move(text)) {}
-
-protected:
-    int sync() override {
-        if (str().find(text_) == std::string::npos) return 0;
-        errno = ENOSPC;
-        return -1;
-    }
-
-private:
-    std::string text_;
-};
 
 class HeadlessProxyTest : public testing::Test {
 protected:
@@ -123,7 +107,7 @@ TEST_F(HeadlessProxyTest, ASignalCancels) {
 
 TEST_F(HeadlessProxyTest, AProxyThatNobodyIsToldOfIsRemoved) {
     for (const char* line : {"[Headless] Proxy: ", "[Headless] Proxy:  "}) {
-        FailingBuffer buffer(line);
+        FailingBuffer buffer(line, ENOSPC);
         std::ostream full(&buffer);
         EXPECT_EQ(run({"--headless-proxy", in()}, full), 1);
         EXPECT_THAT(temporary_.names(), IsEmpty());

@@ -2,7 +2,7 @@
 #include "media/flow/kernels/kernel_sets.h"
 #include "media/flow/kernels/patch_place.h"
 
-namespace flowtide::flow::FLOWTIDE_LANES {
+namespace flowtide::flow::FLOWTIDE_KERNEL_SET {
 
 namespace {
 
@@ -97,4 +97,4 @@ void addDensifyKernels(Kernels& kernels) {
     kernels.densify = densify;
 }
 
-} // namespace flowtide::flow::FLOWTIDE_LANES
+} // namespace flowtide::flow::FLOWTIDE_KERNEL_SET

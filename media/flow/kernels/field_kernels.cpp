@@ -3,7 +3,7 @@
 #include "media/flow/kernels/sampling.h"
 #include "media/flow/kernels/tile_error.h"
 
-namespace flowtide::flow::FLOWTIDE_LANES {
+namespace flowtide::flow::FLOWTIDE_KERNEL_SET {
 
 namespace {
 
@@ -269,4 +269,4 @@ void addFieldKernels(Kernels& kernels) {
     kernels.restoreMatched = restoreMatched;
 }
 
-} // namespace flowtide::flow::FLOWTIDE_LANES
+} // namespace flowtide::flow::FLOWTIDE_KERNEL_SET

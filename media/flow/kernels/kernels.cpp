@@ -1,4 +1,4 @@
-// The tables of kernels, one for each set of instructions that was compiled, and the choice for the machine.
+// The tables of kernels, one for each set of instructions that was compiled, and the choice among them.
 #include "media/flow/kernels/kernels.h"
 
 #include "media/flow/kernels/kernel_sets.h"
@@ -30,13 +30,6 @@ Kernels avx2Kernels() {
 #endif
 
 } // namespace
-
-InstructionSet bestInstructionSet() {
-#if defined(FLOWTIDE_HAS_AVX2_KERNELS)
-    if (__builtin_cpu_supports("avx2")) return InstructionSet::avx2;
-#endif
-    return InstructionSet::baseline;
-}
 
 const Kernels& kernelsFor(InstructionSet set) {
     static const Kernels plain = baselineKernels();

@@ -2,6 +2,8 @@
 // instructions gives the same bytes.
 #pragma once
 
+#include "media/instruction_set.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -199,10 +201,7 @@ struct Kernels {
     void (*warp)(const PlaneWarp& warp, float* scratch, int begin, int end);
 };
 
-/// Instructions that a machine may have beyond what every one of its kind has.
-enum class InstructionSet { baseline, avx2 };
-/// The best that this machine has.
-InstructionSet bestInstructionSet();
+/// Those of a set that the machine can run.
 const Kernels& kernelsFor(InstructionSet set);
 
 } // namespace flowtide::flow

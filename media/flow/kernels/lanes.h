@@ -8,15 +8,11 @@
 
 #if defined(__AVX2__)
 #include <immintrin.h>
-#define FLOWTIDE_LANES avx2
-#else
-#define FLOWTIDE_LANES baseline
-#if defined(__SSE2__)
+#elif defined(__SSE2__)
 #include <emmintrin.h>
 #endif
-#endif
 
-namespace flowtide::flow::FLOWTIDE_LANES {
+namespace flowtide::flow::FLOWTIDE_KERNEL_SET {
 
 using Byte8 = std::uint8_t __attribute__((vector_size(8)));
 using Byte16 = std::uint8_t __attribute__((vector_size(16)));
@@ -175,4 +171,4 @@ inline Int4 sums(Int8 a, Int8 b, Int8 c, Int8 d) {
     return __builtin_shufflevector(ab, cd, 0, 1, 4, 5) + __builtin_shufflevector(ab, cd, 2, 3, 6, 7);
 }
 
-} // namespace flowtide::flow::FLOWTIDE_LANES
+} // namespace flowtide::flow::FLOWTIDE_KERNEL_SET

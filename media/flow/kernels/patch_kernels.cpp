@@ -3,7 +3,7 @@
 #include "media/flow/kernels/patch_place.h"
 #include "media/flow/kernels/sampling.h"
 
-namespace flowtide::flow::FLOWTIDE_LANES {
+namespace flowtide::flow::FLOWTIDE_KERNEL_SET {
 
 namespace {
 
@@ -395,4 +395,4 @@ void addPatchKernels(Kernels& kernels) {
     kernels.sweepPatches = sweepPatches;
 }
 
-} // namespace flowtide::flow::FLOWTIDE_LANES
+} // namespace flowtide::flow::FLOWTIDE_KERNEL_SET

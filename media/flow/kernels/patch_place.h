@@ -4,7 +4,7 @@
 #include "media/flow/kernels/kernels.h"
 #include "media/flow/kernels/lanes.h"
 
-namespace flowtide::flow::FLOWTIDE_LANES {
+namespace flowtide::flow::FLOWTIDE_KERNEL_SET {
 
 struct Motion {
     float x;
@@ -39,4 +39,4 @@ inline SubPixelPlace placeIn(const ImageView& image, int left, int top, Motion m
             static_cast<std::int16_t>(x & 63), static_cast<std::int16_t>(y & 63)};
 }
 
-} // namespace flowtide::flow::FLOWTIDE_LANES
+} // namespace flowtide::flow::FLOWTIDE_KERNEL_SET

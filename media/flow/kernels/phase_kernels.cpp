@@ -3,7 +3,7 @@
 #include "media/flow/kernels/sampling.h"
 #include "media/flow/kernels/tile_error.h"
 
-namespace flowtide::flow::FLOWTIDE_LANES {
+namespace flowtide::flow::FLOWTIDE_KERNEL_SET {
 
 namespace {
 
@@ -298,4 +298,4 @@ void addPhaseKernels(Kernels& kernels) {
     kernels.blendWeights = blendWeights;
 }
 
-} // namespace flowtide::flow::FLOWTIDE_LANES
+} // namespace flowtide::flow::FLOWTIDE_KERNEL_SET

@@ -4,7 +4,7 @@
 #include "media/flow/kernels/kernels.h"
 #include "media/flow/kernels/lanes.h"
 
-namespace flowtide::flow::FLOWTIDE_LANES {
+namespace flowtide::flow::FLOWTIDE_KERNEL_SET {
 
 /// 0, 1, … 7.
 inline Int8 laneNumbers() {
@@ -98,4 +98,4 @@ inline Int8 imageAt(const ImageView& image, Int8 x, Int8 y) {
 }
 constexpr float imageUnits = 4096; // of imageAt()
 
-} // namespace flowtide::flow::FLOWTIDE_LANES
+} // namespace flowtide::flow::FLOWTIDE_KERNEL_SET

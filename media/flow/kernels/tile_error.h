@@ -3,7 +3,7 @@
 
 #include "media/flow/kernels/sampling.h"
 
-namespace flowtide::flow::FLOWTIDE_LANES {
+namespace flowtide::flow::FLOWTIDE_KERNEL_SET {
 
 constexpr int tileReach = 2; // pixels: 5 × 5 means
 constexpr int tileRows = tileSize + 2 * tileReach;
@@ -46,4 +46,4 @@ inline void fillTile(int left, int top, int width, int height, TileValues& value
     }
 }
 
-} // namespace flowtide::flow::FLOWTIDE_LANES
+} // namespace flowtide::flow::FLOWTIDE_KERNEL_SET

@@ -2,7 +2,7 @@
 #include "media/flow/kernels/kernel_sets.h"
 #include "media/flow/kernels/sampling.h"
 
-namespace flowtide::flow::FLOWTIDE_LANES {
+namespace flowtide::flow::FLOWTIDE_KERNEL_SET {
 
 namespace {
 
@@ -365,4 +365,4 @@ void addWarpKernels(Kernels& kernels) {
     kernels.warp = warp;
 }
 
-} // namespace flowtide::flow::FLOWTIDE_LANES
+} // namespace flowtide::flow::FLOWTIDE_KERNEL_SET

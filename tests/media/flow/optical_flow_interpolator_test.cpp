@@ -117,14 +117,14 @@ TEST(OpticalFlow, ThreadsAndInstructionsChangeNoPixel) {
     for (const auto& layout : layouts)
         for (const auto& [width, height] : {std::pair{322, 181}, {97, 300}}) {
             const FramePair pair = sceneNamed("texture over texture").pair(layout, width, height);
-            const auto render = [&pair](int threads, flow::InstructionSet instructions) {
+            const auto render = [&pair](int threads, InstructionSet instructions) {
                 const VideoFrame& first = pair.first.frame;
                 OpticalFlowInterpolator interpolator(first.width, first.height, first.layout, {threads, instructions});
                 return interpolator.render(pair, {0.3});
             };
-            const VideoFrame frame = render(1, flow::InstructionSet::baseline);
+            const VideoFrame frame = render(1, InstructionSet::baseline);
             for (const int threads : {1, 2, 3})
-                EXPECT_TRUE(samePixels(frame, render(threads, flow::bestInstructionSet()))) << threads;
+                EXPECT_TRUE(samePixels(frame, render(threads, bestInstructionSet()))) << threads;
         }
 }
 

@@ -429,13 +429,11 @@ TEST(DisplayFrame, FramesLiveOnAndConvertersForgetNothingWrongly) {
 }
 
 TEST(DisplayFrame, FastKernelsGiveTheSameBytesAsPlainOnes) {
-    const display::RowKernels plain = display::baseline::kernels();
-    const display::RowKernels fast = display::rowKernels();
     std::mt19937 random(5);
     for (const Kind& kind : kinds) {
         const PixelLayout layout{ChromaSubsampling::yuv444, 10, false};
-        const DisplayColor withFast(colorOf(kind), layout, fast);
-        const DisplayColor withPlain(colorOf(kind), layout, plain);
+        const DisplayColor withFast(colorOf(kind), layout);
+        const DisplayColor withPlain(colorOf(kind), layout, InstructionSet::baseline);
         for (const std::size_t count : {1U, 7U, 8U, 255U, 256U, 257U, 1000U}) {
             std::vector<std::uint16_t> samples(3 * count);
             for (auto& sample : samples)

@@ -37,7 +37,7 @@ struct Job {
         return result;
     }
     SubjectTrackResult run(const SubjectTrackingCallbacks& callbacks = {},
-                           tracking::InstructionSet instructions = tracking::bestInstructionSet()) const {
+                           InstructionSet instructions = bestInstructionSet()) const {
         const SubjectBackend backend(subject, evenTimes(frames, interval));
         return SubjectTrackingEngine(backend, instructions)
             .track(clip(), SourceSeconds{seed}, subject.box(seed), range, callbacks);
@@ -195,7 +195,7 @@ TEST(SubjectTrackingEngineTest, FailuresSayWhatIsWrong) {
 TEST(SubjectTrackingEngineTest, EveryMachineFindsTheSame) {
     const Job job{.subject = {swaying, [](double t) { return t > 1.9 && t < 2.3; }}};
     const SubjectTrackResult wide = job.run();
-    EXPECT_EQ(job.run({}, tracking::InstructionSet::baseline), wide);
+    EXPECT_EQ(job.run({}, InstructionSet::baseline), wide);
     EXPECT_EQ(job.run(), wide);
 }
 
