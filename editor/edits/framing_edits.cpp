@@ -2,6 +2,7 @@
 #include "editor/edits/framing_edits.h"
 
 #include "core/clamp.h"
+#include "core/crop_plan.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,10 +14,11 @@ namespace {
 
 constexpr double spanTolerance = 0.001; ///< source seconds; keyframes this near to a tracked span count as inside
 
-/// The crop's width as a share of the frame's; 1 where the frame is not wider than the crop.
+/// The width of the crop that an export makes as a share of the frame's; 1 where it makes none.
 double cropFraction(const ImportedClip& clip, CropAspectRatio ratio) {
-    const double width = static_cast<double>(std::max<std::int64_t>(clip.width, 1));
-    return std::min(widthOverHeight(ratio) * static_cast<double>(clip.height) / width, 1.0);
+    const auto plan = CropPlan::forSource({clip.width, clip.height}, {widthOverHeight(ratio), {}, {}},
+                                          clip.metadata.sampleAspectRatio.seconds());
+    return plan ? static_cast<double>(plan->width) / static_cast<double>(clip.width) : 1;
 }
 
 } // namespace
