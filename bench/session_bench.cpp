@@ -70,6 +70,11 @@ public:
                                     const CancelCheck&) override {
         return {};
     }
+    std::filesystem::path renderPreview(const Uuid&, ExportRequest, const std::function<void(double)>&,
+                                        const CancelCheck&) override {
+        return {};
+    }
+    void removePreview(const std::filesystem::path&) noexcept override {}
     SubjectTrackResult track(const ImportedClip&, SourceSeconds, const SubjectBox&, SourceRange,
                              const std::function<void(TrackingProgress)>&, const CancelCheck&) override {
         return {};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/speed_keyframe.h"
+#include "core/time.h"
 
 #include <vector>
 
@@ -18,13 +19,9 @@ struct PreviewCurveSignature {
     std::vector<Point> points;
     double smoothing = 0;
 
-    static PreviewCurveSignature of(const SpeedKeyframes& keyframes, double smoothing) {
-        PreviewCurveSignature signature;
-        signature.smoothing = smoothing;
-        for (const SpeedKeyframe& keyframe : keyframes)
-            signature.points.push_back({keyframe.time, keyframe.speed});
-        return signature;
-    }
+    /// Of the part of a curve over `range`. `curve`: as it is played (KeyframeRules::curveForSourceRange), sorted by
+    /// time. Two are equal exactly when every time in the range plays at the same speed in both.
+    static PreviewCurveSignature of(const SpeedKeyframes& curve, double smoothing, SourceRange range);
 
     friend bool operator==(const PreviewCurveSignature&, const PreviewCurveSignature&) = default;
 };

@@ -87,17 +87,18 @@ ZoomState stateAt(OutputSeconds time, const std::vector<ZoomBlock>& blocks, cons
 }
 
 std::vector<ZoomState> table(const std::vector<ZoomBlock>& blocks, const TimeMap& timeMap, std::int64_t frameCount,
-                             double frameDuration) {
+                             double frameDuration, std::int64_t firstFrame) {
     std::vector<ZoomState> states(static_cast<std::size_t>(std::max<std::int64_t>(frameCount, 0)));
     for (const ZoomBlock& block : blocks) {
         const Span span = outputSpan(block, timeMap);
         if (!(span.duration() > shortestVisibleBlock)) continue;
-        const auto first = std::max<std::int64_t>(static_cast<std::int64_t>(std::floor(span.start / frameDuration)), 0);
-        const auto last = std::min(frameCount - 1, static_cast<std::int64_t>(std::ceil(span.end / frameDuration)));
+        const auto first = std::max(static_cast<std::int64_t>(std::floor(span.start / frameDuration)), firstFrame);
+        const auto last =
+            std::min(firstFrame + frameCount - 1, static_cast<std::int64_t>(std::ceil(span.end / frameDuration)));
         for (std::int64_t i = first; i <= last; ++i) {
             const double time = frameDuration * static_cast<double>(i);
             if (span.start <= time && time <= span.end)
-                states[static_cast<std::size_t>(i)] = stateWithin(block, span, time);
+                states[static_cast<std::size_t>(i - firstFrame)] = stateWithin(block, span, time);
         }
     }
     return states;

@@ -37,8 +37,9 @@ FocalPoint focal(double progress, const ZoomBlock& block);
 /// The zoom at an output time, for previews. `blocks` in stored order.
 ZoomState stateAt(OutputSeconds time, const std::vector<ZoomBlock>& blocks, const TimeMap& timeMap);
 
-/// The zoom of each of `frameCount` output frames, `frameDuration` seconds apart, for exports.
+/// The zoom of each of `frameCount` output frames from number `firstFrame` on, `frameDuration` seconds apart, for
+/// exports.
 std::vector<ZoomState> table(const std::vector<ZoomBlock>& blocks, const TimeMap& timeMap, std::int64_t frameCount,
-                             double frameDuration);
+                             double frameDuration, std::int64_t firstFrame = 0);
 
 } // namespace flowtide::ZoomEngine

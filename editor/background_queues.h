@@ -33,7 +33,7 @@ private:
     };
     static void work(Queue& queue);
 
-    std::array<Queue, 3> queues_;
+    std::array<Queue, 4> queues_;
 };
 
 } // namespace flowtide

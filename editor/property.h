@@ -56,6 +56,14 @@ enum class Property {
     isGeneratingProxy,
     proxyProgress,
     proxyMessage,
+    // previews rendered ahead of playback
+    renderedPreviews,
+    renderingPreviewRange,
+    isAutomaticPreviewRender,
+    previewRenderProgress,
+    previewRenderError,
+    isRenderingAllRanges,
+    renderAllProgress,
     // the alert
     errorMessage,
     count, ///< how many there are

@@ -14,6 +14,7 @@ enum class BackgroundQueue {
     projects, ///< every access to the project store
     clips,    ///< probing and fingerprints
     jobs,     ///< exports, proxies, tracking
+    renders,  ///< previews rendered ahead of playback
 };
 
 /// What the session needs of a main loop. The window brings Qt's, tests one whose time they set. Must outlive every

@@ -6,6 +6,7 @@
 #include "media/tracking/subject_tracking_engine.h"
 #include "project/clip_fingerprint.h"
 
+#include <string_view>
 #include <utility>
 
 namespace flowtide {
@@ -51,6 +52,26 @@ std::filesystem::path EngineSessionMedia::makeProxy(const ImportedClip& clip,
     throwIfCancelled(isCancelled);
     ProxyEngine engine(backend_, items_, log_);
     return engine.makeProxy(clip, listening(engine, onProgress, isCancelled));
+}
+
+std::filesystem::path EngineSessionMedia::previewFile(const Uuid& id) {
+    const std::scoped_lock guard(previewLock_);
+    if (!previewFiles_) previewFiles_.emplace(items_);
+    return previewFiles_->url(id);
+}
+
+std::filesystem::path EngineSessionMedia::renderPreview(const Uuid& id, ExportRequest request,
+                                                        const std::function<void(double)>& onProgress,
+                                                        const CancelCheck& isCancelled) {
+    throwIfCancelled(isCancelled);
+    request.outputURL = previewFile(id);
+    ExportEngine engine(backend_, [](std::string_view) {}); // nobody has asked for these
+    engine.run(request, listening(engine, onProgress, isCancelled));
+    return request.outputURL;
+}
+
+void EngineSessionMedia::removePreview(const std::filesystem::path& file) noexcept {
+    items_.operations().remove(file);
 }
 
 SubjectTrackResult EngineSessionMedia::track(const ImportedClip& clip, SourceSeconds seedTime,

@@ -3,16 +3,20 @@
 
 #include "editor/jobs/session_media.h"
 #include "media/log.h"
+#include "media/preview/preview_cache_files.h"
+
+#include <mutex>
+#include <optional>
 
 namespace flowtide {
 
 class MediaBackend;
-class TemporaryItems;
 
-/// Without state of its own; any thread.
+/// Owns the folder of rendered previews, made for the first of them. Any thread.
 class EngineSessionMedia final : public SessionMedia {
 public:
-    /// `items` owns the proxies, `log` takes what exports and proxies have to say. All must outlive this and its jobs.
+    /// `items` owns proxies and previews, `log` takes what exports and proxies have to say. All must outlive this and
+    /// its jobs.
     EngineSessionMedia(const MediaBackend& backend, TemporaryItems& items, LogSink log);
 
     ImportedClip loadClip(const std::filesystem::path& path) override;
@@ -21,14 +25,22 @@ public:
                                       const CancelCheck& isCancelled) override;
     std::filesystem::path makeProxy(const ImportedClip& clip, const std::function<void(double)>& onProgress,
                                     const CancelCheck& isCancelled) override;
+    std::filesystem::path renderPreview(const Uuid& id, ExportRequest request,
+                                        const std::function<void(double)>& onProgress,
+                                        const CancelCheck& isCancelled) override;
+    void removePreview(const std::filesystem::path& file) noexcept override;
     SubjectTrackResult track(const ImportedClip& clip, SourceSeconds seedTime, const SubjectBox& seedBox,
                              SourceRange range, const std::function<void(TrackingProgress)>& onProgress,
                              const CancelCheck& isCancelled) override;
 
 private:
+    std::filesystem::path previewFile(const Uuid& id);
+
     const MediaBackend& backend_;
     TemporaryItems& items_;
     LogSink log_;
+    std::mutex previewLock_; ///< guards previewFiles_
+    std::optional<PreviewCacheFiles> previewFiles_;
 };
 
 } // namespace flowtide

@@ -3,6 +3,7 @@
 
 #include "core/subject_box.h"
 #include "core/subject_track.h"
+#include "core/uuid.h"
 #include "media/cancel_check.h"
 #include "media/export/export_request.h"
 #include "media/export/export_validation.h"
@@ -38,6 +39,12 @@ public:
     /// The proxy's file, which the session owns.
     virtual std::filesystem::path makeProxy(const ImportedClip& clip, const std::function<void(double)>& onProgress,
                                             const CancelCheck& isCancelled) = 0;
+    /// Renders a preview into the file of that id, which stands in for the request's own destination, and returns it.
+    virtual std::filesystem::path renderPreview(const Uuid& id, ExportRequest request,
+                                                const std::function<void(double)>& onProgress,
+                                                const CancelCheck& isCancelled) = 0;
+    /// Removes a preview's file, if it is there. Any thread.
+    virtual void removePreview(const std::filesystem::path& file) noexcept = 0;
     virtual SubjectTrackResult track(const ImportedClip& clip, SourceSeconds seedTime, const SubjectBox& seedBox,
                                      SourceRange range, const std::function<void(TrackingProgress)>& onProgress,
                                      const CancelCheck& isCancelled) = 0;

@@ -34,7 +34,9 @@ FramingPlan planFraming(const ExportRequest& request, const std::optional<CropPl
     framing.transform = request.clip.preferredTransform;
     if (crop) framing.cropOffsets = crop->cropXBySourceFrame(timeMap, frameDuration);
     if (request.zoom && !request.zoom->blocks.empty())
-        framing.zooms = ZoomEngine::table(request.zoom->blocks, timeMap, frameCount, frameDuration);
+        framing.zooms = request.previewOf ? ZoomEngine::table(request.zoom->blocks, request.previewOf->timeMap,
+                                                              frameCount, frameDuration, request.previewOf->firstFrame)
+                                          : ZoomEngine::table(request.zoom->blocks, timeMap, frameCount, frameDuration);
     return framing;
 }
 

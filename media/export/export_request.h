@@ -9,11 +9,18 @@
 #include "core/zoom_block.h"
 #include "media/imported_clip.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
 
 namespace flowtide {
+
+/// The export that a preview shows a part of.
+struct WholeOutput {
+    TimeMap timeMap;
+    std::int64_t firstFrame = 0; ///< the number that the preview's first frame has in it
+};
 
 /// One export, as the editor and the command line ask for it.
 struct ExportRequest {
@@ -26,6 +33,7 @@ struct ExportRequest {
     std::optional<VerticalCropSettings> verticalCrop;
     std::optional<ZoomSettings> zoom;
     std::optional<TimeMap> previewTimeMap; ///< used instead of building one; its timing agrees with the whole clip's
+    std::optional<WholeOutput> previewOf;  ///< zoom that reaches beyond the preview's map goes by it
     std::optional<PreviewResolution> previewResolution; ///< absent: the clip's own size
     std::filesystem::path outputURL;
 };

@@ -19,6 +19,8 @@ struct RenderedPreview {
     double fileStart = 0; ///< where in the file the map's output begins, in seconds; after 0 once a preview was cut
     PreviewCurveSignature signature;
     PreviewResolution resolution = PreviewResolution::full;
+
+    friend bool operator==(const RenderedPreview&, const RenderedPreview&) = default;
 };
 
 } // namespace flowtide

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -65,6 +66,16 @@ public:
         if (failure) throw FlowtideError::proxyFailed(*failure);
         return "proxy.mov";
     }
+    std::filesystem::path renderPreview(const Uuid& id, ExportRequest request,
+                                        const std::function<void(double)>& onProgress,
+                                        const CancelCheck& isCancelled) override {
+        rendered.push_back(std::move(request));
+        onProgress(0.5);
+        throwIfCancelled(isCancelled);
+        if (failure) throw FlowtideError::writerFailed(*failure);
+        return *previewFiles.insert(id.text() + ".mov").first;
+    }
+    void removePreview(const std::filesystem::path& file) noexcept override { previewFiles.erase(file); }
     SubjectTrackResult track(const ImportedClip&, SourceSeconds, const SubjectBox&, SourceRange,
                              const std::function<void(TrackingProgress)>& onProgress,
                              const CancelCheck& isCancelled) override {
@@ -78,6 +89,8 @@ public:
     std::optional<std::string> failure; ///< of every operation
     SubjectTrackResult tracked;
     std::optional<ExportRequest> exported;
+    std::vector<ExportRequest> rendered; ///< previews
+    std::set<std::filesystem::path> previewFiles;
     std::function<void(const std::function<void(double)>&)> whileExporting;
 };
 

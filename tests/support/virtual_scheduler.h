@@ -39,7 +39,8 @@ public:
         while (isBusy) {
             isBusy = !posted_.empty();
             turn();
-            for (const auto queue : {BackgroundQueue::projects, BackgroundQueue::clips, BackgroundQueue::jobs})
+            for (const auto queue :
+                 {BackgroundQueue::projects, BackgroundQueue::clips, BackgroundQueue::jobs, BackgroundQueue::renders})
                 isBusy = runJob(queue) || isBusy;
         }
     }

@@ -1,0 +1,105 @@
+// From a range to an installed preview.
+#include "editor/preview/preview_render.h"
+
+#include <utility>
+
+namespace flowtide {
+
+PreviewRender::PreviewRender(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier,
+                             std::shared_ptr<SessionMedia> media, RenderedPreviews& previews,
+                             std::function<void(End)> onEnd)
+    : session_(session)
+    , jobs_(jobs)
+    , media_(std::move(media))
+    , previews_(previews)
+    , onEnd_(std::move(onEnd))
+    , renderingPreviewRange_(notifier, Property::renderingPreviewRange)
+    , isAutomatic_(notifier, Property::isAutomaticPreviewRender)
+    , progress_(notifier, Property::previewRenderProgress)
+    , error_(notifier, Property::previewRenderError) {}
+
+PreviewRender::Job PreviewRender::job(const SourceRange& range) const {
+    const RetimedOutput output = previews_.output();
+    const WholeFrames frames = PreviewRanges::widenedToFrames(output, range);
+    Job job;
+    ExportRequest& request = job.request;
+    request.clip = *session_.clip();
+    request.clip.audio.reset(); // the player retimes the sound itself
+    request.keyframes = session_.curve.keyframes();
+    request.sourceRange = frames.range;
+    request.smoothing = session_.curve.smoothing();
+    request.interpolation = FrameInterpolation::opticalFlow;
+    request.opticalFlowRanges = previews_.flowRanges();
+    if (!session_.zoom.zoomBlocks().empty()) request.zoom = ZoomSettings{session_.zoom.zoomBlocks()};
+    request.previewTimeMap = output.timeMap.sliced(frames.range);
+    request.previewOf = WholeOutput{output.timeMap, frames.firstFrame};
+    request.previewResolution = session_.timeline.previewResolution();
+    job.preview = {.id = Uuid::random(),
+                   .url = {},
+                   .timeMap = output.timeMap.sliced(range),
+                   .fileStart = frames.leadSeconds,
+                   .signature = previews_.previewSignature(range),
+                   .resolution = session_.timeline.previewResolution()};
+    return job;
+}
+
+bool PreviewRender::canStart(const SourceRange& range) const {
+    return session_.clip() && !isRendering() && PreviewRanges::isCovered(range, previews_.flowRanges());
+}
+
+void PreviewRender::start(const SourceRange& range, bool automatically) {
+    if (!canStart(range)) return;
+    Job work = job(range);
+    const Uuid id = work.preview.id;
+    previewRenderID_ = id;
+    renderingPreviewRange_.set(range);
+    renderingSignature_ = work.preview.signature;
+    isAutomatic_.set(automatically);
+    progress_.set(0);
+    error_.set({});
+    const auto onProgress = jobs_.home<double>([this, id](double fraction) {
+        if (previewRenderID_ == id) progress_.set(fraction);
+    });
+    jobs_.start(
+        BackgroundQueue::renders,
+        [media = media_, id, request = std::move(work.request), onProgress, isCancelled = cancelFlag_.renewed()] {
+            return media->renderPreview(id, request, onProgress, isCancelled);
+        },
+        [this, preview = std::move(work.preview)](Outcome<std::filesystem::path>& outcome) {
+            receive(outcome, preview);
+        });
+}
+
+void PreviewRender::receive(Outcome<std::filesystem::path>& outcome, RenderedPreview preview) {
+    const bool isLate = previewRenderID_ != preview.id;
+    try {
+        preview.url = outcome.get();
+    } catch (const std::exception& error) {
+        if (isLate) return;
+        const auto failure = failureToShow(error);
+        if (failure) error_.set(failure);
+        return end(failure ? End::failed : End::cancelled);
+    }
+    const bool isWanted = !isLate && previews_.isValid(preview.timeMap.sourceRange(), preview.signature);
+    if (!isWanted) media_->removePreview(preview.url);
+    if (isWanted) previews_.install(std::move(preview));
+    if (!isLate) end(isWanted ? End::installed : End::outdated);
+}
+
+bool PreviewRender::cancelIfOutdated() {
+    if (!isRendering() || previews_.isValid(*renderingPreviewRange(), *renderingSignature_)) return false;
+    end(End::outdated);
+    return true;
+}
+
+void PreviewRender::end(End how) {
+    if (!isRendering()) return;
+    cancelFlag_.raise();
+    previewRenderID_.reset();
+    renderingPreviewRange_.set({});
+    renderingSignature_.reset();
+    isAutomatic_.set(false);
+    onEnd_(how);
+}
+
+} // namespace flowtide
