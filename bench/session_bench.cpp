@@ -38,16 +38,16 @@ private:
     std::deque<Task> tasks_;
 };
 
-class NoPreview final : public PreviewControl {
+class NoPlayer final : public SessionPlayer {
 public:
-    void pausePlayback() override {}
-    void beginPreviewOperation() override {}
-    void cancelAutomaticRender() override {}
-    void invalidateEditedPreviews() override {}
-    void scheduleSmartPreview() override {}
-    void schedulePreviewRefreshAfterEdit() override {}
-    void showPlayhead() override {}
-    void resetPreview() override {}
+    void setItem(std::shared_ptr<const PlaybackItem>) override {}
+    void play(double) override {}
+    double requestedRate() const override { return 0; }
+    double rate() const override { return 0; }
+    OutputSeconds currentTime() override { return {}; }
+    void seek(OutputSeconds, SeekCompletion) override {}
+    PlayerStatus status() const override { return PlayerStatus::unknown; }
+    std::string failure() const override { return {}; }
 };
 
 class OneClip final : public SessionMedia {
@@ -59,6 +59,8 @@ public:
         clip.frameRate = 30;
         clip.width = 1920;
         clip.height = 1080;
+        clip.video.encodedWidth = 1920;
+        clip.video.encodedHeight = 1080;
         return clip;
     }
     std::string fingerprint(const std::filesystem::path&) override { return "one"; }
@@ -75,6 +77,10 @@ public:
         return {};
     }
     void removePreview(const std::filesystem::path&) noexcept override {}
+    AudioData loadSound(const ImportedClip&, const CancelCheck&) override { return {}; }
+    SourceFrame sourceFrame(const std::shared_ptr<const ImportedClip>&, SourceSeconds, OutputSize) override {
+        return {};
+    }
     SubjectTrackResult track(const ImportedClip&, SourceSeconds, const SubjectBox&, SourceRange,
                              const std::function<void(TrackingProgress)>&, const CancelCheck&) override {
         return {};
@@ -90,8 +96,8 @@ double millisecondsOf(const std::function<void()>& work) {
 /// Median over a drag of one point to and fro.
 void measure(std::size_t pointCount, const bench::ScratchFolder& scratch) {
     DirectScheduler scheduler;
-    NoPreview preview;
-    FlowtideViewModel model({scheduler, preview, std::make_shared<OneClip>(),
+    NoPlayer player;
+    FlowtideViewModel model({scheduler, player, std::make_shared<OneClip>(),
                              std::make_shared<ProjectStore>(scratch / ("state" + std::to_string(pointCount))),
                              [] { return 30.0; }});
     model.importClip(scratch / "clip.mov");

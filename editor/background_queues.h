@@ -5,6 +5,7 @@
 
 #include <array>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <mutex>
 #include <thread>
@@ -33,7 +34,7 @@ private:
     };
     static void work(Queue& queue);
 
-    std::array<Queue, 4> queues_;
+    std::array<Queue, static_cast<std::size_t>(BackgroundQueue::count)> queues_;
 };
 
 } // namespace flowtide

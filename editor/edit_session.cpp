@@ -66,15 +66,15 @@ CurveSnapshot EditSession::currentSnapshot() const {
 
 void EditSession::beginCurveEdit() {
     if (!clip() || history.pendingUndoSnapshot()) return;
-    host_.preview.cancelAutomaticRender();
-    host_.preview.beginPreviewOperation();
-    host_.preview.pausePlayback();
+    preview().cancelAutomaticRender();
+    preview().beginPreviewOperation();
+    preview().pausePlayback();
     history.setPendingUndoSnapshot(currentSnapshot());
 }
 
 void EditSession::endCurveEdit() {
     if (!history.pendingUndoSnapshot()) {
-        host_.preview.scheduleSmartPreview();
+        preview().scheduleSmartPreview();
         return;
     }
     CurveSnapshot before = *history.pendingUndoSnapshot();
@@ -101,8 +101,8 @@ void EditSession::redo() {
 }
 
 void EditSession::applySnapshot(const CurveSnapshot& snapshot) {
-    host_.preview.pausePlayback();
-    host_.preview.beginPreviewOperation();
+    preview().pausePlayback();
+    preview().beginPreviewOperation();
     curve.setSmoothing(snapshot.smoothing); // what boundary points are evaluated with
     curve.setKeyframes(curve.bounded(snapshot.speed).value_or(snapshot.speed));
     framing.setCenterKeyframes(framing.bounded(snapshot.center).value_or(snapshot.center));
@@ -126,14 +126,14 @@ void EditSession::followCurve() {
 
 void EditSession::invalidateEditedPreviews() {
     followCurve();
-    host_.preview.invalidateEditedPreviews();
+    preview().invalidateEditedPreviews();
 }
 
 void EditSession::refreshPreview() {
     invalidateEditedPreviews();
-    host_.preview.scheduleSmartPreview();
-    host_.preview.beginPreviewOperation();
-    host_.preview.schedulePreviewRefreshAfterEdit();
+    preview().scheduleSmartPreview();
+    preview().beginPreviewOperation();
+    preview().schedulePreviewRefreshAfterEdit();
 }
 
 void EditSession::scheduleProjectSave() const {

@@ -20,7 +20,7 @@ namespace flowtide {
 
 /// What edits need from outside.
 struct EditHost {
-    PreviewControl& preview;
+    std::function<PreviewControl&()> preview; ///< which itself needs the session
     std::function<void()> scheduleProjectSave;
     std::function<double()> smoothMotionFrameRate; ///< the user's setting for all projects, frames per second
 };
@@ -46,7 +46,7 @@ public:
     void setTrackedRanges(std::vector<SubjectTrackingRange> ranges) { trackedRanges_.set(std::move(ranges)); }
     /// The playhead in source seconds.
     double playheadSeconds() const { return curve.duration() * timeline.scrubPosition(); }
-    PreviewControl& preview() const { return host_.preview; }
+    PreviewControl& preview() const { return host_.preview(); }
     /// True while a project's edits are being installed: nothing is invalidated and nothing saved.
     bool isRestoringProject() const { return isRestoringProject_; }
 

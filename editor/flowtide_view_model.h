@@ -14,6 +14,7 @@
 #include "editor/jobs/proxy_job.h"
 #include "editor/jobs/session_jobs.h"
 #include "editor/jobs/tracking_job.h"
+#include "editor/preview/preview_session.h"
 #include "editor/project/clip_import.h"
 #include "editor/project/project_binding.h"
 
@@ -28,12 +29,13 @@ namespace flowtide {
 
 /// What a session is made of from outside.
 struct SessionEnvironment {
-    Scheduler& scheduler;    ///< outlives the session and its jobs
-    PreviewControl& preview; ///< outlives the session
+    Scheduler& scheduler;  ///< outlives the session and its jobs
+    SessionPlayer& player; ///< outlives the session
     std::shared_ptr<SessionMedia> media;
     std::shared_ptr<ProjectStore> store;
     std::function<double()> smoothMotionFrameRate; ///< SlowMotionGuide::motionFrameRateFloor of the user's setting
     std::string undoKeys = "Ctrl+Z";               ///< what sentences call the keys for undo
+    LogSink log = {};                              ///< takes what playback has to say; may be empty
 };
 
 /// A thin façade: state and rules live in the parts. Main thread only. Destroying it cancels its jobs; a project that
@@ -63,6 +65,9 @@ public:
     const ExportJob& exporting() const { return export_; }
     const ProxyJob& proxies() const { return proxy_; }
     const TrackingJob& tracking() const { return tracking_; }
+    const Transport& transport() const { return preview_.transport(); }
+    const Comparison& comparison() const { return preview_.comparison(); }
+    const RenderAhead& renders() const { return preview_.renders(); }
     const std::vector<SubjectTrackingRange>& trackedRanges() const { return session_.trackedRanges(); }
     double playheadSeconds() const { return session_.playheadSeconds(); }
     SourceRanges effectiveOpticalFlowRanges() const {
@@ -138,8 +143,25 @@ public:
         if (clip()) session_.refreshPreview();
     }
 
+    // Playback.
+    void togglePlayback() { preview_.transport().togglePlayback(); }
+    void startPlayback(float rate) { preview_.transport().startPlayback(rate); }
+    void pausePlayback() { preview_.transport().pausePlayback(); }
+    void shuttleForward() { preview_.transport().shuttleForward(); }
+    void shuttleBackward() { preview_.transport().shuttleBackward(); }
+    void nudgePlayhead(int frames) { preview_.transport().nudgePlayhead(frames); }
+    void scrub(double position, bool preservePlayback = false) {
+        preview_.transport().scrub(position, preservePlayback);
+    }
+    void renderSelectedPreview() { preview_.renders().renderSelectedPreview(); }
+    void renderAllRanges() { preview_.renders().renderAllRanges(); }
+    void stopRenderingAll() { preview_.renders().stopRenderingAll(); }
+    void cancelPreviewRender() { preview_.renders().cancelPreviewRender(); }
+    void clearPreviewCache() { preview_.renders().clearPreviewCache(); }
+    void setComparisonEnabled(bool enabled) { preview_.comparison().setComparisonEnabled(enabled); }
+    void setComparisonSize(OutputSize size) { preview_.comparison().setComparisonSize(size); }
+
     // The view.
-    void movePlayhead(double position) { viewEdits_.movePlayhead(position); }
     void jumpToPreviousKeyframe() { viewEdits_.jumpToPreviousKeyframe(); }
     void jumpToNextKeyframe() { viewEdits_.jumpToNextKeyframe(); }
     void setEditorMode(CurveEditorMode mode) { viewEdits_.setEditorMode(mode); }
@@ -178,6 +200,7 @@ private:
     ProxyJob proxy_;
     TrackingJob tracking_;
     ClipImport import_;
+    PreviewSession preview_;
 };
 
 } // namespace flowtide

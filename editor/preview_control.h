@@ -1,8 +1,6 @@
 // What edits ask of the preview.
 #pragma once
 
-#include "core/time.h"
-
 namespace flowtide {
 
 /// Playback and rendering ahead, as far as edits touch them. Main thread only.
@@ -21,8 +19,8 @@ public:
     virtual void scheduleSmartPreview() = 0;
     /// Shows the current curve, soon.
     virtual void schedulePreviewRefreshAfterEdit() = 0;
-    /// The playhead has been moved by an edit.
-    virtual void showPlayhead() = 0;
+    /// Moves the playhead to a fraction of the clip, limited to the trim; playback pauses.
+    virtual void scrub(double position) = 0;
     /// Another clip, or none: everything of the former is gone.
     virtual void resetPreview() = 0;
 };

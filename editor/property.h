@@ -42,8 +42,17 @@ enum class Property {
     loopPreview,
     previewResolution,
     smartPreviewEnabled,
+    // playback
+    isPlaying,
+    isStartingPlayback,
+    shuttleRate,
+    loopSeekPending,
+    comparisonEnabled,
+    comparisonMessage,
+    comparisonPair,
     // jobs
     selectingSubject,
+    subjectSelectionBuffer,
     isTracking,
     trackingProgress,
     trackingPreview,

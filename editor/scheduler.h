@@ -15,6 +15,9 @@ enum class BackgroundQueue {
     clips,    ///< probing and fingerprints
     jobs,     ///< exports, proxies, tracking
     renders,  ///< previews rendered ahead of playback
+    sound,    ///< the open clip's, decoded
+    frames,   ///< single frames of the open clip
+    count,    ///< how many there are
 };
 
 /// What the session needs of a main loop. The window brings Qt's, tests one whose time they set. Must outlive every

@@ -50,8 +50,7 @@ void TrimEdits::keepPlayheadInside(SourceRange trim) {
     const double playhead = session_.playheadSeconds();
     const double inside = clamped(playhead, trim.lower, trim.upper);
     if (inside == playhead) return;
-    session_.timeline.setScrubPosition(inside / session_.curve.duration());
-    session_.preview().showPlayhead();
+    session_.preview().scrub(inside / session_.curve.duration());
 }
 
 } // namespace flowtide

@@ -1,10 +1,7 @@
 // Installs views.
 #include "editor/edits/view_edits.h"
 
-#include "core/clamp.h"
-
 #include <algorithm>
-#include <cmath>
 
 namespace flowtide {
 
@@ -13,17 +10,8 @@ namespace {
 constexpr double hereTolerance = 1e-6;
 } // namespace
 
-void ViewEdits::moveTo(double time) {
-    const SourceRange trim = session_.curve.trimRange();
-    if (!session_.clip() || !std::isfinite(time)) return;
-    const bool isMoved =
-        session_.timeline.setScrubPosition(clamped(time, trim.lower, trim.upper) / session_.curve.duration());
-    if (isMoved) session_.preview().showPlayhead();
-    saveIf(isMoved);
-}
-
-void ViewEdits::movePlayhead(double position) {
-    moveTo(position * session_.curve.duration());
+void ViewEdits::scrubTo(double time) const {
+    if (session_.clip()) session_.preview().scrub(time / session_.curve.duration());
 }
 
 const SpeedKeyframes& ViewEdits::activeCurve() const {
@@ -35,14 +23,14 @@ void ViewEdits::jumpToPreviousKeyframe() {
     double target = session_.curve.trimRange().lower;
     for (const SpeedKeyframe& keyframe : activeCurve())
         if (keyframe.time < session_.playheadSeconds() - hereTolerance) target = std::max(target, keyframe.time);
-    moveTo(target);
+    scrubTo(target);
 }
 
 void ViewEdits::jumpToNextKeyframe() {
     double target = session_.curve.trimRange().upper;
     for (const SpeedKeyframe& keyframe : activeCurve())
         if (keyframe.time > session_.playheadSeconds() + hereTolerance) target = std::min(target, keyframe.time);
-    moveTo(target);
+    scrubTo(target);
 }
 
 void ViewEdits::setTimelineZoom(double zoom) {

@@ -11,8 +11,6 @@ public:
     explicit ViewEdits(EditSession& session)
         : session_(session) {}
 
-    /// Moves the playhead to a fraction of the clip, limited to the kept part.
-    void movePlayhead(double position);
     /// To the nearest keyframe of the active curve before the playhead, within the trim; else to the trim's start.
     void jumpToPreviousKeyframe();
     /// To the nearest one after it; else to the trim's end.
@@ -27,7 +25,7 @@ public:
 
 private:
     const SpeedKeyframes& activeCurve() const;
-    void moveTo(double time);
+    void scrubTo(double time) const;
     void saveIf(bool isChange) const;
 
     EditSession& session_;

@@ -74,6 +74,18 @@ void EngineSessionMedia::removePreview(const std::filesystem::path& file) noexce
     items_.operations().remove(file);
 }
 
+AudioData EngineSessionMedia::loadSound(const ImportedClip& clip, const CancelCheck& isCancelled) {
+    return AudioDecoding::readAll(backend_, clip, {0, clip.duration}, isCancelled);
+}
+
+SourceFrame EngineSessionMedia::sourceFrame(const std::shared_ptr<const ImportedClip>& clip, SourceSeconds time,
+                                            OutputSize maximumSize) {
+    const std::scoped_lock guard(framesLock_);
+    if (frames_.clip != clip || frames_.maximumSize != maximumSize)
+        frames_ = {clip, maximumSize, std::make_unique<SourceFrameEngine>(backend_, clip, maximumSize)};
+    return frames_.engine->frame(time);
+}
+
 SubjectTrackResult EngineSessionMedia::track(const ImportedClip& clip, SourceSeconds seedTime,
                                              const SubjectBox& seedBox, SourceRange range,
                                              const std::function<void(TrackingProgress)>& onProgress,

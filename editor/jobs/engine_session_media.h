@@ -5,6 +5,7 @@
 #include "media/log.h"
 #include "media/preview/preview_cache_files.h"
 
+#include <memory>
 #include <mutex>
 #include <optional>
 
@@ -12,7 +13,7 @@ namespace flowtide {
 
 class MediaBackend;
 
-/// Owns the folder of rendered previews, made for the first of them. Any thread.
+/// Owns the folder of rendered previews, made for the first of them, and keeps the last single frame. Any thread.
 class EngineSessionMedia final : public SessionMedia {
 public:
     /// `items` owns proxies and previews, `log` takes what exports and proxies have to say. All must outlive this and
@@ -29,6 +30,9 @@ public:
                                         const std::function<void(double)>& onProgress,
                                         const CancelCheck& isCancelled) override;
     void removePreview(const std::filesystem::path& file) noexcept override;
+    AudioData loadSound(const ImportedClip& clip, const CancelCheck& isCancelled) override;
+    SourceFrame sourceFrame(const std::shared_ptr<const ImportedClip>& clip, SourceSeconds time,
+                            OutputSize maximumSize) override;
     SubjectTrackResult track(const ImportedClip& clip, SourceSeconds seedTime, const SubjectBox& seedBox,
                              SourceRange range, const std::function<void(TrackingProgress)>& onProgress,
                              const CancelCheck& isCancelled) override;
@@ -41,6 +45,15 @@ private:
     LogSink log_;
     std::mutex previewLock_; ///< guards previewFiles_
     std::optional<PreviewCacheFiles> previewFiles_;
+
+    /// Of the clip and the size that were asked for last.
+    struct Frames {
+        std::shared_ptr<const ImportedClip> clip;
+        OutputSize maximumSize;
+        std::unique_ptr<SourceFrameEngine> engine;
+    };
+    std::mutex framesLock_; ///< guards frames_
+    Frames frames_;
 };
 
 } // namespace flowtide

@@ -6,10 +6,11 @@
 namespace flowtide {
 
 ProxyJob::ProxyJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier,
-                   std::shared_ptr<SessionMedia> media)
+                   std::shared_ptr<SessionMedia> media, std::function<void()> onBuilt)
     : session_(session)
     , jobs_(jobs)
     , media_(std::move(media))
+    , onBuilt_(std::move(onBuilt))
     , isGeneratingProxy_(notifier, Property::isGeneratingProxy)
     , proxyProgress_(notifier, Property::proxyProgress)
     , proxyMessage_(notifier, Property::proxyMessage) {}
@@ -37,6 +38,7 @@ void ProxyJob::finish(Outcome<std::filesystem::path>& outcome, const OpenClip& c
     try {
         proxy_ = outcome.get();
         proxyMessage_.set("720p proxy ready");
+        onBuilt_();
     } catch (const std::exception& error) {
         proxyMessage_.set(failureToShow(error));
     }

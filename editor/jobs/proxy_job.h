@@ -6,6 +6,7 @@
 #include "editor/jobs/session_jobs.h"
 #include "editor/jobs/session_media.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,7 +16,9 @@ namespace flowtide {
 /// Main thread only.
 class ProxyJob {
 public:
-    ProxyJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, std::shared_ptr<SessionMedia> media);
+    /// `onBuilt`: proxy() is there.
+    ProxyJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, std::shared_ptr<SessionMedia> media,
+             std::function<void()> onBuilt);
 
     bool isGeneratingProxy() const { return isGeneratingProxy_.get(); }
     double proxyProgress() const { return proxyProgress_.get(); } ///< 0...1
@@ -35,6 +38,7 @@ private:
     EditSession& session_;
     SessionJobs& jobs_;
     std::shared_ptr<SessionMedia> media_;
+    std::function<void()> onBuilt_;
     Observed<bool> isGeneratingProxy_;
     Observed<double> proxyProgress_;
     Observed<std::optional<std::string>> proxyMessage_;

@@ -8,9 +8,12 @@
 #include "media/export/export_request.h"
 #include "media/export/export_validation.h"
 #include "media/imported_clip.h"
+#include "media/preview/source_frame_engine.h"
+#include "media/sound/audio_decoding.h"
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace flowtide {
@@ -45,6 +48,11 @@ public:
                                                 const CancelCheck& isCancelled) = 0;
     /// Removes a preview's file, if it is there. Any thread.
     virtual void removePreview(const std::filesystem::path& file) noexcept = 0;
+    /// All of the sound of a clip that has some.
+    virtual AudioData loadSound(const ImportedClip& clip, const CancelCheck& isCancelled) = 0;
+    /// The frame shown at a source time, drawn to fit into `maximumSize`.
+    virtual SourceFrame sourceFrame(const std::shared_ptr<const ImportedClip>& clip, SourceSeconds time,
+                                    OutputSize maximumSize) = 0;
     virtual SubjectTrackResult track(const ImportedClip& clip, SourceSeconds seedTime, const SubjectBox& seedBox,
                                      SourceRange range, const std::function<void(TrackingProgress)>& onProgress,
                                      const CancelCheck& isCancelled) = 0;

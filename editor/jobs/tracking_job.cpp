@@ -7,6 +7,11 @@
 
 namespace flowtide {
 
+namespace {
+/// What selecting is done on: small features can be told apart, and a picture takes no more than 8 MB.
+constexpr OutputSize largestSelectionFrame{1920, 1920};
+} // namespace
+
 TrackingJob::TrackingJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, FramingEdits& framing,
                          std::shared_ptr<SessionMedia> media, std::string undoKeys)
     : session_(session)
@@ -15,6 +20,7 @@ TrackingJob::TrackingJob(EditSession& session, SessionJobs& jobs, ChangeNotifier
     , media_(std::move(media))
     , undoKeys_(std::move(undoKeys))
     , selectingSubject_(notifier, Property::selectingSubject)
+    , subjectSelectionBuffer_(notifier, Property::subjectSelectionBuffer)
     , isTracking_(notifier, Property::isTracking)
     , trackingProgress_(notifier, Property::trackingProgress)
     , trackingPreview_(notifier, Property::trackingPreview)
@@ -26,14 +32,34 @@ void TrackingJob::beginSubjectSelection() {
     session_.preview().pausePlayback();
     session_.preview().cancelAutomaticRender();
     selectingSubject_.set(true);
+    subjectSelectionBuffer_.set(nullptr);
     trackingStoppedAt_.set({});
-    trackingMessage_.set("Draw a tight box around the subject (torso for a player). Tracking follows it in both "
-                         "directions.");
+    trackingMessage_.set("Loading the source frame…");
+    jobs_.start(
+        BackgroundQueue::frames,
+        [media = media_, clip = session_.clip(), time = SourceSeconds{session_.playheadSeconds()}] {
+            return media->sourceFrame(clip, time, largestSelectionFrame);
+        },
+        [this, id = ++trackingID_](Outcome<SourceFrame>& outcome) {
+            if (id == trackingID_) receiveFrame(outcome);
+        });
+}
+
+void TrackingJob::receiveFrame(Outcome<SourceFrame>& outcome) {
+    try {
+        subjectSelectionBuffer_.set(std::make_shared<const DisplayFrame>(std::move(outcome.get().picture)));
+        trackingMessage_.set("Draw a tight box around the subject (torso for a player). Tracking follows it in both "
+                             "directions.");
+    } catch (const std::exception& error) {
+        selectingSubject_.set(false);
+        trackingMessage_.set(failureToShow(error));
+    }
 }
 
 void TrackingJob::startTracking(const SubjectBox& box) {
     if (!session_.clip() || isTracking()) return;
     selectingSubject_.set(false);
+    subjectSelectionBuffer_.set(nullptr);
     isTracking_.set(true);
     trackingProgress_.set(0);
     trackingPreview_.set(box);
@@ -61,6 +87,7 @@ void TrackingJob::cancelTracking() {
     ++trackingID_;
     cancelFlag_.raise();
     selectingSubject_.set(false);
+    subjectSelectionBuffer_.set(nullptr);
     isTracking_.set(false);
     trackingPreview_.set({});
     trackingMessage_.set({});

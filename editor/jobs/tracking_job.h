@@ -20,6 +20,8 @@ public:
                 std::shared_ptr<SessionMedia> media, std::string undoKeys);
 
     bool selectingSubject() const { return selectingSubject_.get(); }
+    /// The frame at the playhead to draw the box on; null until it is decoded.
+    const std::shared_ptr<const DisplayFrame>& subjectSelectionBuffer() const { return subjectSelectionBuffer_.get(); }
     bool isTracking() const { return isTracking_.get(); }
     double trackingProgress() const { return trackingProgress_.get(); } ///< 0...1
     /// Where the subject was seen last while it is followed.
@@ -28,7 +30,7 @@ public:
     /// The last tracked frame before a loss that ended the tracking, source seconds.
     const std::optional<double>& trackingStoppedAt() const { return trackingStoppedAt_.get(); }
 
-    /// Playback pauses; the user draws a box on the frame at the playhead.
+    /// Playback pauses; the user draws a box on the frame at the playhead, as soon as it is there.
     void beginSubjectSelection();
     /// Follows the box through the kept part of the clip, both ways from the playhead's frame.
     void startTracking(const SubjectBox& box);
@@ -45,6 +47,7 @@ private:
         friend bool operator==(const Basis&, const Basis&) = default;
     };
     Basis basis() const;
+    void receiveFrame(Outcome<SourceFrame>& outcome);
     void finish(Outcome<SubjectTrackResult>& outcome, const Basis& before);
     std::string closingSentence(const SubjectTrackResult& result) const;
 
@@ -54,6 +57,7 @@ private:
     std::shared_ptr<SessionMedia> media_;
     std::string undoKeys_;
     Observed<bool> selectingSubject_;
+    Observed<std::shared_ptr<const DisplayFrame>> subjectSelectionBuffer_;
     Observed<bool> isTracking_;
     Observed<double> trackingProgress_;
     Observed<std::optional<SubjectBox>> trackingPreview_;

@@ -89,6 +89,7 @@ void ClipImport::install(const Opened& opened, const std::optional<FlowtideProje
                                         "file to relink it.");
         validate(project->edits, clip.duration);
     }
+    session_.preview().pausePlayback();
     binding_.saveProjectIfPending(); // the one that is open
     session_.open(opened.clip);
     onClipChanged_();
@@ -156,6 +157,7 @@ void ClipImport::relinkProject(const std::filesystem::path& clip) {
 
 void ClipImport::reset() {
     begin(std::string());
+    session_.preview().pausePlayback();
     binding_.saveProjectNow();
     binding_.unbind();
     session_.open({});

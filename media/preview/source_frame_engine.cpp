@@ -26,14 +26,14 @@ SourceFrameEngine::SourceFrameEngine(const MediaBackend& backend, std::shared_pt
     , size_(drawnSize(*clip_, maximumSize))
     , color_(pictureColor(*clip_)) {}
 
-DisplayFrame SourceFrameEngine::frame(SourceSeconds time) {
-    if (cached_ && cached_->time == time) return cached_->frame;
+SourceFrame SourceFrameEngine::frame(SourceSeconds time) {
+    if (cached_ && cached_->asked == time) return cached_->frame;
     const auto reader = backend_.openVideo(*clip_, decodePixelFormat(*clip_), {time.value, time.value});
     const auto found = reader->next();
     if (!found) throw FlowtideError::readerFailed("There is no frame at this time.");
     try {
         DisplayFrame drawn = converter_.convert(found->frame, color_, clip_->preferredTransform, size_);
-        cached_ = {std::move(drawn), time};
+        cached_ = {{std::move(drawn), found->time}, time};
         return cached_->frame;
     } catch (const std::bad_alloc&) {
         throw FlowtideError::readerFailed("Could not allocate a source comparison frame.");

@@ -12,6 +12,12 @@
 
 namespace flowtide {
 
+/// A picture and the time of the frame that it shows.
+struct SourceFrame {
+    DisplayFrame picture;
+    SourceSeconds time;
+};
+
 /// Fetches frames of one clip, upright and in the display's pixels. One thread at a time. The backend must outlive it.
 class SourceFrameEngine {
 public:
@@ -20,12 +26,12 @@ public:
 
     /// The frame shown at a source time, neither the one before nor the one after. Asked twice for the same time it
     /// decodes once. Throws FlowtideError::readerFailed.
-    DisplayFrame frame(SourceSeconds time);
+    SourceFrame frame(SourceSeconds time);
 
 private:
     struct Cached {
-        DisplayFrame frame;
-        SourceSeconds time;
+        SourceFrame frame;
+        SourceSeconds asked;
     };
 
     const MediaBackend& backend_;

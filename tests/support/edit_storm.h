@@ -43,7 +43,7 @@ public:
         case 14:
             return switchARange();
         case 15:
-            return model_.movePlayhead(anything(-0.1, 1.1));
+            return model_.scrub(anything(-0.1, 1.1));
         case 16:
             return drag();
         case 17:

@@ -3,11 +3,13 @@
 
 #include "editor/flowtide_view_model.h"
 #include "project/clip_fingerprint.h"
+#include "tests/support/scripted_player.h"
 #include "tests/support/temporary_folder.h"
 #include "tests/support/virtual_scheduler.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <optional>
 #include <set>
@@ -15,21 +17,6 @@
 #include <vector>
 
 namespace flowtide::test {
-
-/// Notes what edits ask of the preview, a letter each.
-class NotingPreview final : public PreviewControl {
-public:
-    void pausePlayback() override { notes += 'p'; }
-    void beginPreviewOperation() override { notes += 'o'; }
-    void cancelAutomaticRender() override { notes += 'c'; }
-    void invalidateEditedPreviews() override { notes += 'i'; }
-    void scheduleSmartPreview() override { notes += 's'; }
-    void schedulePreviewRefreshAfterEdit() override { notes += 'r'; }
-    void showPlayhead() override { notes += 'h'; }
-    void resetPreview() override { notes += 'x'; }
-
-    std::string notes;
-};
 
 /// Plays a script. Clips are 10 s of 1920 × 1080 at 30 fps.
 class ScriptedSessionMedia final : public SessionMedia {
@@ -45,6 +32,7 @@ public:
         clip.height = 1080;
         clip.video.encodedWidth = 1920;
         clip.video.encodedHeight = 1080;
+        if (hasSound) clip.audio.emplace();
         return clip;
     }
     std::string fingerprint(const std::filesystem::path& path) override { return clipFingerprint(path); }
@@ -76,6 +64,16 @@ public:
         return *previewFiles.insert(id.text() + ".mov").first;
     }
     void removePreview(const std::filesystem::path& file) noexcept override { previewFiles.erase(file); }
+    AudioData loadSound(const ImportedClip&, const CancelCheck& isCancelled) override {
+        throwIfCancelled(isCancelled);
+        if (soundFailure) throw FlowtideError::readerFailed(*soundFailure);
+        return {{0.5F, 0.5F}, 48'000, 1, 0, 0};
+    }
+    SourceFrame sourceFrame(const std::shared_ptr<const ImportedClip>&, SourceSeconds time, OutputSize) override {
+        framesAskedFor.push_back(time.value);
+        if (failure) throw FlowtideError::readerFailed(*failure);
+        return {{}, {std::floor(time.value * 30 + 1e-6) / 30}};
+    }
     SubjectTrackResult track(const ImportedClip&, SourceSeconds, const SubjectBox&, SourceRange,
                              const std::function<void(TrackingProgress)>& onProgress,
                              const CancelCheck& isCancelled) override {
@@ -86,6 +84,9 @@ public:
     }
 
     double duration = 10;
+    bool hasSound = false;
+    std::optional<std::string> soundFailure;
+    std::vector<double> framesAskedFor; ///< source seconds
     std::optional<std::string> failure; ///< of every operation
     SubjectTrackResult tracked;
     std::optional<ExportRequest> exported;
@@ -105,9 +106,9 @@ protected:
         model = newModel();
     }
     std::unique_ptr<FlowtideViewModel> newModel() {
-        return std::make_unique<FlowtideViewModel>(SessionEnvironment{scheduler, preview, media,
-                                                                      std::make_shared<ProjectStore>(folder / "state"),
-                                                                      [this] { return smoothMotion; }});
+        return std::make_unique<FlowtideViewModel>(SessionEnvironment{
+            scheduler, player, media, std::make_shared<ProjectStore>(folder / "state"), [this] { return smoothMotion; },
+            "Ctrl+Z", [this](std::string_view line) { logged.emplace_back(line); }});
     }
     /// A file that can be opened as a clip.
     std::filesystem::path clipFile(const std::string& name) {
@@ -119,12 +120,17 @@ protected:
         model->importClip(clipFile(name));
         scheduler.settle();
         ASSERT_TRUE(model->clip());
-        preview.notes.clear();
     }
     /// Time enough for every save.
     void rest() {
         scheduler.advance(1);
         scheduler.settle();
+    }
+    /// How often the player is given something else to play once the user rests.
+    std::size_t rebuilds() {
+        const std::size_t before = player.items.size();
+        scheduler.advance(1);
+        return player.items.size() - before;
     }
     FlowtideProject storedProject() const {
         return ProjectStore::load(ProjectStore(folder / "state").projectFile(model->binding().projectID()));
@@ -140,9 +146,10 @@ protected:
 
     TemporaryFolder folder;
     VirtualScheduler scheduler;
-    NotingPreview preview;
+    ScriptedPlayer player{scheduler};
     std::shared_ptr<ScriptedSessionMedia> media = std::make_shared<ScriptedSessionMedia>();
     double smoothMotion = 30;
+    std::vector<std::string> logged;
     std::unique_ptr<FlowtideViewModel> model;
 };
 

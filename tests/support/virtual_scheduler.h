@@ -39,9 +39,8 @@ public:
         while (isBusy) {
             isBusy = !posted_.empty();
             turn();
-            for (const auto queue :
-                 {BackgroundQueue::projects, BackgroundQueue::clips, BackgroundQueue::jobs, BackgroundQueue::renders})
-                isBusy = runJob(queue) || isBusy;
+            for (int queue = 0; queue < static_cast<int>(BackgroundQueue::count); ++queue)
+                isBusy = runJob(static_cast<BackgroundQueue>(queue)) || isBusy;
         }
     }
     /// Lets time pass; timers run in the order of their times.

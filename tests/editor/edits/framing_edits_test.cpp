@@ -13,7 +13,7 @@ TEST_F(FramingEditsTest, ACropDragKeysThePlayhead) {
     EXPECT_EQ(model->history().undoStack().size(), 0U); // locked
     EXPECT_EQ(model->framing().liveCropTravel(0), 0.5);
     model->setLockCropCenter(false);
-    model->movePlayhead(0.4);
+    model->scrub(0.4);
     model->beginCropDrag();
     EXPECT_TRUE(model->framing().isCropDragActive());
     model->updateCropDrag(0.7);
@@ -24,7 +24,7 @@ TEST_F(FramingEditsTest, ACropDragKeysThePlayhead) {
     EXPECT_EQ(model->framing().centerKeyframes()[1].time, 4);
     EXPECT_EQ(model->framing().centerKeyframes()[1].speed, 1);
     for (const auto& [time, count] : {std::pair{4.009, 3U}, {4.02, 4U}, {0.005, 4U}}) {
-        model->movePlayhead(time / 10);
+        model->scrub(time / 10);
         model->beginCropDrag();
         model->updateCropDrag(0.25);
         model->endCropDrag();
@@ -61,9 +61,8 @@ TEST_F(FramingEditsTest, ATrackReplacesTheFramingOfItsSpan) {
         result.samples.push_back({frame / 30.0, 0.2 + 0.6 * (frame - 120) / 90});
     const SpeedKeyframes tracked = result.keyframes(606.0 / 1920); // an even number of pixels, as exported
     ASSERT_GE(tracked.size(), 2U);
-    preview.notes.clear();
     model->applySubjectTrackingResult(result);
-    EXPECT_EQ(preview.notes, "cop"); // rendered previews stay
+    EXPECT_EQ(rebuilds(), 0U); // rendered previews stay
     EXPECT_EQ(model->history().undoStack().size(), 2U);
     ASSERT_EQ(model->framing().centerKeyframes().size(), 3 + tracked.size());
     EXPECT_EQ(model->framing().centerKeyframes()[1].time, tracked[0].time);
@@ -100,11 +99,11 @@ TEST_F(FramingEditsTest, ZoomBlocks) {
     const Uuid second = model->zoom().zoomBlocks()[1].id;
     EXPECT_EQ(model->zoom().zoomBlocks()[1].startTime, 0.25);
 
-    model->movePlayhead(0.02);
+    model->scrub(0.02);
     EXPECT_TRUE(model->canAddOrSelectZoomBlock());
     model->addOrSelectZoomBlock();
     EXPECT_EQ(model->zoom().selectedZoomBlockID(), first.id);
-    model->movePlayhead(0.98);
+    model->scrub(0.98);
     model->addOrSelectZoomBlock();
     EXPECT_EQ(model->zoom().zoomBlocks().size(), 2U); // 0.2 s are too few
     EXPECT_FALSE(model->canAddOrSelectZoomBlock());
@@ -126,7 +125,7 @@ TEST_F(FramingEditsTest, ZoomBlocks) {
     EXPECT_EQ(model->zoom().block(second)->focalX, 0.3);
     EXPECT_EQ(model->zoom().block(second)->focalY, 1);
     for (const double progress : {0.5, 0.52, 0.56}) {
-        model->movePlayhead((5 + 2.75 * progress) / 10);
+        model->scrub((5 + 2.75 * progress) / 10);
         model->updateZoomFocal(second, progress, 0.1, true);
     }
     const auto& focal = model->zoom().block(second)->focalKeyframes;

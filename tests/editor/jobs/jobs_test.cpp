@@ -147,8 +147,13 @@ TEST_F(JobsTest, TrackingEndsWithTheSentenceOfWhatItCameTo) {
         media->tracked.lostFrames = lostFrames;
         model->beginSubjectSelection();
         EXPECT_TRUE(model->tracking().selectingSubject());
+        EXPECT_EQ(model->tracking().trackingMessage(), "Loading the source frame…");
+        EXPECT_FALSE(model->tracking().subjectSelectionBuffer());
+        if (lost) scheduler.settle(); // else the frame comes too late
+        EXPECT_EQ(model->tracking().subjectSelectionBuffer() != nullptr, lost);
+        EXPECT_EQ(model->tracking().trackingMessage()->starts_with("Draw a tight box"), lost);
         model->startTracking({0.1, 0.1, 0.2, 0.2});
-        EXPECT_FALSE(model->tracking().selectingSubject());
+        EXPECT_FALSE(model->tracking().selectingSubject() || model->tracking().subjectSelectionBuffer());
         EXPECT_EQ(model->tracking().trackingMessage(), "Following the subject…");
         scheduler.settle();
         EXPECT_FALSE(model->tracking().isTracking());
@@ -176,6 +181,10 @@ TEST_F(JobsTest, TrackingEndsWithTheSentenceOfWhatItCameTo) {
     scheduler.settle();
     EXPECT_FALSE(model->tracking().isTracking());
     media->failure = "Could not decode tracking frames.";
+    model->beginSubjectSelection();
+    scheduler.settle();
+    EXPECT_FALSE(model->tracking().selectingSubject());
+    EXPECT_NE(model->tracking().trackingMessage()->find("Could not decode tracking frames."), std::string::npos);
     model->startTracking({0.1, 0.1, 0.2, 0.2});
     scheduler.settle();
     EXPECT_NE(model->tracking().trackingMessage()->find("Could not decode tracking frames."), std::string::npos);

@@ -43,13 +43,13 @@ protected:
     void invalidateEditedPreviews() override { ahead.invalidateEditedPreviews(); }
     void scheduleSmartPreview() override { ahead.scheduleSmartPreview(); }
     void schedulePreviewRefreshAfterEdit() override {}
-    void showPlayhead() override {}
+    void scrub(double position) override { session.timeline.setScrubPosition(position); }
     void resetPreview() override { ahead.reset(); }
 
     VirtualScheduler scheduler;
     ChangeNotifier notifier{scheduler};
     SessionJobs jobs{scheduler};
-    EditSession session{notifier, {*this, [] {}, [] { return 30.0; }}};
+    EditSession session{notifier, {[this]() -> PreviewControl& { return *this; }, [] {}, [] { return 30.0; }}};
     CurveEdits edits{session};
     FlowEdits flow{session};
     std::shared_ptr<ScriptedSessionMedia> media = std::make_shared<ScriptedSessionMedia>();

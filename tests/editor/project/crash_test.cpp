@@ -50,8 +50,8 @@ private:
 [[noreturn]] void storm(Trace& trace, const std::filesystem::path& clip, const std::filesystem::path& state, int pipe) {
     {
         TracingLoop loop(trace);
-        NotingPreview preview;
-        FlowtideViewModel model({loop, preview, std::make_shared<ScriptedSessionMedia>(),
+        ScriptedPlayer player(loop);
+        FlowtideViewModel model({loop, player, std::make_shared<ScriptedSessionMedia>(),
                                  std::make_shared<ProjectStore>(state), [] { return 30.0; }});
         model.importClip(clip);
         loop.run([&] { return model.clip() && model.binding().projectSaveMessage() == "Saved"; });

@@ -75,7 +75,7 @@ TEST_F(ProjectBindingTest, ARestartBringsEverythingBack) {
     model->setFrameInterpolation(FrameInterpolation::nearest);
     model->setPreviewResolution(PreviewResolution::full);
     model->setSmartPreviewEnabled(true);
-    model->movePlayhead(0.45);
+    model->scrub(0.45);
     model->setTimelineZoom(3);
     model->setTimelineCenter(0.6);
     const CurveSnapshot snapshot = model->currentSnapshot();
@@ -88,7 +88,9 @@ TEST_F(ProjectBindingTest, ARestartBringsEverythingBack) {
     EXPECT_EQ(undated(encodeProject(model->projectSnapshot())), undated(unsaved));
     EXPECT_EQ(undated(storedText()), undated(unsaved));
     EXPECT_TRUE(model->history().undoStack().empty());
-    EXPECT_EQ(preview.notes.back(), 'x'); // after the edits, for the player to show them
+    ASSERT_TRUE(player.item()); // after the edits, for the player to show them
+    EXPECT_EQ(player.item()->media.timeMap.sourceRange(), (SourceRange{1, 9}));
+    EXPECT_NEAR(player.currentTime().value, player.item()->media.timeMap.outputTime({4.5}).value, 1e-6);
 
     // Opening the clip instead finds the same project.
     makeModel();

@@ -55,13 +55,14 @@ TEST(SourceFrameEngine, ShowsTheFrameOfATimeUpright) {
     SourceFrameEngine engine(*backend, clip, anySize);
     for (const auto& [time, number] : std::vector<std::pair<double, double>>{
              {0.4, 10}, {0.0399, 0}, {0.04, 1}, {0.04 - 1e-9, 1}, {0.7601, 19}, {0.7599, 18}, {0, 0}, {0.9, 19}}) {
-        const DisplayFrame frame = engine.frame({time});
+        const auto [frame, found] = engine.frame({time});
+        EXPECT_NEAR(found.value, number * 0.04, 1e-9) << time;
         ASSERT_EQ((OutputSize{frame.width, frame.height}), (OutputSize{64, 96}));
         EXPECT_NEAR(numberAt(frame, 32, 24), number, 0.4) << time;
         EXPECT_GT(pixelAt(frame, 32, 72) & 0xFF, 245U) << time;
         EXPECT_EQ(pixelAt(frame, 32, 72) >> 24, 0xFFU);
     }
-    const DisplayFrame small = SourceFrameEngine(*backend, clip, {1000, 48}).frame({0.4});
+    const DisplayFrame small = SourceFrameEngine(*backend, clip, {1000, 48}).frame({0.4}).picture;
     EXPECT_EQ((OutputSize{small.width, small.height}), (OutputSize{32, 48}));
     EXPECT_NEAR(numberAt(small, 16, 12), 10, 0.4);
 }
@@ -80,12 +81,12 @@ TEST(SourceFrameEngine, KeepsTheLastFrameAndNoFailure) {
     const test::ScriptedBackend backend(script);
     const auto clip = std::make_shared<ImportedClip>(ImportedClip::load(backend, folder / "in.mov"));
     SourceFrameEngine engine(backend, clip, anySize);
-    const DisplayFrame first = engine.frame({1});
-    EXPECT_EQ(engine.frame({1}).pixels, first.pixels);
+    const DisplayFrame first = engine.frame({1}).picture;
+    EXPECT_EQ(engine.frame({1}).picture.pixels, first.pixels);
     EXPECT_EQ(opened, 1);
     fails = true;
     EXPECT_THROW(engine.frame({0.5}), FlowtideError);
-    EXPECT_EQ(engine.frame({1}).pixels, first.pixels);
+    EXPECT_EQ(engine.frame({1}).picture.pixels, first.pixels);
     fails = false;
     engine.frame({0.5});
     engine.frame({1});
