@@ -18,11 +18,9 @@ PreviewRender::PreviewRender(EditSession& session, SessionJobs& jobs, ChangeNoti
     , progress_(notifier, Property::previewRenderProgress)
     , error_(notifier, Property::previewRenderError) {}
 
-PreviewRender::Job PreviewRender::job(const SourceRange& range) const {
-    const RetimedOutput output = previews_.output();
-    const WholeFrames frames = PreviewRanges::widenedToFrames(output, range);
-    Job job;
-    ExportRequest& request = job.request;
+ExportRequest PreviewRender::request(const WholeFrames& frames) const {
+    const TimeMap& timeMap = session_.curve.timeMap();
+    ExportRequest request;
     request.clip = *session_.clip();
     request.clip.audio.reset(); // the player retimes the sound itself
     request.keyframes = session_.curve.keyframes();
@@ -31,16 +29,10 @@ PreviewRender::Job PreviewRender::job(const SourceRange& range) const {
     request.interpolation = FrameInterpolation::opticalFlow;
     request.opticalFlowRanges = previews_.flowRanges();
     if (!session_.zoom.zoomBlocks().empty()) request.zoom = ZoomSettings{session_.zoom.zoomBlocks()};
-    request.previewTimeMap = output.timeMap.sliced(frames.range);
-    request.previewOf = WholeOutput{output.timeMap, frames.firstFrame};
+    request.previewTimeMap = timeMap.sliced(frames.range);
+    request.previewOf = WholeOutput{timeMap, frames.firstFrame};
     request.previewResolution = session_.timeline.previewResolution();
-    job.preview = {.id = Uuid::random(),
-                   .url = {},
-                   .timeMap = output.timeMap.sliced(range),
-                   .fileStart = frames.leadSeconds,
-                   .signature = previews_.previewSignature(range),
-                   .resolution = session_.timeline.previewResolution()};
-    return job;
+    return request;
 }
 
 bool PreviewRender::canStart(const SourceRange& range) const {
@@ -49,25 +41,31 @@ bool PreviewRender::canStart(const SourceRange& range) const {
 
 void PreviewRender::start(const SourceRange& range, bool automatically) {
     if (!canStart(range)) return;
-    Job work = job(range);
-    const Uuid id = work.preview.id;
+    const RetimedOutput output = previews_.output();
+    const WholeFrames frames = PreviewRanges::widenedToFrames(output, range);
+    const Uuid id = Uuid::random();
+    RenderedPreview preview{.id = id,
+                            .url = {},
+                            .timeMap = output.timeMap.sliced(range),
+                            .fileStart = frames.leadSeconds,
+                            .signature = previews_.previewSignature(range),
+                            .resolution = session_.timeline.previewResolution()};
     previewRenderID_ = id;
     renderingPreviewRange_.set(range);
-    renderingSignature_ = work.preview.signature;
+    renderingSignature_ = preview.signature;
     isAutomatic_.set(automatically);
     progress_.set(0);
     error_.set({});
     const auto onProgress = jobs_.home<double>([this, id](double fraction) {
         if (previewRenderID_ == id) progress_.set(fraction);
     });
+    const CancelCheck isCancelled = cancelFlag_.renewed();
     jobs_.start(
         BackgroundQueue::renders,
-        [media = media_, id, request = std::move(work.request), onProgress, isCancelled = cancelFlag_.renewed()] {
+        [media = media_, id, request = request(frames), onProgress, isCancelled] {
             return media->renderPreview(id, request, onProgress, isCancelled);
         },
-        [this, preview = std::move(work.preview)](Outcome<std::filesystem::path>& outcome) {
-            receive(outcome, preview);
-        });
+        [this, preview = std::move(preview)](Outcome<std::filesystem::path>& outcome) { receive(outcome, preview); });
 }
 
 void PreviewRender::receive(Outcome<std::filesystem::path>& outcome, RenderedPreview preview) {

@@ -46,12 +46,7 @@ public:
     bool cancelIfOutdated();
 
 private:
-    /// What a render will be installed as.
-    struct Job {
-        ExportRequest request;
-        RenderedPreview preview;
-    };
-    Job job(const SourceRange& range) const;
+    ExportRequest request(const WholeFrames& frames) const;
     void receive(Outcome<std::filesystem::path>& outcome, RenderedPreview preview);
     void end(End how);
 

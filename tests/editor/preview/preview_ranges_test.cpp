@@ -1,9 +1,6 @@
 // The choice of what to render, and the frames of a render.
-#include "core/curve_engine.h"
-#include "editor/preview/preview_ranges.h"
 #include "tests/core/random_curve.h"
-
-#include <gtest/gtest.h>
+#include "tests/editor/preview/render_ahead_stage.h"
 
 namespace flowtide::test {
 namespace {
@@ -12,14 +9,6 @@ using namespace PreviewRanges;
 
 TimeMap halfSpeed(double duration) {
     return CurveEngine::buildTimeMap({{{}, 0, 0.5}, {{}, duration, 0.5}}, duration, {}, 1000, 0);
-}
-
-void expectRanges(const SourceRanges& ranges, const SourceRanges& expected, const std::string& what) {
-    ASSERT_EQ(ranges.size(), expected.size()) << what;
-    for (std::size_t i = 0; i < ranges.size(); ++i) {
-        EXPECT_NEAR(ranges[i].lower, expected[i].lower, 1e-6) << what;
-        EXPECT_NEAR(ranges[i].upper, expected[i].upper, 1e-6) << what;
-    }
 }
 
 TEST(PreviewRanges, AnIdleRenderStaysAroundThePlayhead) {

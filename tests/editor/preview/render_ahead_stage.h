@@ -11,6 +11,14 @@
 
 namespace flowtide::test {
 
+inline void expectRanges(const SourceRanges& ranges, const SourceRanges& expected, const std::string& what = {}) {
+    ASSERT_EQ(ranges.size(), expected.size()) << what;
+    for (std::size_t i = 0; i < ranges.size(); ++i) {
+        EXPECT_NEAR(ranges[i].lower, expected[i].lower, 1e-6) << what;
+        EXPECT_NEAR(ranges[i].upper, expected[i].upper, 1e-6) << what;
+    }
+}
+
 class RenderAheadStage : public testing::Test, protected PreviewControl {
 protected:
     RenderAheadStage() {

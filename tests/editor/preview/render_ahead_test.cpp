@@ -13,35 +13,24 @@ TEST_F(RenderAheadTest, ARenderHasTheFramesOfTheExport) {
     TrimEdits(session).applyTrimRange(1, 9);
     session.framing.setVerticalCropEnabled(true);
     render({3.3, 5.1});
-    ASSERT_EQ(media->rendered.size(), 1U);
-    const auto toNobody = [](std::string_view) {};
-    const ExportRequest& request = media->rendered[0];
+    const auto plan = [](const ExportRequest& request) { return planExport(request, [](std::string_view) {}); };
+    ExportRequest request = media->rendered.at(0);
     EXPECT_EQ(request.previewResolution, PreviewResolution::quick);
-    const ExportPlan part = planExport(request, toNobody);
-    ExportRequest whole = request;
-    whole.sourceRange = {1, 9};
-    whole.previewTimeMap.reset();
-    whole.previewOf.reset();
-    const ExportPlan plan = planExport(whole, toNobody);
-
-    const double frame = 1.0 / 30;
-    const auto first = static_cast<std::int64_t>(plan.timeMap.outputTime({3.3}).value / frame);
-    ASSERT_GT(part.frameCount, 100);
-    for (std::int64_t i = 0; i < part.frameCount; ++i) {
-        const double time = static_cast<double>(i) * frame;
-        const SourceSeconds source = plan.timeMap.sourceTime({time + static_cast<double>(first) * frame});
-        ASSERT_NEAR(part.timeMap.sourceTime({time}).value, source.value, 1e-9);
-        ASSERT_EQ(OpticalFlowScope::contains(part.opticalFlowRanges, source),
-                  OpticalFlowScope::contains(plan.opticalFlowRanges, source));
-        ASSERT_EQ(part.framing.zooms.at(static_cast<std::size_t>(i)),
-                  plan.framing.zooms.at(static_cast<std::size_t>(first + i)));
-    }
+    const ExportPlan part = plan(request);
     EXPECT_FALSE(part.framing.crop);
     const RenderedPreview& preview = ahead.previews().renderedPreviews().at(0);
     EXPECT_EQ(preview.timeMap.sourceRange(), (SourceRange{3.3, 5.1}));
     EXPECT_NEAR(preview.fileStart, part.timeMap.outputTime({3.3}).value, 1e-9);
-    EXPECT_EQ(preview.resolution, PreviewResolution::quick);
     EXPECT_EQ(shown, 1);
+
+    request.sourceRange = {1, 9};
+    request.previewTimeMap.reset();
+    request.previewOf.reset();
+    const ExportPlan whole = plan(request);
+    const auto first = static_cast<std::size_t>(whole.timeMap.outputTime({3.3}).value * 30);
+    ASSERT_GT(part.framing.zooms.size(), 100U);
+    for (std::size_t i = 0; i < part.framing.zooms.size(); ++i)
+        ASSERT_EQ(part.framing.zooms[i], whole.framing.zooms.at(first + i));
 }
 
 TEST_F(RenderAheadTest, AnIdleRenderBeginsASecondAfterTheLastActivity) {
@@ -59,8 +48,7 @@ TEST_F(RenderAheadTest, AnIdleRenderBeginsASecondAfterTheLastActivity) {
     EXPECT_EQ(ahead.playheadLabel(), "Preview rendering");
     scheduler.settle();
     EXPECT_EQ(ahead.playheadLabel(), "Preview rendered");
-    EXPECT_NEAR(renderedRanges().at(0).lower, 3.75, 1e-6);
-    EXPECT_NEAR(renderedRanges().at(0).upper, 6.25, 1e-6);
+    expectRanges(renderedRanges(), {{3.75, 6.25}});
     movePlayheadTo(6); // re-armed by the end of the render before
     scheduler.advance(1);
     EXPECT_TRUE(ahead.render().isAutomaticPreviewRender());
@@ -80,6 +68,7 @@ TEST_F(RenderAheadTest, AnIdleRenderBeginsASecondAfterTheLastActivity) {
 
 TEST_F(RenderAheadTest, AnIdleRenderHasConditions) {
     movePlayheadTo(5);
+    const auto nothing = [] {};
     const auto begins = [&](const std::function<void()>& change, const std::function<void()>& undo) {
         session.timeline.setSmartPreviewEnabled(true);
         ahead.scheduleSmartPreview();
@@ -91,7 +80,6 @@ TEST_F(RenderAheadTest, AnIdleRenderHasConditions) {
         scheduler.settle();
         return isAutomatic;
     };
-    const auto nothing = [] {};
     EXPECT_TRUE(begins(nothing, nothing));
     EXPECT_FALSE(begins([&] { isBusy = true; }, [&] { isBusy = false; }));
     EXPECT_FALSE(begins([&] { session.timeline.setSmartPreviewEnabled(false); }, nothing));
@@ -131,13 +119,7 @@ TEST_F(RenderAheadTest, AllRangesAreRenderedInPieces) {
     EXPECT_EQ(labels.front(), "Rendering all ranges 0%");
     EXPECT_NE(std::find(labels.begin(), labels.end(), "Rendering all ranges 41%"), labels.end()); // 5 of 12
     EXPECT_EQ(ahead.renderAllLabel(), "All ranges rendered");
-    const SourceRanges ranges = renderedRanges();
-    const SourceRanges expected{{2, 4.5}, {4.5, 7}, {7, 8}};
-    ASSERT_EQ(ranges.size(), expected.size());
-    for (std::size_t i = 0; i < ranges.size(); ++i) {
-        EXPECT_NEAR(ranges[i].lower, expected[i].lower, 1e-6);
-        EXPECT_NEAR(ranges[i].upper, expected[i].upper, 1e-6);
-    }
+    expectRanges(renderedRanges(), {{2, 4.5}, {4.5, 7}, {7, 8}});
     EXPECT_EQ(shown, 3);
     EXPECT_EQ(ahead.playheadLabel(), std::nullopt);
 
@@ -214,7 +196,7 @@ TEST_F(RenderAheadTest, OfRendersOneAtATimeAndFailuresWithTheirSentence) {
     session.timeline.setSmartPreviewEnabled(true);
     movePlayheadTo(5);
     ahead.renderSelectedPreview(); // nothing is selected
-    EXPECT_FALSE(ahead.render().isRendering());
+    EXPECT_FALSE(ahead.render().renderingPreviewRange());
     flow.selectRange(session.flow.opticalFlowRanges()[0].id);
     ahead.renderSelectedPreview();
     EXPECT_EQ(ahead.render().renderingPreviewRange(), (SourceRange{0, 10}));
