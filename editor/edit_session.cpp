@@ -80,10 +80,12 @@ void EditSession::endCurveEdit() {
     CurveSnapshot before = *history.pendingUndoSnapshot();
     history.setPendingUndoSnapshot({});
     const CurveSnapshot after = currentSnapshot();
-    if (before == after) return;
     const bool playsTheSame = hasSameSpeed(before, after);
-    history.pushUndoSnapshot(std::move(before));
-    if (!playsTheSame && !isRestoringProject_) refreshPreview();
+    if (before != after) history.pushUndoSnapshot(std::move(before));
+    if (playsTheSame)
+        preview().scheduleSmartPreview();
+    else if (!isRestoringProject_)
+        refreshPreview();
 }
 
 void EditSession::recordStep() {

@@ -67,6 +67,7 @@ void ExportJob::finish(Outcome<ExportValidationReport>& outcome, const OpenClip&
     } catch (const std::exception& error) {
         if (const auto failure = failureToShow(error)) alert_.show("Export failed", *failure);
     }
+    session_.preview().scheduleSmartPreview();
 }
 
 } // namespace flowtide

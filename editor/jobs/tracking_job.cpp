@@ -91,6 +91,7 @@ void TrackingJob::cancelTracking() {
     isTracking_.set(false);
     trackingPreview_.set({});
     trackingMessage_.set({});
+    session_.preview().scheduleSmartPreview();
 }
 
 TrackingJob::Basis TrackingJob::basis() const {

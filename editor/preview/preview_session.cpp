@@ -37,6 +37,7 @@ void PreviewSession::resetPreview() {
     comparison_.reset();
     renders_.reset();
     refresh_.reset();
+    renders_.scheduleSmartPreview();
 }
 
 } // namespace flowtide

@@ -101,6 +101,40 @@ TEST_F(RenderAheadTest, AnIdleRenderHasConditions) {
     EXPECT_TRUE(renderedRanges().empty());
 }
 
+using RenderAheadSessionTest = SessionStage;
+
+TEST_F(RenderAheadSessionTest, EveryEndOfActivityLetsAnIdleRenderBegin) {
+    open();
+    model->replaceKeyframes({point(0, 0.5), point(10, 0.5)});
+    model->scrub(0.5);
+    model->setSmartPreviewEnabled(true);
+    rest();
+    const auto nothing = [] {};
+    const std::tuple<const char*, std::function<void()>, std::function<void()>> activities[] = {
+        {"gesture", [&] { model->beginCurveEdit(); }, [&] { model->endCurveEdit(); }},
+        {"zoom",
+         [&] {
+             model->beginCurveEdit();
+             model->addZoomBlock({1, 2});
+         },
+         [&] { model->endCurveEdit(); }},
+        {"export", [&] { model->exportClip(folder / "out.mov"); }, nothing},
+        {"selection", [&] { model->beginSubjectSelection(); }, [&] { model->cancelTracking(); }},
+        {"undo", [&] { model->beginCurveEdit(); }, [&] { model->undo(); }},
+        {"project", [&] { model->reset(); }, [&] { open(); }},
+    };
+    for (const auto& [what, begin, end] : activities) {
+        model->clearPreviewCache();
+        begin();
+        scheduler.advance(2);
+        scheduler.settle();
+        EXPECT_TRUE(model->renders().previews().renderedPreviews().empty()) << what;
+        end();
+        rest();
+        EXPECT_EQ(model->renders().previews().renderedPreviews().size(), 1U) << what;
+    }
+}
+
 TEST_F(RenderAheadTest, AllRangesAreRenderedInPieces) {
     TrimEdits(session).applyTrimRange(2, 8); // 12 s of output
     EXPECT_EQ(ahead.renderAllLabel(), "Render all ranges");
