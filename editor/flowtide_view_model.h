@@ -153,7 +153,10 @@ public:
     void scrub(double position, bool preservePlayback = false) {
         preview_.transport().scrub(position, preservePlayback);
     }
-    void renderSelectedPreview() { preview_.renders().renderSelectedPreview(); }
+    /// A range of source seconds, or else the selected one.
+    void renderSelectedPreview(std::optional<SourceRange> range = {}) {
+        preview_.renders().renderSelectedPreview(false, range);
+    }
     void renderAllRanges() { preview_.renders().renderAllRanges(); }
     void stopRenderingAll() { preview_.renders().stopRenderingAll(); }
     void cancelPreviewRender() { preview_.renders().cancelPreviewRender(); }

@@ -20,7 +20,9 @@ TEST(PreviewFiles, OnlyWhatHasSucceededIsLeft) {
             count += entry.path().extension() == ".mov";
         return count;
     };
+    bool isToBeCancelled = false;
     bool isCancelled = false;
+    script.onAppendVideo = [&](std::int64_t) { isCancelled = isToBeCancelled; };
     const ScriptedBackend backend(script);
     FaultyOperations operations;
     TemporaryItems items(folder / "temporary", operations);
@@ -37,7 +39,7 @@ TEST(PreviewFiles, OnlyWhatHasSucceededIsLeft) {
     operations.failing = {};
     const auto file = render(); // the next one tries again
     EXPECT_TRUE(std::filesystem::is_regular_file(file));
-    isCancelled = true;
+    isToBeCancelled = true;
     EXPECT_THROW(render(), FlowtideError);
     EXPECT_EQ(files(), 1U);
     media.removePreview(file);
