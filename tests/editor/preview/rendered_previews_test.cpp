@@ -29,7 +29,7 @@ TEST_F(RenderedPreviewsTest, ANewRenderCutsWhatItOverlaps) {
         std::vector<RenderedPreview> previews = ahead().previews().activeCachedPreviews();
         EXPECT_EQ(media->previewFiles.size(), previews.size());
         std::erase_if(previews,
-                      [&](const RenderedPreview& preview) { return preview.timeMap.sourceRange() == around; });
+                      [&cut = around](const RenderedPreview& preview) { return preview.timeMap.sourceRange() == cut; });
         ASSERT_EQ(previews.size(), left.size()) << around.lower;
         if (left.empty()) continue;
         EXPECT_EQ(previews[0].timeMap.sourceRange(), left[0]);
