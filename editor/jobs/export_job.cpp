@@ -43,9 +43,10 @@ void ExportJob::start(const std::filesystem::path& destination) {
     report_.set(nullptr);
     startedAt_ = jobs_.scheduler().now();
     const auto onProgress = jobs_.home<double>([this](double fraction) { receiveProgress(fraction); });
+    const CancelCheck isCancelled = cancelFlag_.renewed();
     jobs_.start(
         BackgroundQueue::jobs,
-        [media = media_, request = request(destination), onProgress, isCancelled = cancelFlag_.renewed()] {
+        [media = media_, request = request(destination), onProgress, isCancelled] {
             return media->exportClip(request, onProgress, isCancelled);
         },
         [this, clip = session_.clip()](Outcome<ExportValidationReport>& outcome) { finish(outcome, clip); });
