@@ -3,11 +3,13 @@
 
 namespace flowtide {
 
-OutputFrames::OutputFrames(const ExportPlan& plan, VideoReader& reader, FrameInterpolating* renderer)
+OutputFrames::OutputFrames(const ExportPlan& plan, VideoReader& reader, FrameInterpolating* renderer,
+                           std::int64_t firstIndex)
     : plan_(plan)
     , renderer_(renderer)
     , held_(reader, renderer ? HeldFrames::Context::kept : HeldFrames::Context::none, plan.contextReachSeconds)
-    , framing_(plan.framing) {}
+    , framing_(plan.framing)
+    , index_(firstIndex) {}
 
 std::optional<VideoFrame> OutputFrames::next() {
     if (index_ >= plan_.frameCount) return std::nullopt;
@@ -21,10 +23,9 @@ std::optional<VideoFrame> OutputFrames::next() {
 VideoFrame OutputFrames::frameAt(SourceSeconds time) {
     const TimedFrame& previous = *held_.previous();
     const auto& next = held_.next();
-    if (renderer_ && next && previous.time < time && time < next->time &&
-        OpticalFlowScope::contains(plan_.opticalFlowRanges, time))
-        return renderer_->render({previous, *next, held_.before(), held_.after()}, time);
-    return previous.frame;
+    isInBetween_ = renderer_ && next && previous.time < time && time < next->time &&
+                   OpticalFlowScope::contains(plan_.opticalFlowRanges, time);
+    return isInBetween_ ? renderer_->render({previous, *next, held_.before(), held_.after()}, time) : previous.frame;
 }
 
 } // namespace flowtide

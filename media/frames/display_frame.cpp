@@ -28,6 +28,10 @@ OutputSize fittedSize(OutputSize displayed, OutputSize box) {
             std::max<std::int64_t>(std::llround(scale * side(displayed.height)), 1)};
 }
 
+OutputSize shrunkSize(OutputSize displayed, OutputSize box) {
+    return fittedSize(displayed, {std::min(displayed.width, box.width), std::min(displayed.height, box.height)});
+}
+
 class DisplayConverter::Implementation {
 public:
     DisplayFrame convert(const VideoFrame& frame, const PictureColor& color, const AffineTransform& orientation,

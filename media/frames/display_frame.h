@@ -25,6 +25,8 @@ struct DisplayFrame {
 
 /// The size of a picture of `displayed` pixels drawn as large as `box` holds, its proportions kept; at least 1 × 1.
 OutputSize fittedSize(OutputSize displayed, OutputSize box);
+/// The same, but never larger than it is.
+OutputSize shrunkSize(OutputSize displayed, OutputSize box);
 
 /// Converts frames for a display that shows BT.709 video as it is. Each plane is resampled once, at its own siting
 /// (Catmull-Rom for luma, linear for chroma), straight to the wanted size. Then:

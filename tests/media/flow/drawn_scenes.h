@@ -37,6 +37,18 @@ VideoFrame drawn(PixelLayout layout, int width, int height, const Picture& pictu
     return frame;
 }
 
+/// Whether every sample is the same.
+inline bool samePixels(const VideoFrame& a, const VideoFrame& b) {
+    for (std::size_t plane = 0; plane < 3; ++plane)
+        for (int row = 0; row < planeHeight(a.layout, a.height, plane); ++row)
+            if (std::memcmp(
+                    a.planes[plane].data + row * a.planes[plane].stride,
+                    b.planes[plane].data + row * b.planes[plane].stride,
+                    static_cast<std::size_t>(planeWidth(a.layout, a.width, plane) * a.layout.bytesPerSample())) != 0)
+                return false;
+    return true;
+}
+
 /// A texture with detail at every scale down to a few pixels.
 inline double texture(double x, double y) {
     return 128 + 30 * std::sin(x * 0.11 + 0.7 * std::sin(y * 0.05)) + 25 * std::sin(y * 0.17 + 0.03 * x) +

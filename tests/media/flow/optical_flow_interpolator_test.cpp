@@ -20,17 +20,6 @@ constexpr PixelLayout layouts[] = {
     {ChromaSubsampling::yuv420, 10, true},
 };
 
-bool samePixels(const VideoFrame& a, const VideoFrame& b) {
-    for (std::size_t plane = 0; plane < 3; ++plane)
-        for (int row = 0; row < planeHeight(a.layout, a.height, plane); ++row)
-            if (std::memcmp(
-                    a.planes[plane].data + row * a.planes[plane].stride,
-                    b.planes[plane].data + row * b.planes[plane].stride,
-                    static_cast<std::size_t>(planeWidth(a.layout, a.width, plane) * a.layout.bytesPerSample())) != 0)
-                return false;
-    return true;
-}
-
 TEST(OpticalFlow, ATranslationLandsWhereThePhaseSays) {
     for (const auto& layout : layouts) {
         const double dx = 7.3;

@@ -1,0 +1,65 @@
+// A single picture of an export is the export's own, to the byte.
+#include "media/export/export_frame_engine.h"
+#include "media/export/export_plan.h"
+#include "media/export/output_frames.h"
+#include "media/ffmpeg/ffmpeg_backend.h"
+#include "media/flow/frame_renderer.h"
+#include "media/frames/context_reader.h"
+#include "tests/media/flow/drawn_scenes.h"
+#include "tests/support/clip_maker.h"
+#include "tests/support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <string_view>
+
+namespace flowtide::test {
+namespace {
+
+TEST(ExportFrameEngine, EveryFrameIsTheExportsOwn) {
+    const TemporaryFolder folder;
+    const auto backend = makeFFmpegBackend();
+    ClipRecipe recipe;
+    recipe.frameCount = 20;
+    recipe.picture = [](std::int64_t i) {
+        return drawn({}, 96, 64, [&](double x, double y) { return texture(x - 1.7 * static_cast<double>(i), y); });
+    };
+    makeClip(*backend, folder / "in.mov", recipe);
+    ExportRequest request;
+    request.clip = ImportedClip::load(*backend, folder / "in.mov");
+    request.keyframes = {{Uuid::random(), 0, 1, SpeedKeyframeRole::curve},
+                         {Uuid::random(), 0.4, 0.2, SpeedKeyframeRole::curve}};
+    request.sourceRange = SourceRange{0.1, 0.7};
+    request.interpolation = FrameInterpolation::opticalFlow;
+    request.opticalFlowRanges = {{0.3, 0.6}};
+    ZoomBlock zoom;
+    zoom.startTime = 0.3;
+    zoom.endTime = 0.7;
+    request.zoom = ZoomSettings{{zoom}};
+
+    const ExportPlan plan = planExport(request, [](std::string_view) {});
+    const auto renderer = makeRenderer(FrameInterpolation::opticalFlow, 96, 64, plan.video.layout);
+    const auto reader = openWithContext(*backend, request.clip, plan.video.layout, plan.timeMap.sourceRange());
+    OutputFrames all(plan, *reader, renderer.get());
+    ExportFrameEngine engine(*backend);
+    int made = 0;
+    for (std::int64_t i = 0; i < plan.frameCount; ++i) {
+        const auto wanted = all.next();
+        ASSERT_TRUE(wanted);
+        const double start = plan.video.frameDuration.secondsTimes(i);
+        const double within = i % 2 == 0 ? 0 : 0.99; // shown until the next one
+        const ExportFrame got = engine.frame(request, {start + within * plan.video.frameDuration.seconds()});
+        EXPECT_EQ(got.index, i);
+        EXPECT_EQ(got.isInBetween, all.isInBetween()) << i;
+        EXPECT_TRUE(samePixels(got.frame, *wanted)) << i;
+        made += all.isInBetween() ? 1 : 0;
+    }
+    EXPECT_GT(made, 10);
+    EXPECT_LT(made, plan.frameCount);
+    EXPECT_EQ(engine.frame(request, {-1}).index, 0);
+    EXPECT_EQ(engine.frame(request, {1e9}).index, plan.frameCount - 1);
+    EXPECT_THROW(engine.frame(request, {0}, [] { return true; }), FlowtideError);
+}
+
+} // namespace
+} // namespace flowtide::test
