@@ -22,7 +22,7 @@ public:
     BackgroundQueues& operator=(const BackgroundQueues&) = delete;
 
     /// From one thread. Throws std::system_error when the machine refuses a thread.
-    void run(BackgroundQueue queue, Scheduler::Task task);
+    void run(BackgroundQueue name, Scheduler::Task task);
 
 private:
     struct Queue {
