@@ -50,6 +50,7 @@ std::shared_ptr<PlaybackItem> PreviewRefresh::built() const {
     request.keyframes = session_.curve.keyframes();
     request.sourceRange = session_.curve.trimRange();
     request.smoothing = session_.curve.smoothing();
+    request.segmentRate = segmentRate;
     request.maximumSegmentCount = session_.curve.isIdentity() ? 1 : mostSegments;
     request.includeAudio = false; // the player retimes the decoded sound itself
     request.cachedPreviews = renders_.previews().activeCachedPreviews();

@@ -21,6 +21,9 @@ class PreviewRefresh {
 public:
     static constexpr double delaySeconds = 0.12;       ///< of rest before an edit reaches the player
     static constexpr double smoothingTolerance = 1e-4; ///< of previewCurveSmoothing
+    /// Segments for each source second: so many that on a steep curve the player's time, which goes by segments of
+    /// constant speed, stays within a fraction of a frame of the export's.
+    static constexpr double segmentRate = 240;
     /// A segment costs the main thread about a microsecond; longer segments rather than more.
     static constexpr std::int64_t mostSegments = 20'000;
 
