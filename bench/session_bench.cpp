@@ -81,6 +81,9 @@ public:
     SourceFrame sourceFrame(const std::shared_ptr<const ImportedClip>&, SourceSeconds, OutputSize) override {
         return {};
     }
+    ExportPicture exportPicture(const ExportRequest&, OutputSeconds, OutputSize, const CancelCheck&) override {
+        return {};
+    }
     SubjectTrackResult track(const ImportedClip&, SourceSeconds, const SubjectBox&, SourceRange,
                              const std::function<void(TrackingProgress)>&, const CancelCheck&) override {
         return {};

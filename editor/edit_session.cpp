@@ -142,6 +142,19 @@ void EditSession::scheduleProjectSave() const {
     if (!isRestoringProject_ && clip()) host_.scheduleProjectSave();
 }
 
+ExportRequest EditSession::exportRequest() const {
+    ExportRequest request;
+    request.clip = *clip();
+    request.keyframes = curve.keyframes();
+    request.sourceRange = curve.trimRange();
+    request.smoothing = curve.smoothing();
+    request.interpolation = flow.frameInterpolation();
+    request.opticalFlowRanges = flow.effectiveRanges(curve.trimRange());
+    request.verticalCrop = framing.exportSettings();
+    if (!zoom.zoomBlocks().empty()) request.zoom = ZoomSettings{zoom.zoomBlocks()};
+    return request;
+}
+
 ProjectEdits EditSession::projectEdits() const {
     ProjectEdits edits;
     edits.keyframes = curve.keyframes();

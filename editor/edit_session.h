@@ -9,6 +9,7 @@
 #include "editor/speed_curve.h"
 #include "editor/timeline_view.h"
 #include "editor/zoom_lane.h"
+#include "media/export/export_request.h"
 #include "media/imported_clip.h"
 #include "project/flowtide_project.h"
 
@@ -68,6 +69,9 @@ public:
     void refreshPreview();
     /// Every operation ends with it.
     void scheduleProjectSave() const;
+
+    /// What an export of the open clip as it is now asks for, but for its destination.
+    ExportRequest exportRequest() const;
 
     ProjectEdits projectEdits() const;
     /// Installs a project's edits, validated for this clip.

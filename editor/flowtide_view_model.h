@@ -68,6 +68,7 @@ public:
     const Transport& transport() const { return preview_.transport(); }
     const Comparison& comparison() const { return preview_.comparison(); }
     const RenderAhead& renders() const { return preview_.renders(); }
+    const RestFrame& restFrame() const { return preview_.restFrame(); }
     const std::vector<SubjectTrackingRange>& trackedRanges() const { return session_.trackedRanges(); }
     double playheadSeconds() const { return session_.playheadSeconds(); }
     SourceRanges effectiveOpticalFlowRanges() const {
@@ -161,6 +162,7 @@ public:
     void stopRenderingAll() { preview_.renders().stopRenderingAll(); }
     void cancelPreviewRender() { preview_.renders().cancelPreviewRender(); }
     void clearPreviewCache() { preview_.renders().clearPreviewCache(); }
+    void setRestPictureSize(OutputSize size) { preview_.restFrame().setRestPictureSize(size); }
     void setComparisonEnabled(bool enabled) { preview_.comparison().setComparisonEnabled(enabled); }
     void setComparisonSize(OutputSize size) { preview_.comparison().setComparisonSize(size); }
 

@@ -67,6 +67,7 @@ enum class Property {
     proxyMessage,
     // previews rendered ahead of playback
     renderedPreviews,
+    restPicture,
     renderingPreviewRange,
     isAutomaticPreviewRender,
     previewRenderProgress,

@@ -28,7 +28,8 @@ std::function<void(double)> listening(Engine& engine, const std::function<void(d
 EngineSessionMedia::EngineSessionMedia(const MediaBackend& backend, TemporaryItems& items, LogSink log)
     : backend_(backend)
     , items_(items)
-    , log_(std::move(log)) {}
+    , log_(std::move(log))
+    , exportFrames_(backend) {}
 
 ImportedClip EngineSessionMedia::loadClip(const std::filesystem::path& path) {
     return ImportedClip::load(backend_, path);
@@ -84,6 +85,12 @@ SourceFrame EngineSessionMedia::sourceFrame(const std::shared_ptr<const Imported
     if (frames_.clip != clip || frames_.maximumSize != maximumSize)
         frames_ = {clip, maximumSize, std::make_unique<SourceFrameEngine>(backend_, clip, maximumSize)};
     return frames_.engine->frame(time);
+}
+
+ExportPicture EngineSessionMedia::exportPicture(const ExportRequest& request, OutputSeconds time,
+                                                OutputSize maximumSize, const CancelCheck& isCancelled) {
+    const std::scoped_lock guard(exportFramesLock_);
+    return exportFrames_.picture(request, time, maximumSize, isCancelled);
 }
 
 SubjectTrackResult EngineSessionMedia::track(const ImportedClip& clip, SourceSeconds seedTime,

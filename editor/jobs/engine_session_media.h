@@ -33,6 +33,8 @@ public:
     AudioData loadSound(const ImportedClip& clip, const CancelCheck& isCancelled) override;
     SourceFrame sourceFrame(const std::shared_ptr<const ImportedClip>& clip, SourceSeconds time,
                             OutputSize maximumSize) override;
+    ExportPicture exportPicture(const ExportRequest& request, OutputSeconds time, OutputSize maximumSize,
+                                const CancelCheck& isCancelled) override;
     SubjectTrackResult track(const ImportedClip& clip, SourceSeconds seedTime, const SubjectBox& seedBox,
                              SourceRange range, const std::function<void(TrackingProgress)>& onProgress,
                              const CancelCheck& isCancelled) override;
@@ -54,6 +56,8 @@ private:
     };
     std::mutex framesLock_; ///< guards frames_
     Frames frames_;
+    std::mutex exportFramesLock_; ///< guards exportFrames_
+    ExportFrameEngine exportFrames_;
 };
 
 } // namespace flowtide

@@ -21,20 +21,6 @@ ExportJob::ExportJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& no
     , remainingTime_(notifier, Property::exportEstimatedRemainingTime)
     , report_(notifier, Property::lastExportVerification) {}
 
-ExportRequest ExportJob::request(const std::filesystem::path& destination) const {
-    ExportRequest request;
-    request.clip = *session_.clip();
-    request.keyframes = session_.curve.keyframes();
-    request.sourceRange = session_.curve.trimRange();
-    request.smoothing = session_.curve.smoothing();
-    request.interpolation = session_.flow.frameInterpolation();
-    request.opticalFlowRanges = session_.flow.effectiveRanges(session_.curve.trimRange());
-    request.verticalCrop = session_.framing.exportSettings();
-    if (!session_.zoom.zoomBlocks().empty()) request.zoom = ZoomSettings{session_.zoom.zoomBlocks()};
-    request.outputURL = destination;
-    return request;
-}
-
 void ExportJob::start(const std::filesystem::path& destination) {
     if (!session_.clip() || isExporting()) return;
     isExporting_.set(true);
@@ -42,11 +28,13 @@ void ExportJob::start(const std::filesystem::path& destination) {
     remainingTime_.set({});
     report_.set(nullptr);
     startedAt_ = jobs_.scheduler().now();
+    ExportRequest request = session_.exportRequest();
+    request.outputURL = destination;
     const auto onProgress = jobs_.home<double>([this](double fraction) { receiveProgress(fraction); });
     const CancelCheck isCancelled = cancelFlag_.renewed();
     jobs_.start(
         BackgroundQueue::jobs,
-        [media = media_, request = request(destination), onProgress, isCancelled] {
+        [media = media_, request = std::move(request), onProgress, isCancelled] {
             return media->exportClip(request, onProgress, isCancelled);
         },
         [this, clip = session_.clip()](Outcome<ExportValidationReport>& outcome) { finish(outcome, clip); });

@@ -29,8 +29,6 @@ public:
     /// Nothing happens without a clip, or while an export runs. A failure is shown in the alert, a cancellation not.
     void start(const std::filesystem::path& destination);
     void cancel() { cancelFlag_.raise(); }
-    /// The request that start() makes.
-    ExportRequest request(const std::filesystem::path& destination) const;
     /// The report is of another clip from now on.
     void forgetVerification() { report_.set(nullptr); }
 

@@ -5,6 +5,7 @@
 #include "core/subject_track.h"
 #include "core/uuid.h"
 #include "media/cancel_check.h"
+#include "media/export/export_frame_engine.h"
 #include "media/export/export_request.h"
 #include "media/export/export_validation.h"
 #include "media/imported_clip.h"
@@ -53,6 +54,9 @@ public:
     /// The frame shown at a source time, drawn to fit into `maximumSize`.
     virtual SourceFrame sourceFrame(const std::shared_ptr<const ImportedClip>& clip, SourceSeconds time,
                                     OutputSize maximumSize) = 0;
+    /// What an export has at an output time, drawn to fit into `maximumSize`.
+    virtual ExportPicture exportPicture(const ExportRequest& request, OutputSeconds time, OutputSize maximumSize,
+                                        const CancelCheck& isCancelled) = 0;
     virtual SubjectTrackResult track(const ImportedClip& clip, SourceSeconds seedTime, const SubjectBox& seedBox,
                                      SourceRange range, const std::function<void(TrackingProgress)>& onProgress,
                                      const CancelCheck& isCancelled) = 0;

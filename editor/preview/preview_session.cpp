@@ -16,7 +16,8 @@ PreviewSession::PreviewSession(EditSession& session, SessionJobs& jobs, ChangeNo
                 [this] { refresh_.refreshPreviewForCurrentCurve(); }})
     , refresh_(session, jobs, player, media, renders_, std::move(host.proxy))
     , transport_(session, refresh_, player, jobs.scheduler(), notifier, renders_, std::move(log))
-    , comparison_(session, jobs, notifier, media, renders_) {
+    , comparison_(session, jobs, notifier, media, renders_)
+    , restFrame_(session, jobs, notifier, media, renders_, transport_) {
     player_.onStatus = [this] { transport_.playerStatusChanged(); };
     player_.onEnd = [this] { transport_.playerEnded(); };
 }

@@ -5,6 +5,7 @@
 #include "editor/jobs/session_jobs.h"
 #include "editor/jobs/session_media.h"
 #include "editor/preview/render_ahead.h"
+#include "editor/preview/rest_frame.h"
 #include "editor/preview_control.h"
 #include "editor/transport/comparison.h"
 #include "editor/transport/preview_refresh.h"
@@ -42,6 +43,9 @@ public:
     Comparison& comparison() { return comparison_; }
     const Comparison& comparison() const { return comparison_; }
 
+    RestFrame& restFrame() { return restFrame_; }
+    const RestFrame& restFrame() const { return restFrame_; }
+
     /// The open clip's proxy has been built.
     void showProxy() { refresh_.showProxy(); }
 
@@ -60,6 +64,7 @@ private:
     PreviewRefresh refresh_;
     Transport transport_;
     Comparison comparison_;
+    RestFrame restFrame_;
 };
 
 } // namespace flowtide

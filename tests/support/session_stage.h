@@ -74,6 +74,13 @@ public:
         if (failure) throw FlowtideError::readerFailed(*failure);
         return {{}, {std::floor(time.value * 30 + 1e-6) / 30}};
     }
+    ExportPicture exportPicture(const ExportRequest& request, OutputSeconds time, OutputSize,
+                                const CancelCheck& isCancelled) override {
+        pictured.emplace_back(request, time.value);
+        throwIfCancelled(isCancelled);
+        if (failure) throw FlowtideError::readerFailed(*failure);
+        return {{}, time, {}, isInBetween};
+    }
     SubjectTrackResult track(const ImportedClip&, SourceSeconds, const SubjectBox&, SourceRange,
                              const std::function<void(TrackingProgress)>& onProgress,
                              const CancelCheck& isCancelled) override {
@@ -86,7 +93,9 @@ public:
     double duration = 10;
     bool hasSound = false;
     std::optional<std::string> soundFailure;
-    std::vector<double> framesAskedFor; ///< source seconds
+    std::vector<double> framesAskedFor;                     ///< source seconds
+    std::vector<std::pair<ExportRequest, double>> pictured; ///< and at which output seconds
+    bool isInBetween = true;
     std::optional<std::string> failure; ///< of every operation
     SubjectTrackResult tracked;
     std::optional<ExportRequest> exported;
