@@ -15,9 +15,10 @@ void ClipSound::load(OpenClip clip) {
     sound_.reset();
     clip_ = std::move(clip);
     if (!clip_ || !clip_->hasAudio()) return;
+    const CancelCheck isCancelled = cancelFlag_.renewed();
     jobs_.start(
         BackgroundQueue::sound,
-        [media = media_, clip = clip_, isCancelled = cancelFlag_.renewed()] {
+        [media = media_, clip = clip_, isCancelled] {
             return std::make_shared<const AudioData>(media->loadSound(*clip, isCancelled));
         },
         [this, loaded = clip_](Outcome<std::shared_ptr<const AudioData>>& outcome) {

@@ -14,8 +14,10 @@ Comparison::Comparison(EditSession& session, SessionJobs& jobs, ChangeNotifier& 
     , comparisonEnabled_(notifier, Property::comparisonEnabled)
     , comparisonMessage_(notifier, Property::comparisonMessage)
     , comparisonPair_(notifier, Property::comparisonPair)
-    , playheadMoves_(
-          notifier.subscribe(properties({Property::scrubPosition}), [this](const PropertySet&) { request(); })) {}
+    , changes_(notifier.subscribe(
+          properties({Property::scrubPosition, Property::keyframes, Property::curveSmoothing, Property::trimRange,
+                      Property::isVerticalCropEnabled, Property::centerKeyframes, Property::centerSmoothing}),
+          [this](const PropertySet&) { request(); })) {}
 
 void Comparison::setComparisonEnabled(bool enabled) {
     ++comparisonID_;

@@ -72,7 +72,7 @@ private:
     std::uint64_t comparisonID_ = 0; ///< a result of another one is late
     bool isDecoding_ = false;        ///< for this id
     bool comparisonPending_ = false; ///< the playhead has moved since
-    Subscription playheadMoves_;
+    Subscription changes_;           ///< of what a pair tells
 };
 
 } // namespace flowtide

@@ -188,27 +188,32 @@ void Transport::loopTo(OutputSeconds time) {
     });
 }
 
-/// Whether it stopped.
-bool Transport::stopAtEnd(OutputSeconds time) {
-    const PlayRange whole = trimmedOutput();
-    if (shuttleRate() > 0) {
-        if (time.value < whole.end.value - endTolerance) return false;
-        finishAt(whole.source.upper, whole.end);
-        return true;
-    }
-    // Backward, a selected range is left only by a play that begins at its start, or before it.
+/// What plays until it ends.
+Transport::PlayRange Transport::playRange() const {
+    PlayRange range = trimmedOutput();
     const auto selected = selectedRange();
-    const bool endsThere = selected && playedFrom_.value > selected->start.value + endTolerance;
-    const PlayRange& range = endsThere ? *selected : whole;
-    if (time.value > range.start.value + endTolerance) return false;
-    finishAt(range.source.lower, range.start);
-    return true;
+    // Backward, a selected range is left only by a play that begins at its start, or before it.
+    if (selected && playedFrom_.value > selected->start.value + endTolerance) {
+        range.start = selected->start;
+        range.source.lower = selected->source.lower;
+    }
+    return range;
 }
 
-void Transport::finishAt(double sourceTime, OutputSeconds time) {
+/// Whether it stopped.
+bool Transport::stopAtEnd(OutputSeconds time) {
+    const PlayRange range = playRange();
+    const bool isOver = shuttleRate() > 0 ? time.value >= range.end.value - endTolerance
+                                          : time.value <= range.start.value + endTolerance;
+    if (isOver) finish(range);
+    return isOver;
+}
+
+void Transport::finish(const PlayRange& range) {
+    const bool isForward = shuttleRate() > 0;
     stop();
-    setPlayhead(sourceTime);
-    player_.seek(time, {});
+    setPlayhead(isForward ? range.source.upper : range.source.lower);
+    player_.seek(isForward ? range.end : range.start, {});
     session_.scheduleProjectSave();
     renders_.scheduleSmartPreview();
 }
@@ -219,8 +224,8 @@ void Transport::playerEnded() {
     if (const auto loop = loopRange()) {
         if (!loopSeekPending()) loopTo(rate > 0 ? loop->start : loop->end);
         player_.play(rate);
-    } else if (!stopAtEnd(player_.currentTime())) {
-        pausePlayback();
+    } else {
+        finish(playRange());
     }
 }
 

@@ -68,6 +68,7 @@ private:
         OutputSeconds end;
     };
     PlayRange trimmedOutput() const;
+    PlayRange playRange() const;
     std::optional<PlayRange> selectedRange() const;
     std::optional<PlayRange> loopRange() const;
     OutputSeconds playhead() const;
@@ -82,7 +83,7 @@ private:
     bool keepLooping(const PlayRange& loop, OutputSeconds time);
     void loopTo(OutputSeconds time);
     bool stopAtEnd(OutputSeconds time);
-    void finishAt(double sourceTime, OutputSeconds time);
+    void finish(const PlayRange& range);
     void fail(const std::string& failure);
     void logRateAnomaly();
 

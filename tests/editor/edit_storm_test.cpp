@@ -35,7 +35,9 @@ TEST_F(EditStormTest, EveryStateCanBeStoredAndHistoryLeadsBackAndForth) {
         ASSERT_NO_THROW(validate(model->projectSnapshot())) << "step " << i;
         ASSERT_LE(model->history().undoStack().size(), History::maxHistoryCount);
         if (i % 5 == 0) scheduler.advance(0.1);
+        if (i % 3 == 0) player.update();
         if (i % 40 == 0) {
+            model->pausePlayback(); // the playhead is stored when it stops
             rest();
             const FlowtideProject stored = storedProject();
             ASSERT_EQ(stored.edits, model->projectSnapshot().edits) << "step " << i;

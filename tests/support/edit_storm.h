@@ -15,7 +15,7 @@ public:
         , random_(seed) {}
 
     void step() {
-        switch (random_() % 24) {
+        switch (random_() % 26) {
         case 0:
         case 1:
         case 2:
@@ -43,7 +43,7 @@ public:
         case 14:
             return switchARange();
         case 15:
-            return model_.scrub(anything(-0.1, 1.1));
+            return model_.scrub(anything(-0.1, 1.1), random_() % 2 == 0);
         case 16:
             return drag();
         case 17:
@@ -58,6 +58,9 @@ public:
             return model_.resetTrimRange();
         case 22:
             return random_() % 2 ? model_.jumpToPreviousKeyframe() : model_.jumpToNextKeyframe();
+        case 23:
+        case 24:
+            return play();
         default:
             return moveAPoint();
         }
@@ -116,6 +119,20 @@ private:
             model_.selectOpticalFlowRange(id);
         else
             model_.setOpticalFlow(random_() % 2 == 0, id);
+    }
+    void play() {
+        switch (random_() % 5) {
+        case 0:
+            return model_.nudgePlayhead(static_cast<int>(random_() % 9) - 4);
+        case 1:
+            return model_.shuttleBackward();
+        case 2:
+            return model_.setComparisonEnabled(random_() % 2 == 0);
+        case 3:
+            return model_.togglePlayback();
+        default:
+            return model_.startPlayback(static_cast<float>(anything(-9, 9)));
+        }
     }
     void drag() {
         model_.setLockCropCenter(random_() % 4 == 0);

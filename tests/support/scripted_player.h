@@ -37,7 +37,7 @@ public:
     }
     void seek(OutputSeconds time, SeekCompletion completion) override {
         completeSeek(false);
-        place(std::clamp(time.value, 0.0, duration()));
+        if (!arrivesLate) moveTo(time.value);
         seeks.push_back(time.value);
         seek_ = std::move(completion);
         if (completesSeeks) completeSeek(true);
@@ -48,7 +48,9 @@ public:
     // The script:
     PlayerStatus statusOfItems = PlayerStatus::ready; ///< as soon as they are set
     bool completesSeeks = true;
+    bool arrivesLate = false; ///< seeks are without effect
     bool isStalled = false;
+    void moveTo(double time) { place(std::clamp(time, 0.0, duration())); }
     void setStatus(PlayerStatus status, std::string failure = {}) {
         status_ = status;
         failure_ = std::move(failure);
