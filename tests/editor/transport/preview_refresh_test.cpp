@@ -52,13 +52,14 @@ TEST_F(PreviewRefreshTest, AnEditReachesThePlayerAfterATwelfthOfASecondOfRest) {
 }
 
 TEST_F(PreviewRefreshTest, SoundAndProxyArriveWhenTheyAreThere) {
-    // Opens a clip whose sound is being decoded.
+    // Opens a clip whose sound is not decoded yet; that of the clip before comes home right after it.
     const auto openSoundless = [&](const std::string& name) {
-        model->importClip(clipFile(name));
-        while (!model->clip() || model->clip()->url.filename() != name) {
+        while (scheduler.runJob(BackgroundQueue::projects))
             scheduler.turn();
+        model->importClip(clipFile(name));
+        while (scheduler.turn(), !model->clip() || model->clip()->url.filename() != name) {
             scheduler.runJob(BackgroundQueue::clips);
-            scheduler.runJob(BackgroundQueue::projects);
+            if (scheduler.runJob(BackgroundQueue::projects)) scheduler.runJob(BackgroundQueue::sound);
         }
         EXPECT_FALSE(player.item()->sound || player.item()->proxy);
     };
@@ -81,10 +82,9 @@ TEST_F(PreviewRefreshTest, SoundAndProxyArriveWhenTheyAreThere) {
     EXPECT_TRUE(player.item()->sound && player.item()->proxy);
 
     openSoundless("two.mov");
-    scheduler.runJob(BackgroundQueue::sound);
     media->hasSound = false;
     openSoundless("silent.mov");
-    scheduler.settle(); // the sound of the former
+    scheduler.settle();
     EXPECT_FALSE(player.item()->sound);
     EXPECT_FALSE(model->renders().render().previewRenderError());
 
