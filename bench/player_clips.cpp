@@ -17,12 +17,20 @@ bool encode(const std::vector<std::string>& input, const std::vector<std::string
     return runProcess(words).succeeded;
 }
 
+PlayedClip h264Clip(const std::string& keyInterval) {
+    return {"H.264, keyint " + keyInterval,
+            {"-vf", "scale=1920:1080,format=yuv420p", "-c:v", "libx264", "-preset", "veryfast", "-b:v", "20M", "-g",
+             keyInterval, "-keyint_min", keyInterval, "-sc_threshold", "0"}};
+}
+
 } // namespace
 
 PlayedClip longGroupClip() {
-    return {"H.264, keyint 250",
-            {"-vf", "scale=1920:1080,format=yuv420p", "-c:v", "libx264", "-preset", "veryfast", "-b:v", "20M", "-g",
-             "250", "-keyint_min", "250", "-sc_threshold", "0"}};
+    return h264Clip("250");
+}
+
+PlayedClip phoneClip() {
+    return h264Clip("30");
 }
 
 PlayedClip proResClip() {

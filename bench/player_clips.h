@@ -18,6 +18,8 @@ struct PlayedClip {
 
 /// 1080p H.264 at 20 Mb/s, a key frame every 250 frames.
 PlayedClip longGroupClip();
+/// The same as phones write it, a key frame every second.
+PlayedClip phoneClip();
 PlayedClip proResClip();
 /// 1080p in 10 bits, a key frame every 250 frames.
 PlayedClip hevcClip();
