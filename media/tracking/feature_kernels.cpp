@@ -42,12 +42,12 @@ inline Tap tapAt(double position, int count) {
 }
 
 void sample(const BytePlane& plane, const SampleGrid& grid, float* samples) {
-    Tap columns[mostSide];
+    Tap columns[mostSide] = {};
     for (int i = 0; i < grid.side; ++i)
         columns[i] = tapAt(grid.left + i * grid.stepX, plane.width);
     const int begin = columns[0].first;
     const int end = columns[grid.side - 1].second + 1;
-    float row[SubjectPicture::longestSide];
+    float row[SubjectPicture::longestSide] = {};
     for (int j = 0; j < grid.side; ++j, samples += grid.side) {
         const Tap tap = tapAt(grid.top + j * grid.stepY, plane.height);
         const std::uint8_t* above = plane.data + tap.first * plane.stride;
@@ -162,7 +162,7 @@ void normalize(const float* histogram, const float* scales, float* out) {
 void features(const float* patch, int count, float* out) {
     Cells cells;
     gather(patch, count, cells);
-    float energies[gridSide * gridSide];
+    float energies[gridSide * gridSide] = {};
     for (int y = 0; y < count; ++y)
         for (int x = 0; x < count; ++x) {
             const float* histogram = cells.at(x, y);
