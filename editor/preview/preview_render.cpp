@@ -20,15 +20,10 @@ PreviewRender::PreviewRender(EditSession& session, SessionJobs& jobs, ChangeNoti
 
 ExportRequest PreviewRender::request(const WholeFrames& frames) const {
     const TimeMap& timeMap = session_.curve.timeMap();
-    ExportRequest request;
-    request.clip = *session_.clip();
-    request.clip.audio.reset(); // the player retimes the sound itself
-    request.keyframes = session_.curve.keyframes();
+    ExportRequest request = session_.exportRequest();
+    request.clip.audio.reset();   // the player retimes the sound itself
+    request.verticalCrop.reset(); // the view draws it over the whole picture
     request.sourceRange = frames.range;
-    request.smoothing = session_.curve.smoothing();
-    request.interpolation = FrameInterpolation::opticalFlow;
-    request.opticalFlowRanges = previews_.flowRanges();
-    if (!session_.zoom.zoomBlocks().empty()) request.zoom = ZoomSettings{session_.zoom.zoomBlocks()};
     request.previewTimeMap = timeMap.sliced(frames.range);
     request.previewOf = WholeOutput{timeMap, frames.firstFrame};
     request.previewResolution = session_.timeline.previewResolution();

@@ -38,12 +38,11 @@ std::string RenderAhead::renderAllLabel() const {
 std::optional<std::string> RenderAhead::playheadLabel() const {
     if (!session_.clip()) return std::nullopt;
     const SourceSeconds playhead{session_.playheadSeconds()};
-    const SourceRanges ranges = previews_.flowRanges();
-    if (!OpticalFlowScope::contains(ranges, playhead)) {
+    if (!OpticalFlowScope::contains(previews_.flowRanges(), playhead)) {
         if (previews_.renderedPreviews().empty()) return "No rendered previews";
         return std::nullopt;
     }
-    if (OpticalFlowScope::contains(previews_.activeRanges(), playhead)) return "Preview rendered";
+    if (previews_.isShownAt(playhead)) return "Preview rendered";
     return render_.isRendering() ? "Preview rendering" : "Preview not rendered";
 }
 

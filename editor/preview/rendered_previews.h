@@ -29,6 +29,8 @@ public:
     std::vector<RenderedPreview> activeCachedPreviews() const;
     /// Their ranges.
     SourceRanges activeRanges() const;
+    /// Whether one of them is shown at a time.
+    bool isShownAt(SourceSeconds time) const { return OpticalFlowScope::contains(activeRanges(), time); }
     /// What is left to render, in order of time.
     SourceRanges unrenderedRanges() const;
     /// What the curve makes of the open clip. Holds until the next edit; not without a clip.

@@ -31,7 +31,7 @@ bool RestFrame::isWanted() const {
     if (!session_.clip() || transport_.isPlaying() || transport_.isStartingPlayback()) return false;
     const SourceSeconds playhead{session_.playheadSeconds()};
     return OpticalFlowScope::contains(renders_.previews().flowRanges(), playhead) &&
-           !OpticalFlowScope::contains(renders_.previews().activeRanges(), playhead);
+           !renders_.previews().isShownAt(playhead);
 }
 
 void RestFrame::restart() {
@@ -45,9 +45,10 @@ void RestFrame::restart() {
 void RestFrame::request() {
     ExportRequest request = session_.exportRequest();
     request.verticalCrop.reset(); // the view draws it over the whole picture
+    const CancelCheck isCancelled = cancelFlag_.renewed();
     jobs_.start(
         BackgroundQueue::frames,
-        [media = media_, request = std::move(request), size = size_, isCancelled = cancelFlag_.renewed(),
+        [media = media_, request = std::move(request), size = size_, isCancelled,
          time = session_.curve.timeMap().outputTime({session_.playheadSeconds()})] {
             return media->exportPicture(request, time, size, isCancelled);
         },

@@ -81,8 +81,7 @@ std::string Comparison::label() const {
         const bool isOn =
             session_.flow.frameInterpolation() == FrameInterpolation::opticalFlow && session_.flow.isSwitchedOn(range);
         if (!isOn) return "Original frames · Optical Flow off";
-        const bool isRendered = OpticalFlowScope::contains(renders_.previews().activeRanges(), {playhead});
-        return isRendered ? "Preview rendered" : "Optical Flow · preview not rendered";
+        return renders_.previews().isShownAt({playhead}) ? "Preview rendered" : "Optical Flow · preview not rendered";
     }
     return {};
 }

@@ -7,18 +7,14 @@ namespace flowtide {
 
 namespace {
 
-std::string sentenceOfFailure(const SessionPlayer& player) {
-    const std::string failure = player.failure();
-    return failure.empty() ? "Preview player failed while loading." : failure;
-}
+constexpr const char* couldNotPrepare = "Preview player could not prepare the requested frame.";
 
 } // namespace
 
 void PlayerPreparation::preparePlayer(OutputSeconds time, Done done) {
     task_ = std::make_shared<Task>(Task{time, std::move(done)});
     timeout_ = Timer(scheduler_, scheduler_.after(timeoutSeconds, [this] {
-        finish(task_->isSeeking ? "Preview player could not prepare the requested frame."
-                                : "Preview player did not become ready in time.");
+        finish(task_->isSeeking ? couldNotPrepare : "Preview player did not become ready in time.");
     }));
     if (player_.status() != PlayerStatus::unknown) waitUntilPlayerIsReady();
 }
@@ -41,7 +37,7 @@ void PlayerPreparation::waitUntilPlayerIsReady() {
     case PlayerStatus::ready:
         return seek();
     case PlayerStatus::failed:
-        return finish(sentenceOfFailure(player_));
+        return finish(player_.failureToShow());
     case PlayerStatus::unknown:
         return finish("Preview player reported an unknown status.");
     }
@@ -51,9 +47,7 @@ void PlayerPreparation::seek() {
     task_->isSeeking = true;
     player_.seek(task_->time, [this, wanted = std::weak_ptr(task_)](bool finished) {
         if (wanted.expired()) return;
-        finish(finished ? std::nullopt
-                        : std::optional<std::string>("Preview player could not prepare the requested "
-                                                     "frame."));
+        finish(finished ? std::nullopt : std::optional<std::string>(couldNotPrepare));
     });
 }
 

@@ -40,6 +40,11 @@ public:
     virtual PlayerStatus status() const = 0;
     /// The sentence that says why the status is "failed"; may be empty.
     virtual std::string failure() const = 0;
+    /// The sentence to show for it.
+    std::string failureToShow() const {
+        const std::string own = failure();
+        return own.empty() ? "Preview player failed while loading." : own;
+    }
 };
 
 } // namespace flowtide

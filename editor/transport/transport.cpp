@@ -231,9 +231,7 @@ void Transport::playerEnded() {
 
 void Transport::playerStatusChanged() {
     preparation_.statusChanged();
-    if (!isPlaying() || player_.status() != PlayerStatus::failed) return;
-    const std::string failure = player_.failure();
-    fail(failure.empty() ? "Preview player failed while loading." : failure);
+    if (isPlaying() && player_.status() == PlayerStatus::failed) fail(player_.failureToShow());
 }
 
 void Transport::nudgePlayhead(int frames) {

@@ -4,26 +4,16 @@
 #include "media/decode_layout.h"
 #include "media/flowtide_error.h"
 
-#include <algorithm>
 #include <new>
 #include <utility>
 
 namespace flowtide {
 
-namespace {
-
-OutputSize drawnSize(const ImportedClip& clip, OutputSize maximum) {
-    const OutputSize own{clip.width, clip.height};
-    return fittedSize(own, {std::min(own.width, maximum.width), std::min(own.height, maximum.height)});
-}
-
-} // namespace
-
 SourceFrameEngine::SourceFrameEngine(const MediaBackend& backend, std::shared_ptr<const ImportedClip> clip,
                                      OutputSize maximumSize)
     : backend_(backend)
     , clip_(std::move(clip))
-    , size_(drawnSize(*clip_, maximumSize))
+    , size_(shrunkSize({clip_->width, clip_->height}, maximumSize))
     , color_(pictureColor(*clip_)) {}
 
 SourceFrame SourceFrameEngine::frame(SourceSeconds time) {

@@ -63,6 +63,17 @@ protected:
         const auto file = stage.model->binding().store()->projectFile(stage.model->binding().projectID());
         return std::regex_replace(readFile(file), std::regex(R"("savedAt" *: *[^,}]*)"), "");
     }
+    void open(VideoCodec codec) {
+        stage.model->importClip(clip(codec));
+        ASSERT_TRUE(stage.runUntil([&] { return stage.model->clip() && isSaved(); })) << alert();
+    }
+    /// What an export of the open clip has written.
+    ImportedClip exported() {
+        stage.model->exportClip(target());
+        EXPECT_TRUE(stage.runUntil([&] { return !stage.model->exporting().isExporting(); }));
+        EXPECT_TRUE(stage.model->exporting().lastExportVerification()) << alert();
+        return ImportedClip::load(*stage.backend, target());
+    }
     std::string alert() const {
         const auto& message = stage.model->alert().errorMessage();
         return message ? message->sentence + " " + message->reason : "";
@@ -76,8 +87,7 @@ protected:
 
 TEST_F(EngineSessionTest, FromImportToExportAndAgainAfterARestart) {
     auto& model = stage.model;
-    model->importClip(clip(VideoCodec::h264));
-    ASSERT_TRUE(stage.runUntil([&] { return model->clip() && isSaved(); })) << alert();
+    ASSERT_NO_FATAL_FAILURE(open(VideoCodec::h264));
     const double end = model->clip()->duration;
 
     model->replaceKeyframes({point(0, 1), point(0.3 * end, 1), point(0.45 * end, 0.25), point(0.6 * end, 0.25),
@@ -117,29 +127,23 @@ TEST_F(EngineSessionTest, FromImportToExportAndAgainAfterARestart) {
     ASSERT_TRUE(stage.runUntil([&] { return isSaved(); }));
     EXPECT_EQ(document(), stored);
 
-    model->exportClip(target());
-    ASSERT_TRUE(stage.runUntil([&] { return !model->exporting().isExporting(); }));
-    ASSERT_TRUE(model->exporting().lastExportVerification()) << alert();
-    const ImportedClip written = ImportedClip::load(*stage.backend, target());
+    const ImportedClip written = exported();
     EXPECT_NEAR(written.duration, model->curve().timeMap().outputDuration(), 1 / written.frameRate);
     EXPECT_EQ(written.width, model->clip()->height * 9 / 16 / 2 * 2);
 }
 
 TEST_F(EngineSessionTest, WhatIsShownIsWhatIsExported) {
     auto& model = stage.model;
-    model->importClip(clip(VideoCodec::proRes422));
-    ASSERT_TRUE(stage.runUntil([&] { return model->clip() && isSaved(); })) << alert();
+    ASSERT_NO_FATAL_FAILURE(open(VideoCodec::proRes422));
     const double end = model->clip()->duration;
     model->replaceKeyframes({point(0, 1), point(0.2 * end, 1), point(0.23 * end, 0.1), point(0.33 * end, 0.1),
                              point(0.36 * end, 1), point(end, 1)});
     model->applyTrimRange(0.111 * end, 0.45 * end); // so that ranges begin between two frames
     model->setPreviewResolution(PreviewResolution::full);
-    model->exportClip(target());
-    ASSERT_TRUE(stage.runUntil([&] { return !model->exporting().isExporting(); })) << alert();
-    const ImportedClip written = ImportedClip::load(*stage.backend, target());
+    const ImportedClip written = exported();
     const double step = model->clip()->frameDuration.seconds();
     const TimeMap map = model->curve().timeMap();
-    const auto exported = [&](std::int64_t index) {
+    const auto frameOf = [&](std::int64_t index) {
         const double middle = (static_cast<double>(index) + 0.5) * step;
         return stage.backend->openVideo(written, decodePixelFormat(written), {middle, middle})->next()->frame;
     };
@@ -158,8 +162,8 @@ TEST_F(EngineSessionTest, WhatIsShownIsWhatIsExported) {
         const double time = static_cast<double>(index) * step;
         const auto& shown = model->restFrame().restPicture();
         ASSERT_TRUE(stage.runUntil([&] { return shown && std::abs(shown->time.value - time) < 1e-6; })) << index;
-        const DisplayFrame wanted = converter.convert(exported(index), pictureColor(written),
-                                                      written.preferredTransform, {written.width, written.height});
+        const DisplayFrame wanted = converter.convert(frameOf(index), pictureColor(written), written.preferredTransform,
+                                                      {written.width, written.height});
         EXPECT_GT(displayedPsnr(shown->picture, wanted), 45) << index;
     }
 
@@ -176,7 +180,7 @@ TEST_F(EngineSessionTest, WhatIsShownIsWhatIsExported) {
         };
         ASSERT_TRUE(stage.runUntil(isThere)) << index;
         EXPECT_FALSE(model->restFrame().restPicture());
-        EXPECT_GT(psnr(stage.player.picture()->frame, exported(index), 0, 0), 40) << index;
+        EXPECT_GT(psnr(stage.player.picture()->frame, frameOf(index), 0, 0), 40) << index;
     }
 }
 
