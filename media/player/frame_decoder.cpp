@@ -233,8 +233,12 @@ bool FrameDecoder::preparesFor(Medium& medium, const Gap& gap) {
     const double reach = std::min(
         {roomSeconds(medium) / aheadShare * stretchShare, longestStretchSeconds, frames * frameSeconds(medium)});
     const MissingStretch missing{gap.time, gap.direction, reach, gap.floor};
-    const DecodePlan plan =
-        planDecode(missing, medium.position, [&](double time) { return medium.reader->keyFrameAt(time); });
+    const DecodePlan plan = planDecode(missing, medium.position, [&](double time) {
+        // An index tells when key frames are decoded, which is before they are shown. Where a seek has led behind the
+        // one that was promised, another would do no better.
+        const double key = medium.reader->keyFrameAt(time);
+        return key == medium.soughtKey ? -infinity : key;
+    });
     if (plan.seeks) {
         // The first time frames may be left out, among them the wanted one where intervals are irregular; the second
         // time all come. What is not there then does not exist.
@@ -245,6 +249,7 @@ bool FrameDecoder::preparesFor(Medium& medium, const Gap& gap) {
         ++tries_;
         tried_ = gap;
         medium.reader->seekTo(plan.from);
+        medium.soughtKey = medium.reader->keyFrameAt(plan.from);
         medium.position.reset();
         medium.last.reset();
         medium.stretchUntil = gap.direction < 0 ? std::optional(gap.time) : std::nullopt;

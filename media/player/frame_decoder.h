@@ -74,6 +74,7 @@ private:
         std::shared_ptr<const ImportedClip> clip;
         std::unique_ptr<SeekingReader> reader;
         std::optional<double> position;     ///< end of the frame delivered last
+        std::optional<double> soughtKey;    ///< where the index said that the last seek would lead
         std::optional<SpannedFrame> last;   ///< that frame
         std::optional<double> stretchUntil; ///< going backwards: the stretch being decoded ends here
         std::size_t frameBytes = 0;

@@ -18,7 +18,8 @@ namespace flowtide::test {
 
 /// How players see the scripted media; unset hooks do nothing.
 struct PlaybackScript {
-    std::int64_t keyInterval = 1;                    ///< frames in a group of pictures; every second one refers to none
+    std::int64_t keyInterval = 1; ///< frames in a group of pictures; every second one refers to none
+    double indexLead = 0;         ///< seconds by which the index names key frames too early, as by decode times
     std::function<double(std::int64_t)> frameTime{}; ///< of a frame, in seconds; i × the clip's frame duration unset
     std::function<bool(const ImportedClip&, std::int64_t)> neverComes{}; ///< reading a frame only ends when cancelled
     std::function<void(const ImportedClip&)> onOpen{};                   ///< may throw
@@ -37,7 +38,7 @@ public:
     }
 
     bool everyFrameIsKey() const override { return script_.keyInterval == 1; }
-    double keyFrameAt(double time) const override { return timeOf(keyOf(shownAt(time))); }
+    double keyFrameAt(double time) const override { return timeOf(keyOf(shownAt(time + script_.indexLead))); }
     void seekTo(double time) override {
         next_ = keyOf(shownAt(time));
         skipTo_ = -infinity;

@@ -83,6 +83,28 @@ TEST(PreviewPlayer, SeeksToExactFramesAndTheLatestWins) {
     }
 }
 
+TEST(PreviewPlayer, GoesOnFromWhereASeekLedWhateverTheIndexPromised) {
+    std::atomic<int> decoded = 0;
+    PlaybackScript script{.keyInterval = 25, .indexLead = 2 * stageFrameSeconds};
+    script.onFrame = [&](const ImportedClip&, std::int64_t) { ++decoded; };
+    PlayerStage stage(script, {}, 1U << 20U);
+    stage.setItem(stageItem(4));
+    EXPECT_TRUE(stage.seekAndWait(3.5));
+    for (const int number : {48, 49, 50, 24, 74}) {
+        EXPECT_TRUE(stage.seekAndWait((number + 0.5) * stageFrameSeconds)) << stage.player->failure();
+        EXPECT_EQ(stage.number(), number);
+    }
+    EXPECT_TRUE(stage.seekAndWait(0.2));
+    EXPECT_TRUE(stage.seekAndWait(1.9));
+    decoded = 0;
+    stage.player->play(1); // over the places where the index is wrong
+    for (int i = 0; i < 20; ++i) {
+        stage.tick(stageFrameSeconds / 4);
+        EXPECT_TRUE(stage.waitForDueFrame());
+    }
+    EXPECT_LT(decoded, 60);
+}
+
 TEST(PreviewPlayer, ScrubsOnTheProxyAndRestsOnTheSource) {
     PlayerStage stage;
     PlaybackItem item = stageItem(10);
