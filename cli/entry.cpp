@@ -43,18 +43,23 @@ int answer(std::string_view text, const Console& console) {
     }
 }
 
-int startWindow(const Console& console) {
-    if (hasDisplay())
-        console.complain("This version of Loftwell Video has no window yet. Use --headless-export; --help tells how.");
-    else
+int openWindow(const HeadlessExport::Arguments& arguments, const Console& console, const WindowStart& startWindow) {
+    if (!startWindow) {
+        console.complain("This build of Loftwell Video has no window. Use --headless-export; --help tells how.");
+        return 1;
+    }
+    if (!hasDisplay()) {
         console.complain("Loftwell Video found no display to open its window on. To export without a window, use "
                          "--headless-export; --help tells how.");
-    return 1;
+        return 1;
+    }
+    return startWindow(arguments.empty() ? std::nullopt : std::optional<std::filesystem::path>(arguments.front()));
 }
 
 } // namespace
 
-int main(const HeadlessExport::Arguments& arguments, const MediaBackend& backend, const Console& console) {
+int main(const HeadlessExport::Arguments& arguments, const MediaBackend& backend, const Console& console,
+         const WindowStart& startWindow) {
     const auto has = [&](const char* word) {
         return std::find(arguments.begin(), arguments.end(), word) != arguments.end();
     };
@@ -67,7 +72,7 @@ int main(const HeadlessExport::Arguments& arguments, const MediaBackend& backend
     }
     if (!arguments.empty() && arguments.front() == "demo")
         return runDemo(arguments.size() > 1 ? arguments[1] : "flowtide-demo", backend, console);
-    return startWindow(console);
+    return openWindow(arguments, console, startWindow);
 }
 
 } // namespace flowtide::FlowtideMain

@@ -20,12 +20,24 @@ public:
     PreviewPlayerAdapter(const PreviewPlayerAdapter&) = delete;
     PreviewPlayerAdapter& operator=(const PreviewPlayerAdapter&) = delete;
 
-    void setItem(std::shared_ptr<const PlaybackItem> item) override { player_.setItem(std::move(item)); }
-    void play(double rate) override { player_.play(rate); }
+    /// Called when the player was given something to do: it may be active from now on.
+    std::function<void()> onActivity;
+
+    void setItem(std::shared_ptr<const PlaybackItem> item) override {
+        player_.setItem(std::move(item));
+        call(onActivity);
+    }
+    void play(double rate) override {
+        player_.play(rate);
+        call(onActivity);
+    }
     double requestedRate() const override { return player_.requestedRate(); }
     double rate() const override { return player_.rate(); }
     OutputSeconds currentTime() override { return player_.currentTime(); }
-    void seek(OutputSeconds time, SeekCompletion completion) override { player_.seek(time, std::move(completion)); }
+    void seek(OutputSeconds time, SeekCompletion completion) override {
+        player_.seek(time, std::move(completion));
+        call(onActivity);
+    }
     PlayerStatus status() const override { return player_.status(); }
     std::string failure() const override { return player_.failure(); }
 

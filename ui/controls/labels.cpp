@@ -1,0 +1,142 @@
+#include "ui/controls/labels.h"
+
+#include "ui/motion.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPalette>
+#include <QTimerEvent>
+#include <algorithm>
+#include <cmath>
+
+namespace flowtide {
+
+namespace {
+constexpr double pieceShare = 0.28; ///< of a bar whose end is unknown
+constexpr int travelMilliseconds = 1600;
+constexpr int frameMilliseconds = 33;
+} // namespace
+
+LineLabel::LineLabel(theme::Type type, QColor color, const QString& text, QWidget* parent)
+    : QWidget(parent)
+    , type_(type)
+    , color_(color)
+    , text_(text) {
+    setAccessibleName(text);
+}
+
+void LineLabel::setText(const QString& text) {
+    if (text_ == text) return;
+    text_ = text;
+    setAccessibleName(text);
+    updateTip();
+    updateGeometry();
+    update();
+}
+
+void LineLabel::setColor(QColor color) {
+    if (color_ == color) return;
+    color_ = color;
+    update();
+}
+
+void LineLabel::setAlignment(Qt::Alignment alignment) {
+    alignment_ = alignment;
+    update();
+}
+
+QSize LineLabel::sizeHint() const {
+    const double width = isTabular_ ? theme::tabularWidth(type_, text_) : theme::textWidth(type_, text_);
+    return {static_cast<int>(std::ceil(width)),
+            static_cast<int>(std::ceil(QFontMetricsF(theme::font(type_)).height()))};
+}
+
+QSize LineLabel::minimumSizeHint() const {
+    return {0, sizeHint().height()};
+}
+
+void LineLabel::resizeEvent(QResizeEvent*) {
+    updateTip();
+}
+
+void LineLabel::updateTip() {
+    setToolTip(width() < sizeHint().width() ? text_ : QString());
+}
+
+void LineLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QColor color = isEnabled() ? color_ : theme::text3;
+    if (isTabular_) return theme::drawTabular(painter, rect(), alignment_, type_, color, text_);
+    const QString shown = QFontMetricsF(theme::font(type_)).elidedText(text_, elide_, width() + 0.5);
+    theme::drawLine(painter, rect(), alignment_, type_, color, shown);
+}
+
+Paragraph::Paragraph(theme::Type type, QColor color, const QString& text, QWidget* parent)
+    : QLabel(text, parent) {
+    setFont(theme::font(type));
+    setTextFormat(Qt::PlainText);
+    setWordWrap(true);
+    setColor(color);
+}
+
+void Paragraph::setColor(QColor color) {
+    QPalette colors = palette();
+    colors.setColor(QPalette::WindowText, color);
+    setPalette(colors);
+}
+
+ProgressBar::ProgressBar(const QString& name, QColor color, QWidget* parent)
+    : QWidget(parent)
+    , name_(name)
+    , color_(color) {
+    setAccessibleName(name);
+    setFixedHeight(4);
+}
+
+void ProgressBar::setShare(double share) {
+    if (share_ == share) return;
+    share_ = share;
+    setAccessibleDescription(share < 0 ? QString() : QStringLiteral("%1%").arg(std::lround(share * 100)));
+    travel();
+    update();
+}
+
+void ProgressBar::travel() {
+    const bool travels = share_ < 0 && isVisible() && !motion::isReduced();
+    if (travels && !timer_) timer_ = startTimer(frameMilliseconds);
+    if (!travels && timer_) {
+        killTimer(timer_);
+        timer_ = 0;
+    }
+}
+
+void ProgressBar::timerEvent(QTimerEvent*) {
+    place_ = std::fmod(place_ + double(frameMilliseconds) / travelMilliseconds, 1);
+    update();
+}
+
+void ProgressBar::showEvent(QShowEvent*) {
+    travel();
+}
+
+void ProgressBar::hideEvent(QHideEvent*) {
+    travel();
+}
+
+void ProgressBar::paintEvent(QPaintEvent*) {
+    using namespace theme;
+    QPainter painter(this);
+    const double radius = height() / 2.0;
+    drawBox(painter, rect(), radius, border);
+    if (share_ >= 0) {
+        drawBox(painter, QRectF(0, 0, width() * std::min(share_, 1.0), height()), radius, color_);
+        return;
+    }
+    // Still and half-filled for who asked for less motion.
+    const double left = motion::isReduced() ? 0 : (1 + pieceShare) * place_ - pieceShare;
+    const double length = motion::isReduced() ? 0.5 : pieceShare;
+    painter.setClipRect(rect());
+    drawBox(painter, QRectF(width() * left, 0, width() * length, height()), radius, color_);
+}
+
+} // namespace flowtide

@@ -1,0 +1,80 @@
+// Texts in panes.
+#pragma once
+
+#include "ui/theme.h"
+
+#include <QColor>
+#include <QLabel>
+#include <QString>
+#include <QWidget>
+
+namespace flowtide {
+
+/// One line; what is too long is elided in the middle, so that an extension stays, and whole as the tip.
+class LineLabel final : public QWidget {
+    Q_OBJECT
+
+public:
+    LineLabel(theme::Type type, QColor color, const QString& text = {}, QWidget* parent = nullptr);
+
+    const QString& text() const { return text_; }
+    void setText(const QString& text);
+    void setColor(QColor color);
+    void setAlignment(Qt::Alignment alignment);
+    /// Digits all as wide as the widest: for numbers that change.
+    void setTabular(bool isTabular) { isTabular_ = isTabular; }
+    void setElideMode(Qt::TextElideMode mode) { elide_ = mode; }
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void updateTip();
+
+    theme::Type type_;
+    QColor color_;
+    QString text_;
+    Qt::Alignment alignment_ = Qt::AlignLeft;
+    Qt::TextElideMode elide_ = Qt::ElideMiddle;
+    bool isTabular_ = false;
+};
+
+/// Sentences that wrap.
+class Paragraph final : public QLabel {
+    Q_OBJECT
+
+public:
+    Paragraph(theme::Type type, QColor color, const QString& text = {}, QWidget* parent = nullptr);
+    void setColor(QColor color);
+};
+
+/// A share of a whole, or, below 0, an unknown one.
+class ProgressBar final : public QWidget {
+    Q_OBJECT
+
+public:
+    ProgressBar(const QString& name, QColor color, QWidget* parent = nullptr);
+
+    void setShare(double share);
+    QSize sizeHint() const override { return {80, 4}; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void travel();
+
+    QString name_;
+    QColor color_;
+    double share_ = 0;
+    double place_ = 0; ///< of the travelling piece, 0...1
+    int timer_ = 0;
+};
+
+} // namespace flowtide

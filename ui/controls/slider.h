@@ -1,0 +1,52 @@
+// A value between two ends.
+#pragma once
+
+#include "ui/controls/hover.h"
+
+#include <QColor>
+#include <QSlider>
+#include <functional>
+
+namespace flowtide {
+
+/// Whole steps from minimum() to maximum(). A drag is a gesture between onGestureBegin and onGestureEnd, with the value
+/// of each of its steps in between; a double click goes back to the default, arrows move by a step, as gestures too.
+class ValueSlider final : public QSlider {
+    Q_OBJECT
+
+public:
+    /// `color`: of the filled part; theme::text where it has no meaning.
+    ValueSlider(const QString& name, QColor color, int minimum, int maximum, int defaultValue,
+                QWidget* parent = nullptr);
+
+    std::function<void()> onGestureBegin;
+    std::function<void(int value)> onValue; ///< the user has changed it
+    std::function<void()> onGestureEnd;
+
+    /// Tells nobody.
+    void showValue(int value);
+    QSize sizeHint() const override { return {120, 20}; }
+    QSize minimumSizeHint() const override { return {60, 20}; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void change(int value);
+    void changeAtOnce(int value);
+    int valueAt(double x) const;
+    void endGesture();
+
+    QColor color_;
+    int defaultValue_;
+    bool isDragged_ = false;
+    Hover hover_{*this};
+};
+
+} // namespace flowtide

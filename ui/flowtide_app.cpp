@@ -1,0 +1,48 @@
+#include "ui/flowtide_app.h"
+
+#include "project/files/project_error.h"
+#include "ui/main_window.h"
+#include "ui/style.h"
+#include "ui/user_settings.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <array>
+
+namespace flowtide {
+
+int runFlowtideApp(const WindowPlatform& platform, const std::optional<std::filesystem::path>& file,
+                   const std::function<void(const std::string& sentence)>& complain) {
+    Q_INIT_RESOURCE(icons);
+    QApplication::setApplicationName(QStringLiteral("Flowtide"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Loftwell Video"));
+    QApplication::setOrganizationName(QStringLiteral("Loftwell Video"));
+    QApplication::setDesktopFileName(QStringLiteral("com.loftwell.Flowtide"));
+    QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
+    int argumentCount = 1;
+    std::array<char, 9> name{"Flowtide"};
+    std::array<char*, 2> arguments{name.data(), nullptr};
+    QApplication application(argumentCount, arguments.data());
+    QApplication::setStyle(new Style);
+    QIcon icon(QStringLiteral(":/icons/app.svg"));
+    QApplication::setWindowIcon(icon);
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    UserSettings settings;
+    try {
+        SessionHost host(platform, settings);
+        MainWindow window(host);
+        window.show();
+        if (file)
+            window.openFile(*file);
+        else
+            host.model().restoreLastProject();
+        host.model().loadRecentProjects();
+        return QApplication::exec();
+    } catch (const ProjectError& error) {
+        complain(error.what());
+        return 1;
+    }
+}
+
+} // namespace flowtide
