@@ -9,11 +9,16 @@
 #include <QIcon>
 #include <array>
 
+// The macro declares a function, which is no namespace's.
+static void loadIcons() {
+    Q_INIT_RESOURCE(icons);
+}
+
 namespace flowtide {
 
 int runFlowtideApp(const WindowPlatform& platform, const std::optional<std::filesystem::path>& file,
                    const std::function<void(const std::string& sentence)>& complain) {
-    Q_INIT_RESOURCE(icons);
+    loadIcons();
     QApplication::setApplicationName(QStringLiteral("Flowtide"));
     QApplication::setApplicationDisplayName(QStringLiteral("Loftwell Video"));
     QApplication::setOrganizationName(QStringLiteral("Loftwell Video"));
