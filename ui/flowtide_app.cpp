@@ -1,6 +1,7 @@
 #include "ui/flowtide_app.h"
 
 #include "project/files/project_error.h"
+#include "ui/accessible_role.h"
 #include "ui/main_window.h"
 #include "ui/style.h"
 #include "ui/user_settings.h"
@@ -28,6 +29,7 @@ int runFlowtideApp(const WindowPlatform& platform, const std::optional<std::file
     std::array<char, 9> name{"Flowtide"};
     std::array<char*, 2> arguments{name.data(), nullptr};
     QApplication application(argumentCount, arguments.data());
+    installAccessibleRoles();
     QApplication::setStyle(new Style);
     QIcon icon(QStringLiteral(":/icons/app.svg"));
     QApplication::setWindowIcon(icon);

@@ -1,5 +1,6 @@
 #include "ui/main_window.h"
 
+#include "ui/accessible_role.h"
 #include "ui/graph/timeline_pane.h"
 #include "ui/key_names.h"
 #include "ui/keys_owner.h"
@@ -89,6 +90,18 @@ MainWindow::MainWindow(SessionHost& host)
     alert_ = new AlertSheet(host, sheets_);
     alert_->hide();
     focusRing_ = new FocusRing(*this);
+    const auto nameIt = [](QWidget& pane, const QString& name) {
+        setAccessibleRole(pane, QAccessible::Pane);
+        pane.setAccessibleName(name);
+    };
+    nameIt(*topBar_, tr("Top bar"));
+    nameIt(*sidebar, tr("Projects"));
+    nameIt(*viewer_, tr("Viewer"));
+    nameIt(*transport, tr("Transport"));
+    nameIt(*timeline_, tr("Timeline"));
+    nameIt(*inspector, tr("Inspector"));
+    nameIt(*start_, tr("Start screen"));
+    nameIt(*workspace_, tr("Workspace"));
     panes_ = {topBar_, sidebar, viewer_, transport, timeline_, inspector};
 
     const auto openProject = [this](const RecentProject& project) {

@@ -1,5 +1,6 @@
 #include "ui/workspace.h"
 
+#include "ui/accessible_role.h"
 #include "ui/controls/focus_ring.h"
 #include "ui/theme.h"
 
@@ -47,6 +48,7 @@ public:
         setCursor(Qt::SplitVCursor);
         setFocusPolicy(Qt::TabFocus);
         setFocusRing(*this, 2);
+        setAccessibleRole(*this, QAccessible::Splitter);
         setAccessibleName(Workspace::tr("Divider"));
         setToolTip(Workspace::tr("Drag to resize the video and timeline areas"));
     }

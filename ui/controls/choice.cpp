@@ -1,5 +1,6 @@
 #include "ui/controls/choice.h"
 
+#include "ui/accessible_role.h"
 #include "ui/controls/focus_ring.h"
 #include "ui/icons.h"
 #include "ui/theme.h"
@@ -67,6 +68,7 @@ private:
 
 Choice::Choice(const QString& name, std::vector<Segment> segments, QWidget* parent)
     : QWidget(parent) {
+    setAccessibleRole(*this, QAccessible::Grouping);
     setAccessibleName(name);
     setFocusPolicy(Qt::TabFocus);
     setFixedHeight(choiceHeight);

@@ -1,5 +1,6 @@
 #include "ui/controls/labels.h"
 
+#include "ui/accessible_role.h"
 #include "ui/motion.h"
 
 #include <QFontMetricsF>
@@ -22,6 +23,7 @@ LineLabel::LineLabel(theme::Type type, QColor color, const QString& text, QWidge
     , type_(type)
     , color_(color)
     , text_(text) {
+    setAccessibleRole(*this, QAccessible::StaticText);
     setAccessibleName(text);
 }
 
@@ -89,6 +91,7 @@ ProgressBar::ProgressBar(const QString& name, QColor color, QWidget* parent)
     : QWidget(parent)
     , name_(name)
     , color_(color) {
+    setAccessibleRole(*this, QAccessible::ProgressBar);
     setAccessibleName(name);
     setFixedHeight(4);
 }
