@@ -84,7 +84,8 @@ bool update(Blocks& blocks, const ZoomBlock& changed, SourceRange limits) {
     if (room.upper - room.lower < shortestBlock) return false;
     ZoomBlock fitted = changed;
     fitted.startTime = std::max(std::min(changed.startTime, room.upper - shortestBlock), std::max(room.lower, 0.0));
-    fitted.endTime = std::max(std::min(changed.endTime, room.upper), fitted.startTime + shortestBlock);
+    // As in move().
+    fitted.endTime = std::min(std::max(changed.endTime, fitted.startTime + shortestBlock), room.upper);
     return replace(blocks, stored, fitted);
 }
 
@@ -95,8 +96,9 @@ bool move(Blocks& blocks, const Uuid& id, double newStart, SourceRange limits) {
     const SourceRange room = roomAround(blocks, *stored, limits);
     if (room.upper - room.lower < length) return false;
     ZoomBlock moved = *stored;
-    moved.startTime = std::clamp(newStart, room.lower, room.upper - length);
-    moved.endTime = moved.startTime + length;
+    // Differences and sums are rounded: the last word have the neighbours.
+    moved.startTime = std::max(std::min(newStart, room.upper - length), room.lower);
+    moved.endTime = std::min(moved.startTime + length, room.upper);
     return replace(blocks, stored, moved);
 }
 

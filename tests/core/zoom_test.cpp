@@ -159,6 +159,19 @@ TEST(ZoomBlockRules, UpdatesAndMovesStayBetweenTheNeighbours) {
     EXPECT_EQ(tight.size(), 2U);
 }
 
+TEST(ZoomBlockRules, RoundingMovesNothingIntoANeighbour) {
+    Blocks slack{block(0, 1.07), block(3.15, 4)};
+    ASSERT_GT(3.15 - 1.07 + 1.07, 3.15);
+    EXPECT_TRUE(move(slack, slack[0].id, 9, {0, 5}));
+    EXPECT_EQ(slack[0].endTime, slack[1].startTime);
+
+    Blocks full{block(0, 0.99), block(0.99, 3.9), block(3.9, 4.5)};
+    ASSERT_LT(3.9 - (3.9 - 0.99), 0.99);
+    move(full, full[1].id, 9, {0, 5});
+    EXPECT_EQ(full[1].startTime, full[0].endTime);
+    EXPECT_EQ(full[1].endTime, full[2].startTime);
+}
+
 TEST(ZoomBlockRules, ProgressIsCountedInOutputTime) {
     const TimeMap map({{0, 0}, {2, 2}, {4, 3}}, {0, 4}, 3); // double speed from second 2 on
     const ZoomBlock whole = block(1, 3);                    // output seconds 1 to 2.5
