@@ -69,6 +69,8 @@ public:
     const Comparison& comparison() const { return preview_.comparison(); }
     const RenderAhead& renders() const { return preview_.renders(); }
     const RestFrame& restFrame() const { return preview_.restFrame(); }
+    /// Null until it is decoded, and for a clip without sound.
+    const std::shared_ptr<const AudioData>& clipSound() const { return preview_.clipSound(); }
     const std::vector<SubjectTrackingRange>& trackedRanges() const { return session_.trackedRanges(); }
     double playheadSeconds() const { return session_.playheadSeconds(); }
     SourceRanges effectiveOpticalFlowRanges() const {
@@ -141,6 +143,7 @@ public:
     void setFrameInterpolation(FrameInterpolation interpolation) { flowEdits_.setFrameInterpolation(interpolation); }
     /// The user's setting of smooth motion has changed.
     void smoothMotionFrameRateChanged() {
+        notifier_.changed(Property::smoothMotionFrameRate);
         if (clip()) session_.refreshPreview();
     }
 

@@ -30,6 +30,7 @@ enum class Property {
     opticalFlowRanges,
     selectedOpticalFlowRangeID,
     originalFrameSpans,
+    smoothMotionFrameRate, ///< the user's setting, of all projects
     trackedRanges,
     history, ///< what can be undone and redone
     // the view
@@ -47,6 +48,7 @@ enum class Property {
     isStartingPlayback,
     shuttleRate,
     loopSeekPending,
+    clipSound,
     comparisonEnabled,
     comparisonMessage,
     comparisonPair,

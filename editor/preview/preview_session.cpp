@@ -14,7 +14,7 @@ PreviewSession::PreviewSession(EditSession& session, SessionJobs& jobs, ChangeNo
                     return transport_.isPlaying() || transport_.isStartingPlayback() || isBusy();
                 },
                 [this] { refresh_.refreshPreviewForCurrentCurve(); }})
-    , refresh_(session, jobs, player, media, renders_, std::move(host.proxy))
+    , refresh_(session, jobs, notifier, player, media, renders_, std::move(host.proxy))
     , transport_(session, refresh_, player, jobs.scheduler(), notifier, renders_, std::move(log))
     , comparison_(session, jobs, notifier, media, renders_)
     , restFrame_(session, jobs, notifier, media, renders_, transport_) {

@@ -43,6 +43,9 @@ public:
     Comparison& comparison() { return comparison_; }
     const Comparison& comparison() const { return comparison_; }
 
+    /// The open clip's, for views to draw; null until it is decoded, and for a clip without sound.
+    const std::shared_ptr<const AudioData>& clipSound() const { return refresh_.sound().sound(); }
+
     RestFrame& restFrame() { return restFrame_; }
     const RestFrame& restFrame() const { return restFrame_; }
 

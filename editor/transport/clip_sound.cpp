@@ -5,14 +5,16 @@
 
 namespace flowtide {
 
-ClipSound::ClipSound(SessionJobs& jobs, std::shared_ptr<SessionMedia> media, Callbacks callbacks)
+ClipSound::ClipSound(SessionJobs& jobs, ChangeNotifier& notifier, std::shared_ptr<SessionMedia> media,
+                     Callbacks callbacks)
     : jobs_(jobs)
     , media_(std::move(media))
-    , callbacks_(std::move(callbacks)) {}
+    , callbacks_(std::move(callbacks))
+    , sound_(notifier, Property::clipSound) {}
 
 void ClipSound::load(OpenClip clip) {
     cancelFlag_.raise();
-    sound_.reset();
+    sound_.set({});
     clip_ = std::move(clip);
     if (!clip_ || !clip_->hasAudio()) return;
     const CancelCheck isCancelled = cancelFlag_.renewed();
@@ -24,7 +26,7 @@ void ClipSound::load(OpenClip clip) {
         [this, loaded = clip_](Outcome<std::shared_ptr<const AudioData>>& outcome) {
             if (loaded != clip_) return;
             try {
-                sound_ = outcome.get();
+                sound_.set(outcome.get());
                 callbacks_.onArrived();
             } catch (const std::exception& error) {
                 if (const auto failure = failureToShow(error)) callbacks_.onFailure(*failure);

@@ -1,6 +1,7 @@
 // The open clip's sound, decoded once, in the background.
 #pragma once
 
+#include "editor/change_notifier.h"
 #include "editor/edit_session.h"
 #include "editor/jobs/cancel_flag.h"
 #include "editor/jobs/session_jobs.h"
@@ -20,10 +21,10 @@ public:
         std::function<void(const std::string&)> onFailure; ///< the sentence; there will be none
     };
 
-    ClipSound(SessionJobs& jobs, std::shared_ptr<SessionMedia> media, Callbacks callbacks);
+    ClipSound(SessionJobs& jobs, ChangeNotifier& notifier, std::shared_ptr<SessionMedia> media, Callbacks callbacks);
 
     /// Null until it is decoded, and for a clip without sound.
-    const std::shared_ptr<const AudioData>& sound() const { return sound_; }
+    const std::shared_ptr<const AudioData>& sound() const { return sound_.get(); }
     /// Another clip, or none; what still comes of the one before is dropped.
     void load(OpenClip clip);
 
@@ -32,7 +33,7 @@ private:
     std::shared_ptr<SessionMedia> media_;
     Callbacks callbacks_;
     OpenClip clip_;
-    std::shared_ptr<const AudioData> sound_;
+    Observed<std::shared_ptr<const AudioData>> sound_;
     CancelFlag cancelFlag_;
 };
 

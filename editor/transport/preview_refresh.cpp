@@ -9,7 +9,7 @@
 
 namespace flowtide {
 
-PreviewRefresh::PreviewRefresh(EditSession& session, SessionJobs& jobs, SessionPlayer& player,
+PreviewRefresh::PreviewRefresh(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, SessionPlayer& player,
                                std::shared_ptr<SessionMedia> media, RenderAhead& renders,
                                std::function<std::optional<std::filesystem::path>()> proxy)
     : session_(session)
@@ -17,7 +17,7 @@ PreviewRefresh::PreviewRefresh(EditSession& session, SessionJobs& jobs, SessionP
     , player_(player)
     , renders_(renders)
     , proxy_(std::move(proxy))
-    , sound_(jobs, std::move(media),
+    , sound_(jobs, notifier, std::move(media),
              {[this] { changeItem([this](PlaybackItem& item) { item.sound = sound_.sound(); }); },
               [this](const std::string& failure) { renders_.showPreviewError(failure); }}) {}
 

@@ -28,8 +28,9 @@ public:
     static constexpr std::int64_t mostSegments = 20'000;
 
     /// `proxy`: that of the open clip, once it is built.
-    PreviewRefresh(EditSession& session, SessionJobs& jobs, SessionPlayer& player, std::shared_ptr<SessionMedia> media,
-                   RenderAhead& renders, std::function<std::optional<std::filesystem::path>()> proxy);
+    PreviewRefresh(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, SessionPlayer& player,
+                   std::shared_ptr<SessionMedia> media, RenderAhead& renders,
+                   std::function<std::optional<std::filesystem::path>()> proxy);
 
     /// Results of preview work that was started before are stale.
     std::uint64_t beginPreviewOperation() { return ++previewRefreshGeneration_; }
@@ -43,6 +44,7 @@ public:
     /// Between the source and the player's times. Only while something is installed.
     const TimeMap& installedMap() const { return installed_->item->media.timeMap; }
 
+    const ClipSound& sound() const { return sound_; }
     /// The proxy has been built.
     void showProxy();
     /// Another clip, or none.

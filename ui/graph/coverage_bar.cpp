@@ -1,0 +1,163 @@
+#include "ui/graph/coverage_bar.h"
+
+#include "ui/accessible_role.h"
+#include "ui/graph/timeline_layout.h"
+#include "ui/theme.h"
+
+#include <QHelpEvent>
+#include <QMouseEvent>
+#include <QToolTip>
+#include <cmath>
+
+namespace flowtide {
+
+namespace {
+
+constexpr double flagWidth = 12;
+constexpr double flagHeight = 10;
+constexpr double flagRise = 7; ///< above the lane
+constexpr double poleWidth = 2;
+constexpr double swallowtail = 3;
+constexpr double hitWidth = 20;
+constexpr double hitHeight = 24;
+constexpr int laneTop = CoverageBar::overlap + TimelineLayout::laneAir - TimelineLayout::groundBelowPlot;
+
+} // namespace
+
+std::vector<CoverageFlag> coverageFlags(const std::vector<SubjectTrackingRange>& ranges) {
+    std::vector<CoverageFlag> flags;
+    for (const SubjectTrackingRange& range : ranges) {
+        // A range tells one last frame; where both ends were lost that is the later one's.
+        if (range.lostBefore)
+            flags.push_back({range.start, range.lostAfter ? range.start : range.lastFrameTime, false});
+        if (range.lostAfter) flags.push_back({range.end, range.lastFrameTime, true});
+    }
+    return flags;
+}
+
+CoverageBar::CoverageBar(TimelineContext& context, QWidget* parent)
+    : TimelineLane(context, laneTop, TimelineLayout::thinLane, parent) {
+    setAccessibleRole(*this, QAccessible::List);
+    setAccessibleName(tr("Subject tracking coverage"));
+    changes_ = context.model().subscribe(properties({Property::clip, Property::trackedRanges, Property::trimRange,
+                                                     Property::isTracking, Property::selectingSubject}),
+                                         [this](const PropertySet&) { refresh(); });
+    refresh();
+}
+
+void CoverageBar::refresh() {
+    hovered_ = nullptr;
+    flags_ = coverageFlags(context_.model().trackedRanges());
+    setAccessibleDescription(tr("Teal: tracked frames. Orange flags: subject lost. Click a flag to go to the last "
+                                "tracked frame. Uncoloured sections have not been tracked."));
+    update();
+}
+
+void CoverageBar::paintFlag(QPainter& painter, const CoverageFlag& flag) const {
+    if (!context_.axis().shows(flag.time)) return;
+    const QRectF lane = ground();
+    const double x = context_.axis().xOf(flag.time);
+    const double direction = flag.isAfter ? 1 : -1;
+    const double grown = &flag == hovered_ ? 1 : 0;
+    const QRectF pole(flag.isAfter ? x : x - poleWidth, lane.top() - flagRise, poleWidth, lane.height() + flagRise);
+    painter.fillRect(theme::onPixels(painter, pole), theme::attention);
+    const double top = lane.top() - flagRise - grown;
+    const double end = x + direction * (flagWidth + grown);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme::attention);
+    const double bottom = top + flagHeight + grown;
+    painter.drawPolygon(QPolygonF{
+        {x, top}, {end, top}, {end - direction * swallowtail, (top + bottom) / 2}, {end, bottom}, {x, bottom}});
+    painter.restore();
+}
+
+void CoverageBar::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect().adjusted(0, overlap, 0, 0), theme::pane);
+    paintGround(painter);
+    paintSign(painter, QStringLiteral("track"), ground());
+    const auto& model = context_.model();
+    const auto& ranges = model.trackedRanges();
+    for (const SubjectTrackingRange& range : ranges) {
+        const QRectF box = stretch(range.start, range.end);
+        if (!box.isEmpty())
+            theme::drawBox(painter, theme::onPixels(painter, box), theme::laneRadius,
+                           theme::faded(theme::framing, 0.85));
+    }
+    const bool isChoosing = model.tracking().isTracking() || model.tracking().selectingSubject();
+    if (ranges.empty() && !isChoosing && model.clip())
+        theme::drawLine(painter, ground().adjusted(8, 0, -8, 0), Qt::AlignLeft, theme::Type::small, theme::text2,
+                        tr("No tracked frames yet. Use Track subject in the Framing inspector."));
+    if (isChoosing && context_.axis().shows(model.playheadSeconds())) {
+        QPen pen(theme::framing, theme::hairlineWidth(painter), Qt::DashLine, Qt::FlatCap);
+        painter.setPen(pen);
+        const double x = std::round(context_.axis().xOf(model.playheadSeconds())) + theme::hairlineWidth(painter) / 2;
+        painter.drawLine(QPointF(x, ground().top()), QPointF(x, ground().bottom()));
+    }
+    painter.save();
+    painter.setClipRect(rect().adjusted(0, overlap, 0, 0));
+    paintTrimLines(painter);
+    painter.restore();
+    for (const CoverageFlag& flag : flags_)
+        paintFlag(painter, flag);
+}
+
+const CoverageFlag* CoverageBar::flagAt(QPointF place) const {
+    const double middle = ground().top() + TimelineLayout::thinLane / 2.0 - flagRise / 2;
+    for (const CoverageFlag& flag : flags_) {
+        const double center = context_.axis().xOf(flag.time) + (flag.isAfter ? flagWidth : -flagWidth) / 2;
+        if (context_.axis().shows(flag.time) && std::abs(place.x() - center) <= hitWidth / 2 &&
+            std::abs(place.y() - middle) <= hitHeight / 2)
+            return &flag;
+    }
+    return nullptr;
+}
+
+void CoverageBar::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    if (const CoverageFlag* flag = flagAt(event->position())) context_.scrubTo(flag->lastFrameTime);
+}
+
+void CoverageBar::mouseMoveEvent(QMouseEvent* event) {
+    const CoverageFlag* flag = flagAt(event->position());
+    context_.setHint(accessibleDescription());
+    if (flag == hovered_) return;
+    hovered_ = flag;
+    if (flag)
+        setCursor(Qt::PointingHandCursor);
+    else
+        unsetCursor();
+    update();
+}
+
+void CoverageBar::leaveEvent(QEvent*) {
+    context_.setHint({});
+    if (!hovered_) return;
+    hovered_ = nullptr;
+    update();
+}
+
+bool CoverageBar::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return TimelineLane::event(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    QString tip;
+    if (const CoverageFlag* flag = flagAt(help->pos())) {
+        const QString side = flag->isAfter ? tr("Subject lost after %1s. Click to review this frame.")
+                                           : tr("Subject lost before %1s. Click to review this frame.");
+        tip = side.arg(flag->time, 0, 'f', 2);
+    } else {
+        const double seconds = context_.timeAt(help->pos().x());
+        for (const SubjectTrackingRange& range : context_.model().trackedRanges())
+            if (seconds >= range.start && seconds <= range.end && ground().contains(help->pos()))
+                tip = tr("Tracked %1–%2 seconds").arg(range.start, 0, 'f', 2).arg(range.end, 0, 'f', 2);
+    }
+    if (tip.isEmpty())
+        QToolTip::hideText();
+    else
+        QToolTip::showText(help->globalPos(), tip, this);
+    return true;
+}
+
+} // namespace flowtide

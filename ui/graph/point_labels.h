@@ -1,0 +1,27 @@
+// Where the values of points are written, so that neither the curve nor each other strikes them through.
+#pragma once
+
+#include <QPointF>
+#include <QRectF>
+#include <vector>
+
+namespace flowtide {
+
+/// A point as the placing of its label sees it; pixels.
+struct LabelledPoint {
+    QPointF place;
+    double textWidth = 0;
+    bool isSelected = false;
+    bool isTrimEdge = false;
+};
+
+struct PointLabel {
+    std::size_t point = 0; ///< which one of the points
+    QPointF baseline;      ///< left end
+    QRectF box;
+};
+
+/// `points` from left to right. Labels that would touch another one are left out, those of selected points never.
+std::vector<PointLabel> placedLabels(const std::vector<LabelledPoint>& points, double plotBottom);
+
+} // namespace flowtide

@@ -1,0 +1,87 @@
+#include "ui/graph/point_marks.h"
+
+#include "ui/theme.h"
+
+#include <QPaintDevice>
+#include <QPixmap>
+#include <QPixmapCache>
+#include <cmath>
+
+namespace flowtide {
+
+namespace {
+
+constexpr int side = 26; ///< pixels; the largest mark fits
+
+void disc(QPainter& painter, double radius, QColor fill, QColor outline, double width) {
+    const double middle = side / 2.0;
+    painter.setBrush(fill.isValid() ? QBrush(fill) : QBrush(Qt::NoBrush));
+    painter.setPen(outline.isValid() ? QPen(outline, width) : QPen(Qt::NoPen));
+    const double drawn = outline.isValid() ? radius + 1 - width / 2 : radius;
+    painter.drawEllipse(QPointF(middle, middle), drawn, drawn);
+}
+
+void square(QPainter& painter, double size, QColor fill, QColor outline, double width) {
+    QRectF box(0, 0, size - width, size - width);
+    box.moveCenter(QPointF(side / 2.0, side / 2.0));
+    painter.setBrush(fill);
+    painter.setPen(QPen(outline, width));
+    painter.drawRoundedRect(box, 1.5, 1.5);
+}
+
+void draw(QPainter& painter, PointMark mark, QColor color) {
+    using namespace theme;
+    switch (mark) {
+    case PointMark::plain:
+        return disc(painter, 5, well, color, 2);
+    case PointMark::hovered:
+        return disc(painter, 6, well, color, 2);
+    case PointMark::hoverHalo:
+        return disc(painter, 11, faded(color, 0.16), {}, 0);
+    case PointMark::selected:
+        return disc(painter, 6, color, theme::text, 2);
+    case PointMark::dragHalo:
+        return disc(painter, 11, faded(color, 0.25), {}, 0);
+    case PointMark::keyboardRing:
+        return disc(painter, 10, {}, theme::text, 2);
+    case PointMark::edge:
+        return square(painter, 9, well, color, 2);
+    case PointMark::selectedEdge:
+        return square(painter, 11, color, theme::text, 2);
+    case PointMark::former: {
+        QPen pen(faded(color, 0.5), 1.5);
+        pen.setDashPattern({1.5, 1.5});
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(pen);
+        painter.drawEllipse(QPointF(side / 2.0, side / 2.0), 5, 5);
+        return;
+    }
+    case PointMark::outside:
+        return disc(painter, 4, well, faded(color, 0.4), 1.5);
+    }
+}
+
+} // namespace
+
+void drawPointMark(QPainter& painter, QPointF place, PointMark mark, QColor color) {
+    const double scale = painter.device()->devicePixelRatioF();
+    const QString key = QStringLiteral("point/%1/%2/%3").arg(static_cast<int>(mark)).arg(color.rgba()).arg(scale);
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        const int pixels = static_cast<int>(std::lround(side * scale));
+        pixmap = QPixmap(pixels, pixels);
+        pixmap.fill(Qt::transparent);
+        pixmap.setDevicePixelRatio(scale);
+        QPainter onPixmap(&pixmap);
+        onPixmap.setRenderHint(QPainter::Antialiasing);
+        draw(onPixmap, mark, color);
+        onPixmap.end();
+        QPixmapCache::insert(key, pixmap);
+    }
+    // Lines of one pixel go through the middle of their pixel, and so do the points on them.
+    const double half = theme::hairlineWidth(painter) / 2;
+    const QPointF corner = place + QPointF(half - side / 2.0, half - side / 2.0);
+    painter.drawPixmap(theme::onPixels(painter, QRectF(corner, QSizeF(side, side))).topLeft(), pixmap);
+}
+
+} // namespace flowtide
