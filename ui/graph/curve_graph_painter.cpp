@@ -20,7 +20,7 @@ constexpr double curveWidth = 2;
 constexpr double editedWidth = 1.25; ///< of the curve that is edited, where another one is seen
 constexpr double labelBeforePlot = 10;
 constexpr double wordBeforePlot = 7; ///< words are longer than numbers
-constexpr double guideGap = 6;
+constexpr double guideGap = 10;
 
 class Painting {
 public:

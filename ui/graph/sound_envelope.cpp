@@ -40,6 +40,7 @@ SoundEnvelope soundEnvelope(const AudioData& sound, double durationSeconds) {
         for (std::size_t i = from; i < to; ++i)
             peak = std::max(peak, std::abs(sound.samples[i]));
         envelope.peaks[part] = std::min(peak, 1.0F);
+        envelope.loudest = std::max(envelope.loudest, envelope.peaks[part]);
     }
     return envelope;
 }

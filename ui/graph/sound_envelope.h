@@ -11,6 +11,7 @@ namespace flowtide {
 struct SoundEnvelope {
     std::vector<float> peaks; ///< 0...1
     double partSeconds = 1;
+    float loudest = 0; ///< of them
 
     /// The largest one in a stretch of source seconds; 0 outside of the sound.
     float peak(double from, double to) const;

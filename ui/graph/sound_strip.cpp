@@ -13,6 +13,7 @@ namespace {
 constexpr double barStep = 2;
 constexpr double barWidth = 1.25;
 constexpr double loudness = 0.6; ///< exponent: quiet sound is to be seen too
+constexpr double quietest = 0.1; ///< a clip that is never louder is drawn as quiet as it is
 constexpr double textInset = 8;
 } // namespace
 
@@ -48,10 +49,11 @@ void SoundStrip::paint(QPainter& painter, const QRectF& strip) const {
         return theme::drawLine(painter, strip.adjusted(textInset, 0, 0, 0), Qt::AlignLeft, theme::Type::small,
                                theme::text2, QCoreApplication::translate("SoundStrip", "No audio"));
     const TimeAxis& axis = context_.axis();
+    const double loudest = std::max(static_cast<double>(envelope_.loudest), quietest);
     for (double x = strip.left(); x + barStep <= strip.right() + 0.5; x += barStep) {
         const float peak = envelope_.peak(axis.timeAt(x), axis.timeAt(x + barStep));
         if (peak <= 0) continue;
-        const double height = std::max(std::pow(static_cast<double>(peak), loudness) * strip.height(), 1.0);
+        const double height = std::max(std::pow(peak / loudest, loudness) * strip.height(), 1.0);
         painter.fillRect(theme::onPixels(painter, QRectF(x, strip.bottom() - height, barWidth, height)),
                          theme::fieldHover);
     }
