@@ -5,6 +5,12 @@
 
 namespace flowtide {
 
+std::optional<CropPlan> exportedCrop(const ImportedClip& clip, CropAspectRatio ratio) {
+    if (!clip.preferredTransform.isIdentity()) return std::nullopt;
+    return CropPlan::forSource({clip.width, clip.height}, {widthOverHeight(ratio), {}, {}},
+                               clip.metadata.sampleAspectRatio.seconds());
+}
+
 Framing::Framing(ChangeNotifier& notifier, const SpeedCurve& curve)
     : curve_(curve)
     , centerKeyframes_(notifier, Property::centerKeyframes)

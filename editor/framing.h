@@ -6,11 +6,15 @@
 #include "editor/change_notifier.h"
 #include "editor/curve_points.h"
 #include "editor/speed_curve.h"
+#include "media/imported_clip.h"
 
 #include <optional>
 #include <vector>
 
 namespace flowtide {
+
+/// The crop that an export makes of a clip; nothing where it makes none: of a clip that is no wider, or turned.
+std::optional<CropPlan> exportedCrop(const ImportedClip& clip, CropAspectRatio ratio);
 
 /// Main thread only. Crop positions are fractions of the crop's travel.
 class Framing {

@@ -31,7 +31,8 @@ SessionHost::SessionHost(const WindowPlatform& platform, UserSettings& settings)
     , model_(std::make_unique<FlowtideViewModel>(
           SessionEnvironment{scheduler_, adapter_, media_, std::make_shared<ProjectStore>(),
                              [this] { return settings_.smoothMotionFrameRate(); },
-                             keyNames::local(QStringLiteral("⌘Z")).toStdString(), logLine})) {
+                             keyNames::local(QStringLiteral("⌘Z")).toStdString(), logLine}))
+    , pictureFeed_(std::make_unique<PictureFeed>(player_, *model_, pictures_)) {
     refreshes_.setTimerType(Qt::PreciseTimer);
     refreshes_.setInterval(refreshMilliseconds);
     QObject::connect(&refreshes_, &QTimer::timeout, &refreshes_, [this] {

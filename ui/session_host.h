@@ -10,6 +10,7 @@
 #include "ui/point_selection.h"
 #include "ui/qt_scheduler.h"
 #include "ui/user_settings.h"
+#include "ui/viewer/picture_feed.h"
 
 #include <QTimer>
 #include <functional>
@@ -36,6 +37,8 @@ public:
     FlowtideViewModel& model() { return *model_; }
     PreviewPlayer& player() { return player_; }
     PictureLoader& pictures() { return pictures_; }
+    /// Shared by all that show the playhead's picture.
+    PictureFeed& pictureFeed() { return *pictureFeed_; }
     PointSelection& points() { return points_; }
     UserSettings& settings() { return settings_; }
     Scheduler& scheduler() { return scheduler_; }
@@ -52,6 +55,7 @@ private:
     PreviewPlayerAdapter adapter_{player_};
     std::shared_ptr<SessionMedia> media_;
     std::unique_ptr<FlowtideViewModel> model_;
+    std::unique_ptr<PictureFeed> pictureFeed_;
     Subscription selectionReset_;
 };
 

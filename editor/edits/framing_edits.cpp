@@ -16,8 +16,7 @@ constexpr double spanTolerance = 0.001; ///< source seconds; keyframes this near
 
 /// The width of the crop that an export makes as a share of the frame's; 1 where it makes none.
 double cropFraction(const ImportedClip& clip, CropAspectRatio ratio) {
-    const auto plan = CropPlan::forSource({clip.width, clip.height}, {widthOverHeight(ratio), {}, {}},
-                                          clip.metadata.sampleAspectRatio.seconds());
+    const auto plan = exportedCrop(clip, ratio);
     return plan ? static_cast<double>(plan->width) / static_cast<double>(clip.width) : 1;
 }
 

@@ -16,9 +16,9 @@ RestFrame::RestFrame(EditSession& session, SessionJobs& jobs, ChangeNotifier& no
     , restPicture_(notifier, Property::restPicture)
     , changes_(notifier.subscribe(
           properties({Property::clip, Property::keyframes, Property::curveSmoothing, Property::trimRange,
-                      Property::zoomBlocks, Property::frameInterpolation, Property::opticalFlowRanges,
-                      Property::originalFrameSpans, Property::scrubPosition, Property::isPlaying,
-                      Property::isStartingPlayback, Property::renderedPreviews}),
+                      Property::zoomBlocks, Property::isVerticalCropEnabled, Property::frameInterpolation,
+                      Property::opticalFlowRanges, Property::originalFrameSpans, Property::scrubPosition,
+                      Property::isPlaying, Property::isStartingPlayback, Property::renderedPreviews}),
           [this](const PropertySet&) { restart(); })) {}
 
 void RestFrame::setRestPictureSize(OutputSize size) {
@@ -44,7 +44,9 @@ void RestFrame::restart() {
 
 void RestFrame::request() {
     ExportRequest request = session_.exportRequest();
-    request.verticalCrop.reset(); // the view draws it over the whole picture
+    // The view draws the crop over the whole picture, and zooms within it, which comes after it.
+    if (request.verticalCrop) request.zoom.reset();
+    request.verticalCrop.reset();
     const CancelCheck isCancelled = cancelFlag_.renewed();
     jobs_.start(
         BackgroundQueue::frames,

@@ -23,7 +23,8 @@ public:
     RestFrame(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, std::shared_ptr<SessionMedia> media,
               const RenderAhead& renders, const Transport& transport);
 
-    /// Null when there is none: what the player shows stands.
+    /// The whole frame, never cropped; zoomed while the crop is off. Null when there is none: what the player shows
+    /// stands.
     const std::shared_ptr<const ExportPicture>& restPicture() const { return restPicture_.get(); }
     /// The largest picture that the view has room for.
     void setRestPictureSize(OutputSize size);

@@ -72,6 +72,11 @@ bool PlaybackRoute::isRenderedPreview(OutputSeconds time) const {
     });
 }
 
+bool PlaybackRoute::isPreviewMedium(MediumId id) const {
+    return std::ranges::any_of(item_->media.asset.cachedPreviews,
+                               [&](const CompositionSegment& segment) { return ids_[segment.medium] == id; });
+}
+
 bool PlaybackRoute::sharesMediaWith(const PlaybackRoute& other) const {
     return std::ranges::find_first_of(ids_, other.ids_) != ids_.end();
 }

@@ -66,6 +66,8 @@ public:
     std::vector<RouteStretch> ahead(OutputSeconds time, int direction, double seconds, PictureSource source) const;
     /// Whether a rendered preview is shown at a time.
     bool isRenderedPreview(OutputSeconds time) const;
+    /// Whether a medium is one of the rendered previews.
+    bool isPreviewMedium(MediumId id) const;
     /// The medium that a proxy stands for; any other itself.
     MediumId originalOf(MediumId id) const { return proxy_ == id ? ids_[item_->proxiedMedium] : id; }
     /// Whether both compositions use one medium: one is an edit of the other.

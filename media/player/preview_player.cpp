@@ -362,6 +362,7 @@ void PreviewPlayer::show(const Found& found, OutputSeconds time, bool isDue) {
 
 /// What a display has to know of a picture beside its samples.
 void PreviewPlayer::describe(PlayerPicture& picture) const {
+    picture.isRendered = route_->isPreviewMedium(picture.medium);
     const MediumId original = route_->originalOf(picture.medium);
     const CompositionMedium* medium = route_->medium(original);
     const auto file = decoder_->clipOf(picture.medium);

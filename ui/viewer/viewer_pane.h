@@ -2,26 +2,47 @@
 #pragma once
 
 #include "ui/session_host.h"
-#include "ui/shortcuts.h"
 
 #include <QWidget>
 #include <functional>
 
 namespace flowtide {
 
+class ComparisonView;
+class Magnifier;
+class StateChip;
+class SubjectPanel;
+class VideoSurface;
+
 class ViewerPane final : public QWidget {
     Q_OBJECT
 
 public:
     explicit ViewerPane(SessionHost& host, QWidget* parent = nullptr);
+    ViewerPane(FlowtideViewModel& model, PictureFeed& feed, QWidget* parent = nullptr);
 
     /// The sentence for the line under the graph while the pointer is on the picture; empty when it has left.
     std::function<void(const QString& hint)> onHint;
-    /// Esc: ends choosing or tracking a subject, or else the comparison; false when there is none.
+    /// Esc: ends choosing or tracking a subject, or takes back what that had to say, or else ends the comparison; false
+    /// when there is none.
     bool endTopmost();
 
+    VideoSurface& surface() { return *surface_; }
+
 protected:
-    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void refresh();
+    void place();
+
+    FlowtideViewModel& model_;
+    VideoSurface* surface_;
+    ComparisonView* comparison_;
+    StateChip* state_;
+    Magnifier* magnifier_;
+    SubjectPanel* subject_;
+    Subscription changes_;
 };
 
 } // namespace flowtide

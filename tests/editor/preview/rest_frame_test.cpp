@@ -26,7 +26,6 @@ protected:
 
 TEST_F(RestFrameTest, IsTheExportsFrameOfThePlayhead) {
     openSlow();
-    model->setVerticalCropEnabled(true);
     model->addZoomBlock({1, 4});
     scheduler.settle();
     EXPECT_FALSE(isShown()); // another zoom is another picture
@@ -42,6 +41,12 @@ TEST_F(RestFrameTest, IsTheExportsFrameOfThePlayhead) {
     EXPECT_EQ(request.opticalFlowRanges, model->effectiveOpticalFlowRanges());
     EXPECT_EQ(request.zoom->blocks, model->zoom().zoomBlocks());
     EXPECT_FALSE(request.verticalCrop);
+
+    // The crop comes before the zoom, and is the view's: then so is the zoom.
+    model->setVerticalCropEnabled(true);
+    ASSERT_TRUE(comes());
+    EXPECT_FALSE(media->pictured.back().first.verticalCrop);
+    EXPECT_FALSE(media->pictured.back().first.zoom);
 }
 
 TEST_F(RestFrameTest, OnlyWhereFramesAreMadeAndNoneIsRendered) {

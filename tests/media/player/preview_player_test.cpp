@@ -255,6 +255,7 @@ TEST(PreviewPlayer, RenderedPreviewsAreShownWhereTheyLie) {
             const double time = stage.player->currentTime().value;
             const bool inPreview = time >= 1 && time < 2;
             ASSERT_EQ(stage.player->picture()->frame.width, inPreview ? 64 : 48) << time;
+            ASSERT_EQ(stage.player->picture()->isRendered, inPreview) << time;
             ASSERT_EQ(stage.number(), inPreview ? frameAt(time - 1, 25) : frameAt(time, 100)) << time;
         }
         stage.player->pause();

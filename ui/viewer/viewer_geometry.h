@@ -1,0 +1,67 @@
+// Where pictures, crops, targets and boxes lie: arithmetic on values.
+#pragma once
+
+#include "core/output_size.h"
+#include "core/subject_box.h"
+#include "core/zoom_engine.h"
+
+#include <QPointF>
+#include <QRectF>
+#include <QSize>
+#include <QSizeF>
+
+namespace flowtide {
+
+/// What a magnifier shows of a picture.
+struct Inspection {
+    double scale = 1;         ///< 1: all of it
+    QPointF center{0.5, 0.5}; ///< what lies in the middle of the pane, fractions of the picture
+    static constexpr double largest = 20;
+};
+
+namespace viewerGeometry {
+
+constexpr QRectF wholePicture{0, 0, 1, 1};
+
+/// The size of a picture in a pane, both in device pixels; `clearance`: what stays free on each side.
+QSize fittedSize(QSize pane, int clearance, QSize clip);
+
+/// Where the picture lies in the pane, device pixels. It stays in the middle in a direction in which the pane has room
+/// for it, and else reaches the clearance on both sides.
+QRect pictureRect(QSize pane, int clearance, QSize clip, const Inspection& inspection);
+
+/// The scale at which a clip's pixel is `magnification` device pixels wide; at least 1.
+double inspectionScale(QSize pane, int clearance, QSize clip, double magnification);
+/// The reverse: device pixels of a pixel of the clip.
+double magnification(QSize pane, int clearance, QSize clip, double scale);
+
+/// The inspection after the picture was moved by `travel` device pixels.
+Inspection panned(QSize pane, int clearance, QSize clip, const Inspection& inspection, QPointF travel);
+
+/// The part of a frame that a zoom shows, fractions of it.
+QRectF zoomWindow(const ZoomEngine::ZoomState& zoom);
+/// The part that a crop shows: `share` of the width, `travel` 0...1 of its way.
+QRectF cropWindow(double travel, double share);
+
+/// A part of a rectangle, given in fractions of it, and back.
+QRectF part(const QRectF& whole, const QRectF& fractions);
+QPointF point(const QRectF& whole, QPointF fractions);
+QPointF fractions(const QRectF& whole, QPointF point);
+
+/// Where the crop is after it was dragged by `distance` on a picture that is `width` wide.
+double draggedTravel(double travel, double distance, double width, double share);
+
+/// The box between two corners, limited to the picture; fractions.
+SubjectBox boxBetween(QPointF corner, QPointF opposite);
+/// The box moved; it stays whole within the picture.
+SubjectBox movedBox(SubjectBox box, double dx, double dy);
+/// The box grown about its middle; limited to the picture, never smaller than a subject may be.
+SubjectBox grownBox(SubjectBox box, double dx, double dy);
+
+/// Where a clip is drawn so that it covers a pane, device pixels; `pan`: 0...1 of what is hidden on each axis.
+QRect coveringRect(QSize pane, QSize clip, QPointF pan);
+/// The pan after the picture was moved by `travel` device pixels.
+QPointF pannedCover(QSize pane, QSize clip, QPointF pan, QPointF travel);
+
+} // namespace viewerGeometry
+} // namespace flowtide
