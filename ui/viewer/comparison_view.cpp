@@ -117,8 +117,7 @@ void ComparisonView::nudge(int x, int y, bool isShifted) {
 void ComparisonView::askForPictures() {
     const auto clip = clipSize();
     if (!clip || !isVisible()) return;
-    const QRect covering = viewerGeometry::coveringRect(panes().original.size(), *clip, {0, 0});
-    const OutputSize size{covering.width(), covering.height()};
+    const OutputSize size = viewerGeometry::coveringBox(panes().original.size(), *clip);
     feed_.setRoom(*this, PictureFeed::Room{size, size});
     model_.setComparisonSize(size);
 }

@@ -113,17 +113,18 @@ std::optional<FullScreenPreview::Frame> FullScreenPreview::frame() const {
     const double share = crop ? static_cast<double>(crop->width) / static_cast<double>(clip->width) : 1;
     const QSize seen(crop ? static_cast<int>(crop->width) : pixels.width(), pixels.height());
     const QRect place = viewerGeometry::pictureRect(pane, 0, seen, {});
-    const QSize whole(static_cast<int>(std::lround(place.width() / share)), place.height());
+    // Of a cropped clip the height decides, whatever lies beside the crop.
+    const OutputSize box =
+        crop ? OutputSize{std::int64_t{1} << 20, place.height()} : OutputSize{pane.width(), pane.height()};
     return Frame{place,
                  crop ? viewerGeometry::cropWindow(CropOverlay::travel(model_), share) : viewerGeometry::wholePicture,
-                 whole};
+                 box};
 }
 
 void FullScreenPreview::askForPictures() {
     const auto frame = this->frame();
     if (!frame || !isVisible()) return;
-    const OutputSize size{frame->whole.width(), frame->whole.height()};
-    feed_.setRoom(*this, PictureFeed::Room{size, size});
+    feed_.setRoom(*this, PictureFeed::Room{frame->box, frame->box});
 }
 
 void FullScreenPreview::paintEvent(QPaintEvent*) {

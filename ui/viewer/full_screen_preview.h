@@ -41,8 +41,8 @@ private:
     /// What is shown, and where: device pixels.
     struct Frame {
         QRect place;
-        QRectF crop; ///< the exported part, fractions
-        QSize whole; ///< how large the whole frame would be
+        QRectF crop;    ///< the exported part, fractions
+        OutputSize box; ///< what the whole frame is to be made to fit into
     };
     std::optional<Frame> frame() const;
     void askForPictures();

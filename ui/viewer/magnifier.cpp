@@ -14,7 +14,6 @@ namespace flowtide {
 namespace {
 
 constexpr std::array<double, 2> magnifications{1, 2};
-constexpr double padding = 8;
 constexpr double chevron = 14;
 constexpr int buttonHeight = 24;
 
@@ -49,7 +48,7 @@ void Magnifier::setOnPicture(bool isOnPicture) {
 }
 
 QSize Magnifier::sizeHint() const {
-    const double words = theme::tabularWidth(theme::Type::label, label(magnifications.back()));
+    const double words = theme::tabularWidth(theme::Type::body, label(magnifications.back()));
     return {static_cast<int>(std::ceil(words + 2 * padding + chevron + 4)), buttonHeight};
 }
 
@@ -76,7 +75,7 @@ void Magnifier::paintEvent(QPaintEvent*) {
     drawBox(painter, rect(), controlRadius, hover_.color(rest, control, raised));
     const QColor ink = hover_.color(text2, theme::text, theme::text);
     const QRectF words(padding, 0, width() - 2 * padding - chevron - 4, height());
-    drawTabular(painter, words, Qt::AlignRight, Type::label, ink, QPushButton::text());
+    drawTabular(painter, words, Qt::AlignRight, Type::body, ink, QPushButton::text());
     icons::draw(painter, QStringLiteral("chevron-down"), QRectF(width() - padding - chevron, 0, chevron, height()),
                 chevron, ink);
 }

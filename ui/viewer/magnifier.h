@@ -20,6 +20,8 @@ public:
     std::function<void(std::optional<double> magnification)> onChoice;
     std::function<bool(double magnification)> canMagnify;
 
+    /// Free beside its words; part of the button, but not seen.
+    static constexpr int padding = 8;
     void showMagnification(std::optional<double> magnification);
     /// Whether it lies on the picture, where it needs a ground.
     void setOnPicture(bool isOnPicture);

@@ -129,12 +129,8 @@ void VideoSurface::askForPictures() {
     const auto clip = clipSize();
     if (!clip || !isVisible()) return;
     scale_ = devicePixelRatioF();
-    const QSize fitted = viewerGeometry::fittedSize(deviceSize(), deviceClearance(), *clip);
-    // As sharp as the clip is; nothing is gained by drawing it larger than it is, but to fill the room.
     const auto room = [&](double scale) {
-        const double most = std::max(1.0, static_cast<double>(clip->width()) / fitted.width());
-        const double used = std::min(scale, most);
-        return OutputSize{std::lround(fitted.width() * used), std::lround(fitted.height() * used)};
+        return viewerGeometry::pictureBox(deviceSize(), deviceClearance(), *clip, scale);
     };
     const double inspected = model_.timeline().inspectionScale();
     const ZoomBlock* zoom = ZoomBlockRules::blockAt(model_.zoom().zoomBlocks(), model_.playheadSeconds());
@@ -238,6 +234,7 @@ void VideoSurface::mousePressEvent(QMouseEvent* event) {
     isPressed_ = true;
     isDragging_ = false;
     pressed_ = last_ = event->position();
+    modifiers_ = event->modifiers();
     held_ = layerAt(pressed_);
     showPointer(pressed_);
 }
@@ -246,7 +243,7 @@ void VideoSurface::mouseMoveEvent(QMouseEvent* event) {
     const QPointF at = event->position();
     if (isPressed_ && !isDragging_ && QLineF(pressed_, at).length() >= clickTolerance) {
         isDragging_ = true;
-        if (held_) held_->begin(pressed_, event->modifiers(), place());
+        if (held_) held_->begin(pressed_, modifiers_, place());
         if (held_ == &subject_ && onDrawingBox) onDrawingBox(true);
     }
     if (isDragging_ && held_) {

@@ -77,6 +77,7 @@ private:
     bool isDragging_ = false;
     PictureLayer* held_ = nullptr;
     QPointF pressed_;
+    Qt::KeyboardModifiers modifiers_; ///< of the press
     QPointF last_;
     double chosenAt_ = 0; ///< the playhead when choosing a subject began
     bool wasChoosing_ = false;

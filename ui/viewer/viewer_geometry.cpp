@@ -1,16 +1,21 @@
 #include "ui/viewer/viewer_geometry.h"
 
-#include "media/frames/display_frame.h"
-
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace flowtide::viewerGeometry {
 
 namespace {
 
-OutputSize outputSize(QSize size) {
-    return {size.width(), size.height()};
+QSizeF boxOf(QSize pane, int clearance) {
+    return QSizeF(std::max(pane.width() - 2 * clearance, 1), std::max(pane.height() - 2 * clearance, 1));
+}
+
+/// Device pixels of a pixel of the clip, when all of it is shown.
+double fitScale(QSize pane, int clearance, QSize clip) {
+    const QSizeF box = boxOf(pane, clearance);
+    return std::min(box.width() / clip.width(), box.height() / clip.height());
 }
 
 /// Where a length lies in a pane along one axis.
@@ -31,27 +36,27 @@ int covered(int pane, int length, double pan) {
 
 } // namespace
 
-QSize fittedSize(QSize pane, int clearance, QSize clip) {
-    const OutputSize box{std::max(pane.width() - 2 * clearance, 1), std::max(pane.height() - 2 * clearance, 1)};
-    const OutputSize fitted = flowtide::fittedSize(outputSize(clip), box);
-    return {static_cast<int>(fitted.width), static_cast<int>(fitted.height)};
-}
-
 QRect pictureRect(QSize pane, int clearance, QSize clip, const Inspection& inspection) {
-    const QSize fitted = fittedSize(pane, clearance, clip);
-    const QSize size(static_cast<int>(std::lround(fitted.width() * inspection.scale)),
-                     static_cast<int>(std::lround(fitted.height() * inspection.scale)));
+    const double scale = fitScale(pane, clearance, clip) * inspection.scale;
+    const QSize size(std::max(static_cast<int>(std::lround(clip.width() * scale)), 1),
+                     std::max(static_cast<int>(std::lround(clip.height() * scale)), 1));
     return {placed(pane.width(), clearance, size.width(), inspection.center.x()),
             placed(pane.height(), clearance, size.height(), inspection.center.y()), size.width(), size.height()};
 }
 
+OutputSize pictureBox(QSize pane, int clearance, QSize clip, double scale) {
+    const QSizeF box = boxOf(pane, clearance);
+    // No larger than the clip, but to fill the room.
+    const double used = std::min(scale, std::max(1 / fitScale(pane, clearance, clip), 1.0));
+    return {std::lround(box.width() * used), std::lround(box.height() * used)};
+}
+
 double inspectionScale(QSize pane, int clearance, QSize clip, double magnification) {
-    const QSize fitted = fittedSize(pane, clearance, clip);
-    return std::clamp(magnification * clip.width() / fitted.width(), 1.0, Inspection::largest);
+    return std::clamp(magnification / fitScale(pane, clearance, clip), 1.0, Inspection::largest);
 }
 
 double magnification(QSize pane, int clearance, QSize clip, double scale) {
-    return shareOf(scale * fittedSize(pane, clearance, clip).width(), clip.width());
+    return scale * fitScale(pane, clearance, clip);
 }
 
 Inspection panned(QSize pane, int clearance, QSize clip, const Inspection& inspection, QPointF travel) {
@@ -119,6 +124,12 @@ QRect coveringRect(QSize pane, QSize clip, QPointF pan) {
                      std::max(static_cast<int>(std::lround(clip.height() * scale)), pane.height()));
     return {covered(pane.width(), size.width(), pan.x()), covered(pane.height(), size.height(), pan.y()), size.width(),
             size.height()};
+}
+
+OutputSize coveringBox(QSize pane, QSize clip) {
+    constexpr std::int64_t unlimited = 1 << 20;
+    const bool isWider = clip.width() * std::int64_t{pane.height()} > clip.height() * std::int64_t{pane.width()};
+    return isWider ? OutputSize{unlimited, pane.height()} : OutputSize{pane.width(), unlimited};
 }
 
 QPointF pannedCover(QSize pane, QSize clip, QPointF pan, QPointF travel) {

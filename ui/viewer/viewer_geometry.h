@@ -23,12 +23,12 @@ namespace viewerGeometry {
 
 constexpr QRectF wholePicture{0, 0, 1, 1};
 
-/// The size of a picture in a pane, both in device pixels; `clearance`: what stays free on each side.
-QSize fittedSize(QSize pane, int clearance, QSize clip);
-
-/// Where the picture lies in the pane, device pixels. It stays in the middle in a direction in which the pane has room
-/// for it, and else reaches the clearance on both sides.
+/// Where the picture lies in a pane; all in device pixels. `clearance`: what stays free on each side. It stays in the
+/// middle in a direction in which the pane has room for it, and else reaches the clearance on both sides.
 QRect pictureRect(QSize pane, int clearance, QSize clip, const Inspection& inspection);
+
+/// What a picture of that scale is to be made to fit into, so that it comes in just the size in which it lies there.
+OutputSize pictureBox(QSize pane, int clearance, QSize clip, double scale);
 
 /// The scale at which a clip's pixel is `magnification` device pixels wide; at least 1.
 double inspectionScale(QSize pane, int clearance, QSize clip, double magnification);
@@ -60,6 +60,8 @@ SubjectBox grownBox(SubjectBox box, double dx, double dy);
 
 /// Where a clip is drawn so that it covers a pane, device pixels; `pan`: 0...1 of what is hidden on each axis.
 QRect coveringRect(QSize pane, QSize clip, QPointF pan);
+/// What a picture is to be made to fit into so that it covers the pane.
+OutputSize coveringBox(QSize pane, QSize clip);
 /// The pan after the picture was moved by `travel` device pixels.
 QPointF pannedCover(QSize pane, QSize clip, QPointF pan, QPointF travel);
 

@@ -68,7 +68,8 @@ void ViewerPane::place() {
     // The comparison has its own words in the corners.
     const bool isComparing = model_.comparison().comparisonEnabled();
     state_->move(margin, isComparing ? height() : margin);
-    magnifier_->move(width() - margin - magnifier_->width(), margin);
+    // Its words stand where the margin ends.
+    magnifier_->move(width() - margin + Magnifier::padding - magnifier_->width(), margin);
     state_->setOnPicture(picture.intersects(state_->geometry()));
     magnifier_->setOnPicture(picture.intersects(magnifier_->geometry()));
     const int bottom = std::min(static_cast<int>(picture.bottom()), height() - margin) - margin;
