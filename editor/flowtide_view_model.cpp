@@ -10,7 +10,7 @@ FlowtideViewModel::FlowtideViewModel(SessionEnvironment environment)
     , session_(notifier_, {[this]() -> PreviewControl& { return preview_; }, [this] { binding_.scheduleProjectSave(); },
                            std::move(environment.smoothMotionFrameRate)})
     , binding_(session_, jobs_, notifier_, alert_, std::move(environment.store))
-    , export_(session_, jobs_, notifier_, alert_, environment.media)
+    , export_(session_, jobs_, notifier_, environment.media)
     , proxy_(session_, jobs_, notifier_, environment.media, [this] { preview_.showProxy(); })
     , tracking_(session_, jobs_, notifier_, framingEdits_, environment.media, std::move(environment.undoKeys))
     , import_(session_, jobs_, notifier_, alert_, binding_, environment.media, [this] { clipChanged(); })

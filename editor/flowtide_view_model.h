@@ -187,6 +187,7 @@ public:
     void dismissTrackingMessage() { tracking_.dismissMessage(); }
     void exportClip(const std::filesystem::path& destination) { export_.start(destination); }
     void cancelExport() { export_.cancel(); }
+    void dismissExportEnd() { export_.dismissEnd(); }
     void makeProxy() { proxy_.start(); }
     void cancelProxy() { proxy_.cancel(); }
 

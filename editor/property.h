@@ -64,6 +64,7 @@ enum class Property {
     exportProgress,
     exportEstimatedRemainingTime,
     lastExportVerification,
+    lastExportEnd,
     isGeneratingProxy,
     proxyProgress,
     proxyMessage,

@@ -15,6 +15,10 @@ QString thisComputer() {
     return QCoreApplication::translate("KeyNames", "your Mac");
 }
 
+QString thisSystem() {
+    return QStringLiteral("macOS");
+}
+
 #else
 
 namespace {
@@ -62,6 +66,10 @@ QString local(const QString& signs) {
 
 QString thisComputer() {
     return QCoreApplication::translate("KeyNames", "this computer");
+}
+
+QString thisSystem() {
+    return thisComputer();
 }
 
 #endif

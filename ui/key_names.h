@@ -11,5 +11,7 @@ QString local(const QString& signs);
 
 /// What the machine is called in "Saved on %1".
 QString thisComputer();
+/// What does the decoding, in sentences about codecs.
+QString thisSystem();
 
 } // namespace flowtide::keyNames

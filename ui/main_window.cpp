@@ -7,6 +7,7 @@
 #include "ui/openable.h"
 #include "ui/panes/inspector.h"
 #include "ui/panes/projects_sidebar.h"
+#include "ui/release_notes.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
 #include "ui/viewer/transport_bar.h"
@@ -64,6 +65,7 @@ QString clipFilter() {
 MainWindow::MainWindow(SessionHost& host)
     : host_(host)
     , model_(host.model())
+    , exportNotice_(host.model(), *this)
     , fullScreen_(host, [this](Command command) { perform(command); }) {
     const auto run = [this](Command command) { perform(command); };
     setWindowTitle(tr("Loftwell Video"));
@@ -81,14 +83,19 @@ MainWindow::MainWindow(SessionHost& host)
     auto* inspector = new Inspector(host);
     auto* transport = new TransportBar(host, run);
     workspace_ = new Workspace({sidebar, inspector, viewer_, transport, timeline_}, host.settings(), this);
-    relink_ = new RelinkView(host, workspace_);
+    relink_ = new RelinkView(model_, workspace_);
     relink_->hide();
-    exportPanel_ = new ExportPanel(host, run, this);
+    exportPanel_ = new ExportPanel(model_, run, this);
+    exportPanel_->onResized = [this] { place(); };
     sheets_ = new SheetHost(*this);
     shortcutSheet_ = new ShortcutSheet(sheets_);
+    shortcutSheet_->onClose = [this] { sheets_->close(); };
     shortcutSheet_->hide();
-    alert_ = new AlertSheet(host, sheets_);
+    alert_ = new AlertSheet(model_, sheets_);
     alert_->hide();
+    message_ = new MessageSheet(sheets_);
+    message_->onClose = [this] { sheets_->close(); };
+    message_->hide();
     focusRing_ = new FocusRing(*this);
     const auto nameIt = [](QWidget& pane, const QString& name) {
         setAccessibleRole(pane, QAccessible::Pane);
@@ -123,12 +130,21 @@ MainWindow::MainWindow(SessionHost& host)
         [this](const PropertySet& changed) { refresh(changed); });
     qApp->installEventFilter(this);
     showContent();
+    const QString seen = host_.settings().lastSeenVersion();
+    if (releaseNotes::areNewFor(seen)) showWhatsNew();
+    if (seen != releaseNotes::version()) host_.settings().setLastSeenVersion(releaseNotes::version());
 }
 
 MainWindow::~MainWindow() = default;
 
 void MainWindow::refresh(const PropertySet&) {
     showContent();
+    // A project that waits for its clip says itself why a file is not that.
+    const auto& message = model_.alert().errorMessage();
+    if (message && message->reason.empty() && model_.clips().pendingRelinkProject()) {
+        relink_->showRefusal(QString::fromStdString(message->sentence));
+        return model_.dismissError();
+    }
     if (model_.alert().showError())
         sheets_->show(*alert_);
     else if (sheets_->sheet() == alert_)
@@ -159,6 +175,7 @@ void MainWindow::place() {
     workspace_->setGeometry(content);
     exportPanel_->move(width() - exportPanel_->width() - 12, TopBar::barHeight + 4);
     exportPanel_->raise();
+    if (sheets_->isVisible()) sheets_->raise();
     sheets_->place();
 }
 
@@ -180,7 +197,7 @@ void MainWindow::perform(Command command) {
     case Command::closeProject:
         return model_.reset();
     case Command::exportClip:
-        return chooseExport();
+        return beginExport();
     case Command::quit:
         close();
         return;
@@ -346,6 +363,8 @@ QMenu* MainWindow::makeMenu() {
     forClip << add(tr("Full-screen preview"), QStringLiteral("⌘F"), Command::fullScreen);
     menu->addSeparator();
     add(tr("Keyboard Shortcuts"), QStringLiteral("?"), Command::showShortcuts);
+    menu->addAction(tr("What's New"), this, [this] { showWhatsNew(); });
+    menu->addAction(tr("About"), this, [this] { showAbout(); });
     connect(menu, &QMenu::aboutToShow, this, [this, forClip] {
         for (QAction* action : forClip)
             action->setEnabled(model_.clip() != nullptr);
@@ -367,6 +386,16 @@ void MainWindow::chooseCopy() {
     if (!file.isEmpty()) model_.saveProjectCopy(valueText::path(file));
 }
 
+void MainWindow::beginExport() {
+    const auto& clip = model_.clip();
+    if (!clip) return;
+    if (model_.exporting().isExporting()) return exportPanel_->reveal();
+    if (clip->videoCodecType)
+        chooseExport();
+    else
+        exportPanel_->askAboutCodec([this] { chooseExport(); });
+}
+
 void MainWindow::chooseExport() {
     const auto& clip = model_.clip();
     if (!clip || model_.exporting().isExporting()) return;
@@ -377,13 +406,26 @@ void MainWindow::chooseExport() {
     if (file.isEmpty()) return;
     std::filesystem::path destination = valueText::path(file);
     if (!openable::isClip(destination)) destination += clip->url.extension();
-    exportPanel_->setDestination(destination);
     model_.exportClip(destination);
 }
 
 void MainWindow::locateClip() {
     const QString file = QFileDialog::getOpenFileName(this, tr("Locate the original clip"), {}, clipFilter());
-    if (!file.isEmpty()) model_.relinkProject(valueText::path(file));
+    if (file.isEmpty()) return;
+    relink_->setChosen(valueText::path(file));
+    model_.relinkProject(valueText::path(file));
+}
+
+void MainWindow::showWhatsNew() {
+    message_->setContent(
+        {{}, tr("What’s new in Loftwell Video %1").arg(releaseNotes::version()), releaseNotes::notes()});
+    sheets_->show(*message_);
+}
+
+void MainWindow::showAbout() {
+    message_->setContent(
+        {{}, tr("Loftwell Video %1").arg(releaseNotes::version()), {tr("Smooth speed curves for one clip.")}});
+    sheets_->show(*message_);
 }
 
 bool MainWindow::confirmEndOfExport() {

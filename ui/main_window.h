@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ui/controls/focus_ring.h"
+#include "ui/export_notice.h"
 #include "ui/panes/alert_sheet.h"
 #include "ui/panes/export_panel.h"
 #include "ui/panes/relink_view.h"
@@ -56,7 +57,10 @@ private:
     void walkPanes(int direction);
     QMenu* makeMenu();
     void chooseFile();
+    void beginExport();
     void chooseExport();
+    void showWhatsNew();
+    void showAbout();
     void chooseCopy();
     void locateClip();
     bool confirmEndOfExport();
@@ -73,6 +77,8 @@ private:
     SheetHost* sheets_;
     ShortcutSheet* shortcutSheet_;
     AlertSheet* alert_;
+    MessageSheet* message_; ///< what is new, and about
+    ExportNotice exportNotice_;
     FocusRing* focusRing_;
     std::vector<QWidget*> panes_; ///< in the order in which F6 walks them
     FullScreenPreview fullScreen_;

@@ -113,6 +113,20 @@ QFont font(Type type) {
     return fonts[static_cast<std::size_t>(type)];
 }
 
+int lineHeight(Type type) {
+    switch (type) {
+    case Type::headline:
+    case Type::sheetTitle:
+        return 24;
+    case Type::lead:
+        return 20;
+    case Type::readout:
+        return 18;
+    default:
+        return 16;
+    }
+}
+
 void drawLine(QPainter& painter, const QRectF& rect, Qt::Alignment horizontal, Type type, QColor color,
               const QString& words) {
     painter.setFont(font(type));

@@ -70,6 +70,8 @@ enum class Type {
 
 /// Ready to use; measured in pixels.
 QFont font(Type type);
+/// The height of a line, pixels.
+int lineHeight(Type type);
 
 /// Draws a line of text in a rectangle, centred vertically.
 void drawLine(QPainter& painter, const QRectF& rect, Qt::Alignment horizontal, Type type, QColor color,

@@ -1,6 +1,8 @@
 // From the session's edits to a verified file.
 #include "editor/jobs/export_job.h"
 
+#include "media/media_time.h"
+
 #include <utility>
 
 namespace flowtide {
@@ -10,16 +12,16 @@ namespace {
 constexpr double leastShareForEstimate = 0.02;
 } // namespace
 
-ExportJob::ExportJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, ErrorAlert& alert,
+ExportJob::ExportJob(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier,
                      std::shared_ptr<SessionMedia> media)
     : session_(session)
     , jobs_(jobs)
-    , alert_(alert)
     , media_(std::move(media))
     , isExporting_(notifier, Property::isExporting)
     , exportProgress_(notifier, Property::exportProgress)
     , remainingTime_(notifier, Property::exportEstimatedRemainingTime)
-    , report_(notifier, Property::lastExportVerification) {}
+    , report_(notifier, Property::lastExportVerification)
+    , end_(notifier, Property::lastExportEnd) {}
 
 void ExportJob::start(const std::filesystem::path& destination) {
     if (!session_.clip() || isExporting()) return;
@@ -27,6 +29,9 @@ void ExportJob::start(const std::filesystem::path& destination) {
     exportProgress_.set(0);
     remainingTime_.set({});
     report_.set(nullptr);
+    end_.set(nullptr);
+    destination_ = destination;
+    frameCount_ = outputFrameCount(session_.curve.timeMap().outputDuration(), session_.clip()->frameDuration);
     startedAt_ = jobs_.scheduler().now();
     ExportRequest request = session_.exportRequest();
     request.outputURL = destination;
@@ -50,12 +55,16 @@ void ExportJob::receiveProgress(double fraction) {
 void ExportJob::finish(Outcome<ExportValidationReport>& outcome, const OpenClip& clip) {
     isExporting_.set(false);
     remainingTime_.set({});
+    ExportEnd end;
     try {
-        const auto report = std::make_shared<const ExportValidationReport>(outcome.get());
-        if (clip == session_.clip()) report_.set(report);
+        end.report = std::make_shared<const ExportValidationReport>(outcome.get());
+        if (clip == session_.clip()) report_.set(end.report);
     } catch (const std::exception& error) {
-        if (const auto failure = failureToShow(error)) alert_.show("Export failed", *failure);
+        const auto failure = failureToShow(error);
+        end.kind = failure ? ExportEnd::Kind::failed : ExportEnd::Kind::cancelled;
+        end.failure = failure.value_or(std::string());
     }
+    end_.set(std::make_shared<const ExportEnd>(std::move(end)));
     session_.preview().scheduleSmartPreview();
 }
 

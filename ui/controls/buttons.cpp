@@ -63,7 +63,9 @@ QSize Button::sizeHint() const {
 
 void Button::paintEvent(QPaintEvent*) {
     using namespace theme;
+    const bool isUnderWay = share_ >= 0;
     const ButtonColors colors = [&]() -> ButtonColors {
+        if (isUnderWay) return {control, theme::text};
         switch (kind_) {
         case ButtonKind::primary:
             if (!isEnabled()) return {control, text3};
@@ -80,6 +82,12 @@ void Button::paintEvent(QPaintEvent*) {
 
     QPainter painter(this);
     drawBox(painter, rect(), controlRadius, colors.ground);
+    if (isUnderWay) {
+        painter.save();
+        painter.setClipRect(onPixels(painter, QRectF(0, 0, width() * std::min(share_, 1.0), height())));
+        drawBox(painter, rect(), controlRadius, controlHi);
+        painter.restore();
+    }
     const Type type = kind_ == ButtonKind::primary ? Type::labelBold : Type::label;
     const double textRoom = tabularWidth(type, text());
     const double iconRoom = icon_.isEmpty() ? 0 : buttonIcon + iconGap;
@@ -89,10 +97,6 @@ void Button::paintEvent(QPaintEvent*) {
         left += iconRoom;
     }
     drawTabular(painter, QRectF(left, 0, textRoom, height()), Qt::AlignLeft, type, colors.text, text());
-    if (share_ >= 0) {
-        const QRectF bar(controlRadius, height() - 4, (width() - 2 * controlRadius) * std::min(share_, 1.0), 2);
-        painter.fillRect(onPixels(painter, bar), kind_ == ButtonKind::primary ? well : theme::text);
-    }
 }
 
 IconButton::IconButton(QString icon, const QString& name, const QString& tip, QWidget* parent, int size)

@@ -32,6 +32,7 @@ Field::Field(const QString& name, Format format, QWidget* parent)
     setContextMenuPolicy(Qt::NoContextMenu);
     setFocusRing(*this, theme::controlRadius);
     setAttribute(Qt::WA_Hover);
+    setAutoFillBackground(false);
     connect(this, &QLineEdit::textEdited, this, [this] { setRefused({}); });
 }
 
@@ -56,8 +57,10 @@ void Field::apply() {
     if (!isModified()) return;
     if (const auto value = format_.value(text()))
         want(*value);
-    else
+    else if (format_.noValue.isEmpty())
         restore();
+    else
+        setRefused(format_.noValue);
 }
 
 void Field::want(double value) {

@@ -26,6 +26,7 @@ public:
         std::function<QString(double)> text;
         std::function<std::optional<double>(const QString&)> value; ///< nothing when it is no value
         std::function<double(double, int steps)> stepped;           ///< the value that many steps away
+        QString noValue = {}; ///< the sentence for what is no value; empty: the field is restored
     };
 
     Field(const QString& name, Format format, QWidget* parent = nullptr);

@@ -5,7 +5,7 @@
 
 #include <QFontMetricsF>
 #include <QPainter>
-#include <QPalette>
+#include <QTextLayout>
 #include <QTimerEvent>
 #include <algorithm>
 #include <cmath>
@@ -74,17 +74,71 @@ void LineLabel::paintEvent(QPaintEvent*) {
 }
 
 Paragraph::Paragraph(theme::Type type, QColor color, const QString& text, QWidget* parent)
-    : QLabel(text, parent) {
-    setFont(theme::font(type));
-    setTextFormat(Qt::PlainText);
-    setWordWrap(true);
-    setColor(color);
+    : QWidget(parent)
+    , type_(type)
+    , color_(color)
+    , text_(text) {
+    setAccessibleRole(*this, QAccessible::StaticText);
+    setAccessibleName(text);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+}
+
+void Paragraph::setText(const QString& text) {
+    if (text_ == text) return;
+    text_ = text;
+    setAccessibleName(text);
+    updateGeometry();
+    update();
 }
 
 void Paragraph::setColor(QColor color) {
-    QPalette colors = palette();
-    colors.setColor(QPalette::WindowText, color);
-    setPalette(colors);
+    if (color_ == color) return;
+    color_ = color;
+    update();
+}
+
+void Paragraph::setAlignment(Qt::Alignment alignment) {
+    alignment_ = alignment;
+    update();
+}
+
+int Paragraph::lay(double width, const std::function<void(const QString&, int)>& line) const {
+    QTextLayout layout(text_, theme::font(type_));
+    layout.beginLayout();
+    int count = 0;
+    for (QTextLine next = layout.createLine(); next.isValid(); next = layout.createLine()) {
+        next.setLineWidth(std::max(width, 1.0));
+        line(text_.mid(next.textStart(), next.textLength()).trimmed(), count++);
+    }
+    layout.endLayout();
+    return count;
+}
+
+int Paragraph::heightForWidth(int width) const {
+    const QMargins margins = contentsMargins();
+    return lay(width - margins.left() - margins.right(), [](const QString&, int) {}) * theme::lineHeight(type_) +
+           margins.top() + margins.bottom();
+}
+
+QSize Paragraph::sizeHint() const {
+    return {static_cast<int>(std::ceil(theme::textWidth(type_, text_))), theme::lineHeight(type_)};
+}
+
+QSize Paragraph::minimumSizeHint() const {
+    return {0, theme::lineHeight(type_)};
+}
+
+void Paragraph::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const int height = theme::lineHeight(type_);
+    const QColor color = isEnabled() ? color_ : theme::text3;
+    const QRectF room = contentsRect();
+    lay(room.width(), [&](const QString& words, int index) {
+        const QRectF line(room.left(), room.top() + index * height, room.width(), height);
+        theme::drawLine(painter, line, alignment_, type_, color, words);
+    });
 }
 
 ProgressBar::ProgressBar(const QString& name, QColor color, QWidget* parent)

@@ -4,9 +4,9 @@
 #include "ui/theme.h"
 
 #include <QColor>
-#include <QLabel>
 #include <QString>
 #include <QWidget>
+#include <functional>
 
 namespace flowtide {
 
@@ -42,13 +42,33 @@ private:
     bool isTabular_ = false;
 };
 
-/// Sentences that wrap.
-class Paragraph final : public QLabel {
+/// Sentences that wrap, on the lines of their type.
+class Paragraph final : public QWidget {
     Q_OBJECT
 
 public:
     Paragraph(theme::Type type, QColor color, const QString& text = {}, QWidget* parent = nullptr);
+
+    const QString& text() const { return text_; }
+    void setText(const QString& text);
     void setColor(QColor color);
+    void setAlignment(Qt::Alignment alignment);
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    /// Calls `line` with each line's words and width; returns how many there are.
+    int lay(double width, const std::function<void(const QString& words, int index)>& line) const;
+
+    theme::Type type_;
+    QColor color_;
+    QString text_;
+    Qt::Alignment alignment_ = Qt::AlignLeft;
 };
 
 /// A share of a whole, or, below 0, an unknown one.

@@ -1,22 +1,23 @@
 // The one message of a window.
 #pragma once
 
-#include "ui/session_host.h"
-#include "ui/shortcuts.h"
-
-#include <QWidget>
-#include <functional>
+#include "editor/flowtide_view_model.h"
+#include "ui/panes/message_sheet.h"
 
 namespace flowtide {
 
-class AlertSheet final : public QWidget {
+/// Shows the session's alert; OK dismisses it.
+class AlertSheet final : public MessageSheet {
     Q_OBJECT
 
 public:
-    explicit AlertSheet(SessionHost& host, QWidget* parent = nullptr);
+    explicit AlertSheet(FlowtideViewModel& model, QWidget* parent = nullptr);
 
-protected:
-    void paintEvent(QPaintEvent* event) override;
+private:
+    void refresh();
+
+    FlowtideViewModel& model_;
+    Subscription changes_;
 };
 
 } // namespace flowtide

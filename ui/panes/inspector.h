@@ -1,22 +1,38 @@
 // Values of the curve, the framing and the clip.
 #pragma once
 
+#include "ui/panes/inspector_session.h"
 #include "ui/session_host.h"
-#include "ui/shortcuts.h"
 
+#include <QStackedWidget>
+#include <QTabBar>
 #include <QWidget>
-#include <functional>
 
 namespace flowtide {
 
+/// Its tab follows the curve that the graph edits, unless it shows the clip.
 class Inspector final : public QWidget {
     Q_OBJECT
 
 public:
+    enum class Tab { speed, framing, clip };
+
     explicit Inspector(SessionHost& host, QWidget* parent = nullptr);
+    explicit Inspector(const InspectorSession& session, QWidget* parent = nullptr);
+
+    Tab tab() const { return static_cast<Tab>(tabs_->currentIndex()); }
+    void setTab(Tab tab) { tabs_->setCurrentIndex(static_cast<int>(tab)); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    class Tabs;
+
+    FlowtideViewModel& model_;
+    QTabBar* tabs_;
+    QStackedWidget* pages_;
+    Subscription changes_;
 };
 
 } // namespace flowtide

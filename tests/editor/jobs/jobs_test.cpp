@@ -33,6 +33,8 @@ TEST_F(JobsTest, AnExportIsOfTheEditsAsTheyWereWhenItBegan) {
     EXPECT_FALSE(model->exporting().isExporting());
     ASSERT_TRUE(model->exporting().lastExportVerification());
     EXPECT_EQ(model->exporting().lastExportVerification()->summary, "summary");
+    EXPECT_EQ(model->exporting().lastExportEnd()->report, model->exporting().lastExportVerification());
+    EXPECT_EQ(model->exporting().destination(), folder / "out.mov");
     ASSERT_TRUE(media->exported);
     EXPECT_EQ(media->exported->keyframes, keyframes);
     EXPECT_EQ(media->exported->sourceRange, (SourceRange{1, 9}));
@@ -45,14 +47,18 @@ TEST_F(JobsTest, AnExportIsOfTheEditsAsTheyWereWhenItBegan) {
     model->exportClip(folder / "out.mov");
     scheduler.settle();
     EXPECT_FALSE(model->exporting().lastExportVerification());
-    ASSERT_TRUE(model->alert().errorMessage());
-    EXPECT_EQ(model->alert().errorMessage()->sentence, "Export failed");
-    model->dismissError();
+    ASSERT_TRUE(model->exporting().lastExportEnd());
+    EXPECT_EQ(model->exporting().lastExportEnd()->kind, ExportEnd::Kind::failed);
+    EXPECT_NE(model->exporting().lastExportEnd()->failure.find("no"), std::string::npos);
     media->failure.reset();
     model->exportClip(folder / "out.mov");
+    EXPECT_FALSE(model->exporting().lastExportEnd());
     model->cancelExport();
     scheduler.settle();
     EXPECT_FALSE(model->exporting().isExporting());
+    EXPECT_EQ(model->exporting().lastExportEnd()->kind, ExportEnd::Kind::cancelled);
+    model->dismissExportEnd();
+    EXPECT_FALSE(model->exporting().lastExportEnd());
     EXPECT_FALSE(model->alert().showError());
 }
 

@@ -1,0 +1,33 @@
+// Where clips are dropped.
+#pragma once
+
+#include "ui/controls/buttons.h"
+
+#include <QString>
+#include <QWidget>
+
+namespace flowtide {
+
+class DropTarget final : public QWidget {
+    Q_OBJECT
+
+public:
+    static constexpr int targetHeight = 256;
+
+    explicit DropTarget(QWidget* parent = nullptr);
+
+    Button* openButton() const { return open_; }
+    /// What hangs over the window: its name, and whether it can be opened; empty: nothing.
+    void showDrop(const QString& name, bool isOpenable);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    Button* open_;
+    QString dropName_;
+    bool isOpenable_ = false;
+};
+
+} // namespace flowtide

@@ -1,0 +1,67 @@
+#include "ui/panes/point_edits.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace flowtide::pointEdits {
+
+namespace {
+
+constexpr double trimTolerance = 1e-6;
+
+SpeedKeyframe* find(SpeedKeyframes& points, const Uuid& id) {
+    const auto found = std::ranges::find(points, id, &SpeedKeyframe::id);
+    return found == points.end() ? nullptr : &*found;
+}
+
+} // namespace
+
+const SpeedKeyframe* find(const SpeedKeyframes& points, const Uuid& id) {
+    const auto found = std::ranges::find(points, id, &SpeedKeyframe::id);
+    return found == points.end() ? nullptr : &*found;
+}
+
+Place placeOf(const SpeedKeyframes& points, const Uuid& id, SourceRange trim) {
+    Place place;
+    for (const SpeedKeyframe& point : points) {
+        const bool isInside = point.time >= trim.lower - trimTolerance && point.time <= trim.upper + trimTolerance;
+        if (point.role != SpeedKeyframeRole::curve || !isInside) continue;
+        ++place.count;
+        if (point.id == id) place.number = place.count;
+    }
+    return place;
+}
+
+TimeRefusal refusalOfTime(const SpeedKeyframes& points, const Uuid& id, double time, double duration) {
+    if (!(time >= 0 && time <= duration)) return TimeRefusal::outsideClip;
+    const bool isNear = std::ranges::any_of(points, [&](const SpeedKeyframe& point) {
+        return point.id != id && std::abs(point.time - time) < leastDistance;
+    });
+    return isNear ? TimeRefusal::nearAnother : TimeRefusal::none;
+}
+
+SpeedKeyframes withTime(SpeedKeyframes points, const Uuid& id, double time) {
+    if (SpeedKeyframe* point = find(points, id)) point->time = time;
+    return points;
+}
+
+SpeedKeyframes withValue(SpeedKeyframes points, const Uuid& id, double value) {
+    if (SpeedKeyframe* point = find(points, id)) point->speed = value;
+    return points;
+}
+
+SpeedKeyframes without(const SpeedKeyframes& points, const std::set<Uuid>& ids, double restValue) {
+    SpeedKeyframes left;
+    for (SpeedKeyframe point : points) {
+        if (!ids.contains(point.id)) {
+            left.push_back(point);
+        } else if (point.role != SpeedKeyframeRole::curve) {
+            point.speed = restValue;
+            left.push_back(point);
+        }
+    }
+    if (left.empty() && !points.empty()) left.push_back(points.front());
+    return left;
+}
+
+} // namespace flowtide::pointEdits
