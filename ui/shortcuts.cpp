@@ -10,7 +10,7 @@ namespace flowtide {
 namespace {
 
 ShortcutItem item(const QString& keys, const QString& action) {
-    return {keyNames::local(keys), action};
+    return {keyNames::local(keys), keyNames::local(action)};
 }
 
 struct Bound {

@@ -199,7 +199,11 @@ void Workspace::place() {
     panes_.timeline->setGeometry(layout.timeline);
     divider_->setGeometry(layout.timeline.left(), layout.timeline.top() - grabHeight / 2, layout.timeline.width(),
                           grabHeight);
-    if (cover_) cover_->setGeometry(layout.viewer.left(), 0, layout.viewer.width(), height());
+    if (cover_) {
+        // What waits for its clip has no values to show.
+        panes_.inspector->hide();
+        cover_->setGeometry(layout.viewer.left(), 0, width() - layout.viewer.left(), height());
+    }
     divider_->raise();
     panes_.sidebar->raise();
     panes_.inspector->raise();

@@ -13,6 +13,7 @@ namespace flowtide {
 namespace {
 constexpr std::array<int, 5> smoothRates{24, 25, 30, 50, 60};
 constexpr int rowGap = 4;
+constexpr int listGap = 12;
 
 QStringList rateTexts() {
     QStringList texts;
@@ -47,22 +48,28 @@ FlowSection::FlowSection(const InspectorSession& session, QWidget* parent)
     section->add(labelledRow(tr("Smooth motion"), smoothMotion_, 28), 12);
     empty_ = new Paragraph(theme::Type::small, theme::text2, tr("The curve never runs slow enough to need new frames."),
                            section);
-    section->add(empty_, 12);
-    list_ = new QWidget(section);
+    empty_->setContentsMargins(0, listGap, 0, 0);
+    section->add(empty_);
+    section->dropPaddingBelow();
+    list_ = new QWidget(this);
     auto* rows = new QVBoxLayout(list_);
-    rows->setContentsMargins(0, 0, 0, 0);
-    rows->setSpacing(rowGap);
     // The rows' grounds reach beyond what they show.
-    auto* listRow = new QHBoxLayout;
-    listRow->setContentsMargins(-FlowRangeRow::overhang, 0, -FlowRangeRow::overhang, 0);
-    listRow->addWidget(list_);
-    section->add(listRow);
-    section->add(makeButtons(), 12);
-    error_ = new Paragraph(theme::Type::small, theme::attention, {}, section);
-    section->add(error_, 0);
+    constexpr int inset = InspectorSection::padding - FlowRangeRow::overhang;
+    rows->setContentsMargins(inset, listGap, inset, 0);
+    rows->setSpacing(rowGap);
+    error_ = new Paragraph(theme::Type::small, theme::attention, {}, this);
+    error_->setContentsMargins(0, 8, 0, 0);
+    auto* below = new QVBoxLayout;
+    below->setContentsMargins(InspectorSection::padding, listGap, InspectorSection::padding, InspectorSection::padding);
+    below->setSpacing(0);
+    below->addLayout(makeButtons());
+    below->addWidget(error_);
     auto* outer = new QVBoxLayout(this);
     outer->setContentsMargins(0, 0, 0, 0);
+    outer->setSpacing(0);
     outer->addWidget(section);
+    outer->addWidget(list_);
+    outer->addLayout(below);
 
     const PropertySet others =
         (flowRangeProperties() |
@@ -129,7 +136,6 @@ void FlowSection::refresh() {
     const auto& error = render.previewRenderError();
     error_->setText(error ? QString::fromStdString(*error) : QString());
     error_->setVisible(error.has_value());
-    error_->setContentsMargins(0, 8, 0, 0);
     progress_.runNow();
 }
 
@@ -145,7 +151,6 @@ void FlowSection::refreshProgress() {
         else
             rows_[index]->hide();
     }
-    list_->setContentsMargins(0, states.empty() ? 0 : 12, 0, 0);
     const RenderAhead& renders = model_.renders();
     renderAll_->setText(QString::fromStdString(renders.renderAllLabel()));
     renderAll_->setShare(renders.isRenderingAllRanges() ? renders.renderAllProgress() : -1);

@@ -11,6 +11,7 @@
 namespace flowtide {
 
 namespace {
+constexpr int lineHeight = 1; ///< of the line above
 constexpr int headingHeight = 16;
 constexpr int actionGap = 4;
 constexpr int rowHeight = 20;
@@ -23,7 +24,7 @@ InspectorSection::InspectorSection(const QString& title, QWidget* parent)
     , rows_(new QVBoxLayout(this)) {
     setAccessibleRole(*this, QAccessible::Grouping);
     setTitle(title);
-    rows_->setContentsMargins(padding, padding + headingHeight + headingGap, padding, padding);
+    rows_->setContentsMargins(padding, lineHeight + padding + headingHeight + headingGap, padding, padding);
     rows_->setSpacing(0);
 }
 
@@ -31,6 +32,13 @@ void InspectorSection::setTitle(const QString& title) {
     title_->setText(title.toUpper());
     title_->setAccessibleName(title);
     setAccessibleName(title);
+}
+
+void InspectorSection::setFirst() {
+    isFirst_ = true;
+    QMargins margins = rows_->contentsMargins();
+    margins.setTop(margins.top() - lineHeight);
+    rows_->setContentsMargins(margins);
 }
 
 void InspectorSection::addAction(QWidget* action, int overhang) {
@@ -65,7 +73,8 @@ bool InspectorSection::eventFilter(QObject*, QEvent* event) {
 }
 
 void InspectorSection::placeHeading() {
-    const int middle = padding + headingHeight / 2;
+    const int top = padding + (isFirst_ ? 0 : lineHeight);
+    const int middle = top + headingHeight / 2;
     int right = width() - padding;
     for (const Action& action : actions_) {
         if (action.widget->isHidden()) continue;
@@ -75,7 +84,7 @@ void InspectorSection::placeHeading() {
         if (action.widget->geometry() != place) action.widget->setGeometry(place);
         right = place.left() + action.overhang - actionGap;
     }
-    title_->setGeometry(padding, padding, std::max(right - padding, 0), headingHeight);
+    title_->setGeometry(padding, top, std::max(right - padding, 0), headingHeight);
 }
 
 void InspectorSection::resizeEvent(QResizeEvent*) {

@@ -24,7 +24,8 @@ public:
     /// At the heading's right end, before those that are there. `overhang`: how far it reaches beyond what it shows.
     void addAction(QWidget* action, int overhang);
     void setTitle(const QString& title);
-    void setFirst() { isFirst_ = true; }
+    /// To be called once, before anything is shown.
+    void setFirst();
     /// A row, `gap` pixels below the one before; the first one stands below the heading.
     void add(QWidget* row, int gap = 0);
     void add(QLayout* row, int gap = 0);

@@ -9,7 +9,7 @@ namespace flowtide::keycaps {
 
 namespace {
 
-constexpr double capPadding = 7;
+constexpr double capPadding = 6;
 constexpr double capGap = 4;
 
 bool isModifierSign(QChar character) {
@@ -40,7 +40,7 @@ void addWord(const QString& word, std::vector<Piece>& pieces) {
 }
 
 double capWidth(const Piece& piece) {
-    const double words = theme::textWidth(piece.isCap ? theme::Type::label : theme::Type::body, piece.text);
+    const double words = theme::textWidth(theme::Type::small, piece.text);
     return piece.isCap ? std::max(std::ceil(words) + 2 * capPadding, capHeight) : std::ceil(words);
 }
 
@@ -75,8 +75,8 @@ void draw(QPainter& painter, QPointF leftMiddle, const std::vector<Piece>& piece
             theme::drawBox(painter, place, theme::laneRadius, theme::border);
             theme::drawBox(painter, place.adjusted(0, 0, 0, -1), theme::laneRadius, theme::control);
         }
-        theme::drawLine(painter, place, Qt::AlignHCenter, piece.isCap ? theme::Type::label : theme::Type::body,
-                        piece.isCap ? theme::text : theme::text2, piece.text);
+        theme::drawLine(painter, place, Qt::AlignHCenter, theme::Type::small, piece.isCap ? theme::text : theme::text2,
+                        piece.text);
         left += place.width() + capGap;
     }
 }

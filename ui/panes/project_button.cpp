@@ -92,7 +92,7 @@ void ProjectButton::paintCard(QPainter& painter, const ProjectSummary& summary) 
     painter.fillPath(outline, ground);
     painter.setClipPath(outline);
     const QRectF picture(0, 0, card.width(), pictureHeight);
-    projectList::drawPicture(painter, picture, 0, summary, 28);
+    projectList::drawPicture(painter, picture, 0, summary, 28, control);
     const QRectF strip(0, pictureHeight, card.width(), curveHeight);
     painter.fillRect(strip, well);
     projectList::drawCurve(painter, strip.adjusted(curveInset, 6, -curveInset, -6), summary.speeds);
@@ -105,7 +105,7 @@ void ProjectButton::paintRow(QPainter& painter, const ProjectSummary& summary) {
     using namespace theme;
     const QColor rest = isChecked() ? control : faded(control, 0);
     drawBox(painter, rect(), controlRadius, hover_.color(rest, control, raised));
-    projectList::drawPicture(painter, rowPicture, laneRadius, summary, 16);
+    projectList::drawPicture(painter, rowPicture, laneRadius, summary, 16, isChecked() ? raised : control);
     drawWords(painter, QRectF(rowTextLeft, 10, width() - rowTextLeft - 8, textLine), summary);
 }
 

@@ -44,15 +44,15 @@ QString secondLine(const RecentProject& project, const ProjectSummary& summary) 
     return projectDate(project.savedAt, QDateTime::currentDateTime());
 }
 
-void drawPicture(QPainter& painter, const QRectF& place, double radius, const ProjectSummary& summary,
-                 double signSize) {
+void drawPicture(QPainter& painter, const QRectF& place, double radius, const ProjectSummary& summary, double signSize,
+                 QColor ground) {
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     QPainterPath outline;
     outline.addRoundedRect(place, radius, radius);
     painter.setPen(Qt::NoPen);
     if (summary.picture.isNull()) {
-        painter.fillPath(outline, theme::control);
+        painter.fillPath(outline, ground);
         if (summary.isKnown && summary.isMissing)
             icons::draw(painter, QStringLiteral("clip-missing"), place, signSize, theme::attention);
     } else {
@@ -60,7 +60,7 @@ void drawPicture(QPainter& painter, const QRectF& place, double radius, const Pr
         const double scale = std::max(place.width() / size.width(), place.height() / size.height());
         const QSizeF cut = place.size() / scale;
         const QRectF source(QPointF((size.width() - cut.width()) / 2, (size.height() - cut.height()) / 2), cut);
-        painter.setClipPath(outline);
+        painter.setClipPath(outline, Qt::IntersectClip);
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawImage(place, summary.picture, source);
     }

@@ -24,6 +24,7 @@ constexpr int titleGap = 8;
 constexpr int rowHeight = 32;
 constexpr int groupGap = 20;
 constexpr int columnPitch = 428;
+constexpr int thirdColumnShift = 4; ///< its widest text ends with the sheet's padding
 constexpr int keysGap = 12;
 /// The room for keys, by how many columns there are.
 constexpr std::array threeColumnKeys{136, 148, 156};
@@ -67,7 +68,9 @@ public:
             int y = groupsTop;
             for (const int index : columns[column]) {
                 const ShortcutGroup& group = sheet_[static_cast<std::size_t>(index)];
-                places_.push_back({&group, padding + static_cast<int>(column) * columnPitch, y, keys});
+                places_.push_back(
+                    {&group, padding + static_cast<int>(column) * columnPitch + (column == 2 ? thirdColumnShift : 0), y,
+                     keys});
                 y += titleHeight + titleGap + static_cast<int>(group.items.size()) * rowHeight + groupGap;
             }
             lowest = std::max(lowest, y);

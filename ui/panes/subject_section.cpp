@@ -44,7 +44,7 @@ void SubjectSection::refresh() {
     }
     tracked_->setValue(tr("%1 s").arg(seconds, 0, 'f', 2));
     lost_->setValue(QString::number(losses));
-    lost_->setSign(QStringLiteral("flag"), losses > 0 ? theme::attention : theme::text2, 14);
+    lost_->setSign(QStringLiteral("flag"), losses > 0 ? theme::attention : theme::text2, 12);
 }
 
 } // namespace flowtide
