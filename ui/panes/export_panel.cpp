@@ -23,6 +23,7 @@ namespace {
 constexpr int panelWidth = 344;
 constexpr int padding = 16;
 constexpr int headHeight = 24;
+constexpr int closeOverhang = 4; ///< of the button's ground beyond its sign
 constexpr int nameWidth = 96;
 constexpr double signSize = 20;
 
@@ -178,15 +179,10 @@ void ExportPanel::show(State state) {
 }
 
 QWidget* ExportPanel::makeHead(const QString& title, const QString& icon, QColor color) {
-    auto* row = new QWidget(content_);
-    auto* layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, -4, 0);
-    layout->setSpacing(8);
-    layout->addWidget(new Head(title, icon, color, row), 1);
-    auto* close = new IconButton(QStringLiteral("close"), tr("Close"), tr("Close (Esc)"), row, 24);
+    auto* close = new IconButton(QStringLiteral("close"), tr("Close"), tr("Close (Esc)"), content_, 24);
+    close->move(panelWidth - padding + closeOverhang - close->width(), padding - 4);
     connect(close, &IconButton::clicked, this, [this] { dismiss(); });
-    layout->addWidget(close);
-    return row;
+    return new Head(title, icon, color, content_);
 }
 
 QHBoxLayout* ExportPanel::addButtons(int gap) {

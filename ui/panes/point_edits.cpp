@@ -50,18 +50,4 @@ SpeedKeyframes withValue(SpeedKeyframes points, const Uuid& id, double value) {
     return points;
 }
 
-SpeedKeyframes without(const SpeedKeyframes& points, const std::set<Uuid>& ids, double restValue) {
-    SpeedKeyframes left;
-    for (SpeedKeyframe point : points) {
-        if (!ids.contains(point.id)) {
-            left.push_back(point);
-        } else if (point.role != SpeedKeyframeRole::curve) {
-            point.speed = restValue;
-            left.push_back(point);
-        }
-    }
-    if (left.empty() && !points.empty()) left.push_back(points.front());
-    return left;
-}
-
 } // namespace flowtide::pointEdits

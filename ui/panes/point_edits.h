@@ -1,11 +1,8 @@
-// What typing and deleting do to the points of a curve, on values.
+// What typing does to the points of a curve, on values.
 #pragma once
 
 #include "core/speed_keyframe.h"
 #include "core/time.h"
-
-#include <optional>
-#include <set>
 
 namespace flowtide::pointEdits {
 
@@ -27,7 +24,5 @@ TimeRefusal refusalOfTime(const SpeedKeyframes& points, const Uuid& id, double t
 
 SpeedKeyframes withTime(SpeedKeyframes points, const Uuid& id, double time);
 SpeedKeyframes withValue(SpeedKeyframes points, const Uuid& id, double value);
-/// Without the user's points of these ids; points at the trim's edges go back to the rest value. The last point stays.
-SpeedKeyframes without(const SpeedKeyframes& points, const std::set<Uuid>& ids, double restValue);
 
 } // namespace flowtide::pointEdits

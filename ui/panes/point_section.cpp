@@ -1,5 +1,6 @@
 #include "ui/panes/point_section.h"
 
+#include "ui/graph/curve_point_edits.h"
 #include "ui/key_names.h"
 #include "ui/panes/point_edits.h"
 #include "ui/panes/value_formats.h"
@@ -40,8 +41,9 @@ PointSection::PointSection(const InspectorSession& session, CurveEditorMode mode
     outer->addWidget(section_);
 
     connect(remove_, &IconButton::clicked, this, [this] {
-        install(pointEdits::without(points(), selection_.ids(),
-                                    mode_ == CurveEditorMode::speed ? realTimeSpeed : centeredCrop));
+        const CurveEditorAxis axis =
+            mode_ == CurveEditorMode::speed ? CurveEditorAxis::speed() : CurveEditorAxis::cropCenter();
+        install(curvePointEdits::withoutPoints(points(), selection_.ids(), axis));
     });
     connect(&selection_, &PointSelection::changed, this, [this] { refresh(); });
     changes_ = model_.subscribe(properties({Property::clip, Property::editorMode, Property::trimRange,
@@ -90,7 +92,7 @@ Field* PointSection::makeValueField() {
     const bool isSpeed = mode_ == CurveEditorMode::speed;
     auto* field = new Field(isSpeed ? tr("Speed") : tr("Position"),
                             isSpeed ? valueFormats::speed() : valueFormats::position(), body_);
-    field->setPresets(isSpeed ? valueFormats::speedPresets() : valueFormats::positionPresets());
+    field->setPresets(valueFormats::presets(isSpeed ? CurveEditorAxis::speed() : CurveEditorAxis::cropCenter()));
     field->onValue = [this, isSpeed](double value) -> std::optional<QString> {
         if (isSpeed && (value < lowestSpeed || value > highestSpeed)) return tr("Speeds run from 0.01x to 100x.");
         if (!isSpeed && (value < leftmostCrop || value > rightmostCrop)) return tr("Positions run from 0% to 100%.");

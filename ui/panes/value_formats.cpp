@@ -1,6 +1,5 @@
 #include "ui/panes/value_formats.h"
 
-#include "core/crop_framing.h"
 #include "core/speed_keyframe.h"
 #include "ui/value_text.h"
 
@@ -57,17 +56,10 @@ Field::Format share() {
             [](const QString& text) { return valueText::parsedPosition(text); }, steppedPercent};
 }
 
-std::vector<Field::Preset> speedPresets() {
-    std::vector<Field::Preset> presets{{QStringLiteral("1%"), 0.01}, {QStringLiteral("5%"), 0.05}};
-    for (const double value : {0.1, 0.25, 0.5, 1.0, 2.0, 4.0, 10.0, 20.0, 50.0, 100.0})
-        presets.push_back({valueText::speed(value), value});
-    return presets;
-}
-
-std::vector<Field::Preset> positionPresets() {
+std::vector<Field::Preset> presets(const CurveEditorAxis& axis) {
     std::vector<Field::Preset> presets;
-    for (const double value : {leftmostCrop, 0.25, centeredCrop, 0.75, rightmostCrop})
-        presets.push_back({valueText::position(value), value});
+    for (const CurveEditorAxis::Preset& preset : axis.presets)
+        presets.push_back({preset.label, preset.value});
     return presets;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ui/controls/field.h"
+#include "ui/graph/curve_editor_axis.h"
 
 #include <functional>
 #include <vector>
@@ -17,7 +18,7 @@ Field::Format position();
 /// A place in the picture, 0...1; a step is a percent.
 Field::Format share();
 
-std::vector<Field::Preset> speedPresets();
-std::vector<Field::Preset> positionPresets();
+/// What a curve's points are offered.
+std::vector<Field::Preset> presets(const CurveEditorAxis& axis);
 
 } // namespace flowtide::valueFormats
