@@ -13,6 +13,7 @@ namespace flowtide {
 namespace {
 
 constexpr int edgePanMilliseconds = 16;
+constexpr double airAbove = 12; ///< pixels over the plot that a drag's label may use
 
 QString signedSeconds(double seconds) {
     return QCoreApplication::translate("CurveGraph", "%1%2 s")
@@ -205,7 +206,7 @@ void CurveGraphInput::showLabel(const CurveDrag::Result& result) {
                                       : QCoreApplication::translate("CurveGraph", "%1 points").arg(count);
     DragLabel label;
     label.place = geometry.placeOf(*grabbed) + surface_.origin();
-    label.bounds = geometry.plot().translated(surface_.origin());
+    label.bounds = geometry.plot().adjusted(0, -airAbove, 0, 0).translated(surface_.origin());
     label.value = shown.format(grabbed->speed);
     label.color = shown.strokeColor;
     label.time = valueText::timeCode(grabbed->time);

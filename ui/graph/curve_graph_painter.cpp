@@ -18,6 +18,7 @@ using namespace theme;
 
 constexpr double curveWidth = 2;
 constexpr double editedWidth = 1.25; ///< of the curve that is edited, where another one is seen
+constexpr double dotDistance = 4;    ///< pixels, of the curve as it was
 constexpr double labelBeforePlot = 10;
 constexpr double wordBeforePlot = 7; ///< words are longer than numbers
 constexpr double guideGap = 10;
@@ -131,18 +132,36 @@ private:
         return {first, last};
     }
 
-    void stroke(const std::vector<QPointF>& line, QColor color, double width, bool isDotted = false) {
+    void stroke(const std::vector<QPointF>& line, QColor color, double width) {
         const std::span<const QPointF> part = clipped(line);
         QList<QLineF> pieces;
         pieces.reserve(static_cast<qsizetype>(part.size()));
         for (std::size_t i = 1; i < part.size(); ++i)
-            if (!isDotted || static_cast<int>(std::floor(part[i].x() / 2)) % 2 == 0)
-                pieces.append(QLineF(part[i - 1], part[i]));
+            pieces.append(QLineF(part[i - 1], part[i]));
         painter_.save();
         painter_.setRenderHint(QPainter::Antialiasing);
         // Opaque pieces overlap, so that the line has no gaps where it bends; translucent ones must not.
         painter_.setPen(QPen(color, width, Qt::SolidLine, color.alpha() == 255 ? Qt::RoundCap : Qt::FlatCap));
         painter_.drawLines(pieces);
+        painter_.restore();
+    }
+
+    /// Dots at equal distances along the line, also where it is steep.
+    void dot(const std::vector<QPointF>& line, QColor color, double width) {
+        QPolygonF dots;
+        double left = 0; // until the next dot, pixels
+        for (std::size_t i = 1; i < line.size(); ++i) {
+            const QLineF piece(line[i - 1], line[i]);
+            const double length = piece.length();
+            double at = left;
+            for (; at < length; at += dotDistance)
+                dots.append(piece.pointAt(at / length));
+            left = at - length;
+        }
+        painter_.save();
+        painter_.setRenderHint(QPainter::Antialiasing);
+        painter_.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap));
+        painter_.drawPoints(dots);
         painter_.restore();
     }
 
@@ -168,7 +187,7 @@ private:
         const QColor color = picture_.axis.strokeColor;
         const bool showsSeen = !picture_.seen.empty() && !picture_.drag;
         fill(showsSeen ? picture_.seen : picture_.edited);
-        if (picture_.drag) stroke(picture_.drag->curveBefore, faded(color, 0.38), 1.5, true);
+        if (picture_.drag) dot(picture_.drag->curveBefore, faded(color, 0.38), 1.5);
         stroke(picture_.edited, showsSeen ? faded(color, 0.6) : color, showsSeen ? editedWidth : curveWidth);
         if (showsSeen) stroke(picture_.seen, color, curveWidth);
     }
@@ -249,7 +268,7 @@ private:
                     continue;
                 }
                 if (picture_.keyboardPoint == point.id) draw(point, PointMark::keyboardRing);
-                if (picture_.drag && picture_.drag->moved.contains(point.id))
+                if (picture_.drag && picture_.drag->grabbed == point.id)
                     draw(point, PointMark::dragHalo);
                 else if (picture_.hovered == point.id)
                     draw(point, PointMark::hoverHalo);

@@ -19,7 +19,8 @@ constexpr double pointLength = 4; ///< of the head, below its codes
 constexpr double hourSeconds = 3600;
 constexpr double labelHeight = 44;
 constexpr double labelPadding = 12;
-constexpr double labelDistance = 22; ///< from a dragged point
+constexpr double labelDistance = 22; ///< from a dragged point, to the side
+constexpr double labelRise = 6;      ///< above it
 constexpr double labelGap = 16;
 constexpr double codeHeight = 18;
 constexpr double trimCodeWidth = 72;
@@ -33,10 +34,11 @@ double labelWidth(const DragLabel& label) {
 }
 
 QRectF boxOf(const DragLabel& label) {
-    QRectF box(label.place.x() + labelDistance, label.place.y() - labelDistance / 2 - labelHeight, labelWidth(label),
+    QRectF box(label.place.x() + labelDistance, label.place.y() - labelRise - labelHeight, labelWidth(label),
                labelHeight);
     if (box.right() > label.bounds.right()) box.moveRight(label.place.x() - labelDistance);
-    if (box.top() < label.bounds.top()) box.moveTop(label.place.y() + labelDistance / 2);
+    // Beside the point it hides nothing of it, however high that is.
+    box.moveTop(std::max(box.top(), label.bounds.top()));
     return box;
 }
 

@@ -1,0 +1,179 @@
+#include "tests/support/session_stage.h"
+#include "ui/graph/clip_lane.h"
+#include "ui/graph/curve_graph.h"
+#include "ui/graph/timeline_layout.h"
+#include "ui/graph/timeline_pane.h"
+#include "ui/graph/trim_handle.h"
+#include "ui/graph/zoom_lane_view.h"
+
+#include <gmock/gmock.h>
+
+#include <QTest>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+
+namespace flowtide {
+namespace {
+
+/// A timeline of 1088 pixels: 100 for each of the clip's ten seconds.
+class Timeline : public test::SessionStage {
+protected:
+    void SetUp() override {
+        motion::setReduced(true);
+        open();
+        pane =
+            std::make_unique<TimelinePane>(TimelineServices{*model, points, scheduler, nullptr, [] { return 30.0; }});
+        pane->resize(1088, 434);
+        pane->show();
+        settle();
+    }
+    void TearDown() override { pane.reset(); }
+
+    void settle() {
+        scheduler.settle();
+        QCoreApplication::processEvents();
+    }
+    template <typename Part>
+    Part* part() const {
+        return pane->findChild<Part*>();
+    }
+    /// In the graph.
+    static QPoint place(double seconds, double speed) {
+        const double height = (std::log10(speed) + 1) / (std::log10(4.0) + 1);
+        return {static_cast<int>(44 + seconds * 100), static_cast<int>(std::lround(216 - height * 200))};
+    }
+    void drag(QWidget* widget, QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::mousePress(widget, Qt::LeftButton, modifiers, from);
+        settle();
+        for (const QPoint& at : {(from + to) / 2, to}) {
+            QMouseEvent move(QEvent::MouseMove, at, widget->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, modifiers);
+            QCoreApplication::sendEvent(widget, &move);
+            settle();
+        }
+        QTest::mouseRelease(widget, Qt::LeftButton, modifiers, to);
+        settle();
+    }
+    const SpeedKeyframes& keyframes() const { return model->curve().keyframes(); }
+
+    PointSelection points;
+    std::unique_ptr<TimelinePane> pane;
+};
+
+TEST_F(Timeline, APressOnTheCurveMakesAPointAndHoldsIt) {
+    QWidget* graph = pane->graph();
+    drag(graph, place(4, 1), place(5, 1.97));
+    ASSERT_EQ(keyframes().size(), 3);
+    EXPECT_NEAR(keyframes()[1].time, 5, 0.011);
+    EXPECT_EQ(keyframes()[1].speed, 2); // snapped
+    EXPECT_EQ(points.single(), keyframes()[1].id);
+
+    drag(graph, place(5, 2), place(5, 1.03), Qt::ControlModifier);
+    EXPECT_NE(keyframes()[1].speed, 1);
+    EXPECT_NEAR(keyframes()[1].speed, 1.03, 0.02);
+    // Each drag is one step.
+    model->undo();
+    EXPECT_EQ(keyframes()[1].speed, 2);
+    model->undo();
+    EXPECT_EQ(keyframes().size(), 2);
+}
+
+TEST_F(Timeline, EmptyGroundScrubsAndShiftSelects) {
+    QWidget* graph = pane->graph();
+    drag(graph, place(2, 0.2), place(6, 0.2));
+    EXPECT_NEAR(model->playheadSeconds(), 6, 0.011);
+    EXPECT_EQ(keyframes().size(), 2);
+
+    QTest::mouseClick(graph, Qt::LeftButton, Qt::AltModifier, place(3, 0.25));
+    QTest::mouseClick(graph, Qt::LeftButton, Qt::AltModifier, place(7, 0.25));
+    settle();
+    ASSERT_EQ(keyframes().size(), 4);
+    EXPECT_EQ(keyframes()[1].speed, 0.25);
+    drag(graph, place(2, 0.5), place(8, 0.15), Qt::ShiftModifier);
+    EXPECT_EQ(points.ids().size(), 2);
+    drag(graph, place(3, 0.25), place(4, 0.5));
+    EXPECT_NEAR(keyframes()[2].time, 8, 0.03);
+    EXPECT_EQ(keyframes()[1].speed, 0.5);
+    EXPECT_NEAR(keyframes()[2].speed, 0.5, 1e-9);
+    pane->perform(Command::deletePoints);
+    EXPECT_EQ(keyframes().size(), 2);
+}
+
+TEST_F(Timeline, KeysMoveThePoints) {
+    model->replaceKeyframes({point(0, 1), point(5, 1), point(10, 1)});
+    points.select({keyframes()[1].id});
+    settle();
+    QTest::keyClick(pane->graph(), Qt::Key_Right, Qt::AltModifier);
+    EXPECT_NEAR(keyframes()[1].time, 5 + 1.0 / 30, 1e-6);
+    QTest::keyClick(pane->graph(), Qt::Key_Up, Qt::AltModifier | Qt::ShiftModifier);
+    EXPECT_NEAR(keyframes()[1].speed, std::sqrt(2.0), 1e-9);
+    EXPECT_FALSE(model->history().pendingUndoSnapshot());
+    QTest::keyClick(pane->graph(), Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(points.single(), keyframes()[2].id);
+    model->scrub(0.3);
+    pane->perform(Command::copyPoints);
+    pane->perform(Command::pastePoints);
+    EXPECT_EQ(keyframes()[1].time, 3);
+    settle();
+    EXPECT_EQ(pane->graph()->accessibleDescription(), "Point 2 of 4, 3.000 seconds, 1x");
+}
+
+TEST_F(Timeline, TheHandlesTrimAndTheAxisWaits) {
+    model->setTimelineZoom(2);
+    settle();
+    const auto handles = pane->findChildren<TrimHandle*>();
+    ASSERT_EQ(handles.size(), 2);
+    model->setTimelineCenter(0);
+    settle();
+    TrimHandle* start = handles[0];
+    QTest::mousePress(start, Qt::LeftButton, {}, {5, 20});
+    QMouseEvent move(QEvent::MouseMove, QPointF(205, 20), start->mapToGlobal(QPointF(205, 20)), Qt::NoButton,
+                     Qt::LeftButton, {});
+    QCoreApplication::sendEvent(start, &move);
+    settle();
+    EXPECT_NEAR(model->curve().trimRange().lower, 1, 0.02);
+    EXPECT_NEAR(model->playheadSeconds(), model->curve().trimRange().lower, 1e-9);
+    EXPECT_NEAR(start->x() + TrimHandle::widest, 244, 2); // on the magnified axis still
+    QTest::mouseRelease(start, Qt::LeftButton, {}, {5, 20});
+    EXPECT_EQ(model->timeline().timelineZoom(), 1);
+}
+
+TEST_F(Timeline, ZoomBlocksAreDrawnMovedAndResized) {
+    auto* lane = part<ZoomLaneView>();
+    const int y = lane->height() / 2;
+    const auto at = [&](double seconds) { return QPoint(static_cast<int>(44 + seconds * 100), y); };
+    drag(lane, at(1), at(1.2)); // too short
+    EXPECT_TRUE(model->zoom().zoomBlocks().empty());
+    drag(lane, at(1), at(3));
+    ASSERT_EQ(model->zoom().zoomBlocks().size(), 1);
+    drag(lane, at(2), at(4));
+    EXPECT_NEAR(model->zoom().zoomBlocks()[0].startTime, 3, 0.02);
+    drag(lane, at(5) - QPoint(3, 0), at(6) - QPoint(3, 0));
+    EXPECT_NEAR(model->zoom().zoomBlocks()[0].endTime, 6, 0.02);
+    model->undo();
+    EXPECT_NEAR(model->zoom().zoomBlocks()[0].endTime, 5, 0.02);
+}
+
+TEST_F(Timeline, TheWheelZoomsAroundThePointer) {
+    const QPointF at(344, 150);
+    QWheelEvent wheel(at, pane->mapToGlobal(at), {}, {0, 480}, Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase,
+                      false);
+    QCoreApplication::sendEvent(pane.get(), &wheel);
+    settle();
+    const double zoom = model->timeline().timelineZoom();
+    EXPECT_GT(zoom, 1.5);
+    const TimeAxis axis = TimeAxis::of(10, 44, 1000, zoom, model->timeline().timelineCenter());
+    EXPECT_NEAR(axis.timeAt(at.x()), 3, 1e-6);
+}
+
+TEST(TimelineLayout, GivesUpRowsInLowWindows) {
+    const auto usual = TimelineLayout::of({936, 434}, 900);
+    EXPECT_EQ(usual.plotHeight, 200);
+    EXPECT_EQ(usual.hint.bottom() + 1, 434);
+    EXPECT_EQ(TimelineLayout::lowestHeight(900), 354);
+    EXPECT_EQ(TimelineLayout::lowestHeight(568), 284);
+    EXPECT_FALSE(TimelineLayout::of({936, 300}, 590).showsFilm);
+}
+
+} // namespace
+} // namespace flowtide
