@@ -22,13 +22,15 @@ protected:
     void SetUp() override {
         motion::setReduced(true);
         open();
+        window = std::make_unique<QWidget>();
+        window->resize(1088, 900);
         pane =
-            std::make_unique<TimelinePane>(TimelineServices{*model, points, scheduler, nullptr, [] { return 30.0; }});
-        pane->resize(1088, 434);
-        pane->show();
+            new TimelinePane(TimelineServices{*model, points, scheduler, nullptr, [] { return 30.0; }}, window.get());
+        pane->setGeometry(0, 466, 1088, 434);
+        window->show();
         settle();
     }
-    void TearDown() override { pane.reset(); }
+    void TearDown() override { window.reset(); }
 
     void settle() {
         scheduler.settle();
@@ -57,7 +59,8 @@ protected:
     const SpeedKeyframes& keyframes() const { return model->curve().keyframes(); }
 
     PointSelection points;
-    std::unique_ptr<TimelinePane> pane;
+    std::unique_ptr<QWidget> window;
+    TimelinePane* pane = nullptr; ///< in the window
 };
 
 TEST_F(Timeline, APressOnTheCurveMakesAPointAndHoldsIt) {
@@ -158,7 +161,7 @@ TEST_F(Timeline, TheWheelZoomsAroundThePointer) {
     const QPointF at(344, 150);
     QWheelEvent wheel(at, pane->mapToGlobal(at), {}, {0, 480}, Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase,
                       false);
-    QCoreApplication::sendEvent(pane.get(), &wheel);
+    QCoreApplication::sendEvent(pane, &wheel);
     settle();
     const double zoom = model->timeline().timelineZoom();
     EXPECT_GT(zoom, 1.5);
