@@ -282,16 +282,23 @@ private:
     }
 
     void paintLabels() {
+        // Of the points out of sight the nearest ones count too: the curve comes from there.
+        const double duration = picture_.geometry.time.duration;
+        const SpeedKeyframes played = playedPoints(picture_.points, picture_.trim, duration);
+        const auto isShown = [&](const SpeedKeyframe& point) { return picture_.geometry.time.shows(point.time); };
         std::vector<LabelledPoint> points;
         std::vector<QString> words;
-        for (const SpeedKeyframe& point : picture_.points) {
-            if (!picture_.geometry.time.shows(point.time)) continue;
-            if (!isPlayed(point, picture_.trim, picture_.geometry.time.duration)) continue;
+        for (std::size_t i = 0; i < played.size(); ++i) {
+            const SpeedKeyframe& point = played[i];
+            const bool isNeighbor =
+                (i > 0 && isShown(played[i - 1])) || (i + 1 < played.size() && isShown(played[i + 1]));
+            if (!isShown(point) && !isNeighbor) continue;
             const bool isSelected = picture_.selected.contains(point.id);
+            const bool isSilent = !isShown(point) || point.role != SpeedKeyframeRole::curve || isClipEdge(point);
             words.push_back(picture_.axis.format(point.speed));
             points.push_back({picture_.geometry.placeOf(point),
                               textWidth(isSelected ? Type::smallBold : Type::small, words.back()), isSelected,
-                              point.role != SpeedKeyframeRole::curve || isClipEdge(point)});
+                              isSilent});
         }
         painter_.save();
         painter_.setRenderHint(QPainter::Antialiasing);

@@ -51,7 +51,7 @@ std::vector<PointLabel> placedLabels(const std::vector<LabelledPoint>& points, d
     std::vector<PointLabel> wanted;
     for (std::size_t i = 0; i < points.size(); ++i) {
         const LabelledPoint& point = points[i];
-        if (point.isTrimEdge) continue;
+        if (point.isSilent) continue;
         const int before = i > 0 ? slope(points[i - 1].place, point.place) : 0;
         const int after = i + 1 < points.size() ? slope(point.place, points[i + 1].place) : 0;
         const Place place = placeFor(before, after, plotBottom - point.place.y());

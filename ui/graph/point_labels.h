@@ -12,7 +12,7 @@ struct LabelledPoint {
     QPointF place;
     double textWidth = 0;
     bool isSelected = false;
-    bool isTrimEdge = false;
+    bool isSilent = false; ///< has no label, as the edges of the trim
 };
 
 struct PointLabel {
