@@ -1,0 +1,108 @@
+#!/usr/bin/python3
+"""Takes pictures of the window's states; make brings a display for it.
+
+  make.py FLOWTIDE CLIP SCALE FOLDER WORK
+
+Pictures are called after their state; at a scale other than 1 they end in "@SCALE".
+"""
+import os
+import shutil
+import subprocess
+import sys
+import time
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "..", "tests", "window"))
+from person import Window, eventually  # noqa: E402
+
+ONE_X = 0.3758
+
+
+class Photographer:
+    def __init__(self, program, scale, folder):
+        self.program = program
+        self.scale = scale
+        self.folder = folder
+        self.window = Window("Flowtide")
+        self.process = None
+
+    def start(self, *arguments, size=(1440, 900)):
+        environment = {**os.environ, "QT_SCALE_FACTOR": self.scale}
+        self.process = subprocess.Popen([self.program, *arguments], env=environment, stdout=subprocess.DEVNULL)
+        self.window.find("Top bar")
+        found = eventually("the window", lambda: subprocess.run(
+            ["xdotool", "search", "--onlyvisible", "--class", "Flowtide"], capture_output=True, text=True).stdout.split())
+        self.id = found[-1]
+        pixels = [round(length * float(self.scale)) for length in size]
+        self.window.do("windowsize", "--sync", self.id, *pixels)
+
+    def end(self):
+        self.process.terminate()
+        self.process.wait()
+
+    def take(self, name):
+        time.sleep(1.5)  # for what fades in, and for pictures on their way
+        end = "" if float(self.scale) == 1 else "@" + self.scale
+        file = os.path.join(self.folder, name + end + ".png")
+        subprocess.run(["import", "-window", self.id, "-colors", "255", file], check=True)
+
+
+def main(program, clip, scale, folder, work):
+    os.makedirs(folder, exist_ok=True)
+    camera = Photographer(program, scale, folder)
+    window = camera.window
+    copy = os.path.join(work, os.path.basename(clip))
+    shutil.copy(clip, copy)
+
+    camera.start()
+    window.find("Open a video to edit")
+    camera.take("start-empty")
+    camera.end()
+
+    camera.start(copy)
+    left, top, width, height = window.plot()
+    line = top + height * ONE_X
+    ramp = ((0.1, 0.62), (0.25, 0.2), (0.42, 0.14), (0.53, 0.88), (0.7, 0.88), (0.75, 0.3), (0.9, 0.3))
+    # While the curve is a line it is known where it can be pressed.
+    for at, _ in ramp:
+        window.press(left + width * at, line)
+    for at, value in ramp:
+        window.drag(left + width * at, line, left + width * at, top + height * value)
+    for at in (0.2, 0.6):
+        window.press(left + width * at, top + height * 0.02)
+        window.key("z")
+    window.click("Render all ranges", "push button")
+    time.sleep(2)
+    camera.take("workspace")
+
+    window.hold(left + width * 0.42, top + height * 0.14, left + width * 0.46, top + height * 0.19)
+    camera.take("drag")
+    window.do("mouseup", 1)
+    window.key("ctrl+z", "v", "Tab")
+    camera.take("framing")
+    window.key("Tab", "v")
+    window.click("Compare")
+    camera.take("compare")
+    window.key("Escape")
+    window.key("question")
+    camera.take("shortcuts")
+    window.key("Escape", "ctrl+e")
+    window.find("File name", "text")
+    window.do("type", "--delay", 10, os.path.join(work, "retimed.mp4"))
+    window.key("Return")
+    camera.take("exporting")
+    window.find("Last export verified")
+    camera.take("verified")
+    window.key("Escape")
+    window.do("windowsize", "--sync", camera.id, *[round(length * float(scale)) for length in (1024, 700)])
+    camera.take("narrow")
+    camera.end()
+
+    # The start screen with a project in its list.
+    os.rename(copy, copy + ".gone")
+    camera.start()
+    camera.take("relink")
+    camera.end()
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])
