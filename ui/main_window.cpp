@@ -56,6 +56,10 @@ bool belongsToField(const QKeyEvent& event) {
     }
 }
 
+bool isOpenable(const std::filesystem::path& file) {
+    return openable::isClip(file) || openable::isProject(file);
+}
+
 QString clipFilter() {
     return MainWindow::tr("Clips and projects") + QStringLiteral(" (*.mov *.mp4 *.m4v *.flowtide *.MOV *.MP4 *.M4V)");
 }
@@ -93,6 +97,7 @@ MainWindow::MainWindow(SessionHost& host)
     shortcutSheet_->hide();
     alert_ = new AlertSheet(model_, sheets_);
     alert_->hide();
+    drop_ = new DropOverlay(*this);
     message_ = new MessageSheet(sheets_);
     message_->onClose = [this] { sheets_->close(); };
     message_->hide();
@@ -450,18 +455,32 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
     const auto file = openable::droppedFile(*event->mimeData());
     if (!file) return;
-    const bool isOpenable = openable::isClip(*file) || openable::isProject(*file);
-    start_->showDrop(valueText::fileName(*file), isOpenable);
-    if (isOpenable) event->acceptProposedAction();
+    // Refused while it moves, so that its leaving is told.
+    showDrop(valueText::fileName(*file), isOpenable(*file));
+    event->acceptProposedAction();
+}
+
+void MainWindow::dragMoveEvent(QDragMoveEvent* event) {
+    const auto file = openable::droppedFile(*event->mimeData());
+    if (file && isOpenable(*file))
+        event->acceptProposedAction();
+    else
+        event->ignore();
 }
 
 void MainWindow::dragLeaveEvent(QDragLeaveEvent*) {
-    start_->showDrop({}, false);
+    showDrop({}, false);
+}
+
+void MainWindow::showDrop(const QString& name, bool canOpen) {
+    start_->showDrop(name, canOpen);
+    drop_->showDrop(start_->isVisible() ? QString() : name, canOpen);
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
-    start_->showDrop({}, false);
-    if (const auto file = openable::droppedFile(*event->mimeData())) openFile(*file);
+    showDrop({}, false);
+    const auto file = openable::droppedFile(*event->mimeData());
+    if (file && isOpenable(*file)) openFile(*file);
 }
 
 } // namespace flowtide

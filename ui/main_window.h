@@ -4,6 +4,7 @@
 #include "ui/controls/focus_ring.h"
 #include "ui/export_notice.h"
 #include "ui/panes/alert_sheet.h"
+#include "ui/panes/drop_overlay.h"
 #include "ui/panes/export_panel.h"
 #include "ui/panes/relink_view.h"
 #include "ui/panes/shortcut_sheet.h"
@@ -45,6 +46,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
     void dragLeaveEvent(QDragLeaveEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -57,6 +59,7 @@ private:
     void walkPanes(int direction);
     QMenu* makeMenu();
     void chooseFile();
+    void showDrop(const QString& name, bool canOpen);
     void beginExport();
     void chooseExport();
     void showWhatsNew();
@@ -77,6 +80,7 @@ private:
     SheetHost* sheets_;
     ShortcutSheet* shortcutSheet_;
     AlertSheet* alert_;
+    DropOverlay* drop_;
     MessageSheet* message_; ///< what is new, and about
     ExportNotice exportNotice_;
     FocusRing* focusRing_;

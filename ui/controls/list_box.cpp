@@ -77,7 +77,7 @@ void ListBox::paintEvent(QPaintEvent*) {
     using namespace theme;
     QPainter painter(this);
     const QColor line = isEnabled() ? hover_.color(edge, fieldHover, fieldHover) : hairline;
-    drawBox(painter, rect(), controlRadius, isEnabled() ? well : pane, line);
+    drawBox(painter, rect(), controlRadius, isEnabled() ? hover_.color(well, well, raised) : pane, line);
     drawLine(painter, QRectF(rect()).adjusted(padding, 0, -chevronRoom, 0), Qt::AlignLeft, Type::code,
              isEnabled() ? theme::text : text3, items_[chosen_]);
     icons::draw(painter, QStringLiteral("chevron-down"), QRectF(width() - chevronRoom, 0, chevronRoom, height()), 14,

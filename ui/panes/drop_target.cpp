@@ -27,6 +27,10 @@ DropTarget::DropTarget(QWidget* parent)
     open_->resize(open_->sizeHint());
 }
 
+QString DropTarget::dropSentence(const QString& name, bool isOpenable) {
+    return isOpenable ? tr("Drop to open “%1”").arg(name) : tr("Only MOV, MP4, M4V and saved projects open here.");
+}
+
 void DropTarget::showDrop(const QString& name, bool isOpenable) {
     dropName_ = name;
     isOpenable_ = isOpenable;
@@ -57,8 +61,7 @@ void DropTarget::paintEvent(QPaintEvent*) {
     const auto line = [&](double top, double height) { return QRectF(24, top, width() - 48.0, height); };
     icons::draw(painter, QStringLiteral("import"), line(40, 32), 32, isRefused ? attention : text2);
     if (hasDrop) {
-        const QString words =
-            isRefused ? tr("Only MOV, MP4, M4V and saved projects open here.") : tr("Drop to open “%1”").arg(dropName_);
+        const QString words = dropSentence(dropName_, isOpenable_);
         const QFontMetricsF metrics(theme::font(Type::headline));
         drawLine(painter, line(96, 24), Qt::AlignHCenter, Type::headline, theme::text,
                  metrics.elidedText(words, Qt::ElideMiddle, width() - 48.0));

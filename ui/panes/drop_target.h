@@ -16,6 +16,9 @@ public:
 
     explicit DropTarget(QWidget* parent = nullptr);
 
+    /// What a drop would do.
+    static QString dropSentence(const QString& name, bool isOpenable);
+
     Button* openButton() const { return open_; }
     /// What hangs over the window: its name, and whether it can be opened; empty: nothing.
     void showDrop(const QString& name, bool isOpenable);
