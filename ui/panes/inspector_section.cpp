@@ -44,7 +44,6 @@ void InspectorSection::setFirst() {
 void InspectorSection::addAction(QWidget* action, int overhang) {
     action->setParent(this);
     actions_.push_back({action, overhang});
-    // What it says may become wider, and so may its neighbour's place.
     action->installEventFilter(this);
     placeHeading();
 }
@@ -65,10 +64,14 @@ void InspectorSection::dropPaddingBelow() {
     rows_->setContentsMargins(margins);
 }
 
+bool InspectorSection::event(QEvent* event) {
+    // What an action says may have become wider, and so may its neighbour's place.
+    if (event->type() == QEvent::LayoutRequest) placeHeading();
+    return QWidget::event(event);
+}
+
 bool InspectorSection::eventFilter(QObject*, QEvent* event) {
-    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::ShowToParent ||
-        event->type() == QEvent::HideToParent)
-        placeHeading();
+    if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent) placeHeading();
     return false;
 }
 
