@@ -39,6 +39,13 @@ void Button::setButtonHeight(int pixels) {
     updateGeometry();
 }
 
+void Button::setKind(ButtonKind kind) {
+    if (kind_ == kind) return;
+    kind_ = kind;
+    updateGeometry();
+    update();
+}
+
 void Button::setShare(double share) {
     if (share_ == share) return;
     share_ = share;

@@ -24,6 +24,8 @@ public:
     Button(ButtonKind kind, const QString& text, QString icon = {}, QWidget* parent = nullptr);
 
     void setButtonHeight(int pixels);
+    /// The height stays.
+    void setKind(ButtonKind kind);
     /// 0...1: what the button began is under way, and the button grey and filled so far; below 0: it is not.
     void setShare(double share);
     /// Keeps place for the widest of its texts, so that nothing moves when the text changes.

@@ -43,7 +43,6 @@ TopBar::TopBar(FlowtideViewModel& model, std::function<void(Command)> perform, Q
     export_ = new Button(ButtonKind::primary, tr("Export…"), QStringLiteral("export"), this);
     export_->setToolTip(keys(tr("Render the retimed clip to a new file (⌘E)")));
     connect(export_, &Button::clicked, this, [perform] { perform(Command::exportClip); });
-    export_->reserveWidthFor({tr("Export…"), tr("Exporting %1").arg(QStringLiteral("100%"))});
 
     sidebar_->setCheckable(true);
     inspector_->setCheckable(true);
@@ -94,8 +93,15 @@ void TopBar::refresh() {
 
     const bool isExporting = model_.exporting().isExporting();
     const double progress = model_.exporting().exportProgress();
-    export_->setText(isExporting ? tr("Exporting %1").arg(valueText::percent(progress)) : tr("Export…"));
-    export_->setShare(isExporting ? progress : -1);
+    const bool isVerifying = isExporting && progress >= 1;
+    export_->setKind(isExporting ? ButtonKind::secondary : ButtonKind::primary);
+    export_->setText(!isExporting  ? tr("Export…")
+                     : isVerifying ? tr("Verifying…")
+                                   : tr("Exporting %1").arg(valueText::percent(progress)));
+    export_->setShare(isExporting && !isVerifying ? progress : -1);
+    // While an export runs, nothing beside the button moves.
+    export_->reserveWidthFor(isExporting ? QStringList{tr("Verifying…"), tr("Exporting %1").arg(QStringLiteral("99%"))}
+                                         : QStringList());
     place();
 }
 
