@@ -8,18 +8,22 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
 #include <array>
 
 // The macro declares a function, which is no namespace's.
-static void loadIcons() {
+static void loadResources() {
     Q_INIT_RESOURCE(icons);
+    Q_INIT_RESOURCE(translations);
 }
 
 namespace flowtide {
 
 int runFlowtideApp(const WindowPlatform& platform, const std::optional<std::filesystem::path>& file,
                    const std::function<void(const std::string& sentence)>& complain) {
-    loadIcons();
+    loadResources();
     QApplication::setApplicationName(QStringLiteral("Flowtide"));
     QApplication::setApplicationDisplayName(QStringLiteral("Loftwell Video"));
     QApplication::setOrganizationName(QStringLiteral("Loftwell Video"));
@@ -29,6 +33,14 @@ int runFlowtideApp(const WindowPlatform& platform, const std::optional<std::file
     std::array<char, 9> name{"Flowtide"};
     std::array<char*, 2> arguments{name.data(), nullptr};
     QApplication application(argumentCount, arguments.data());
+    // Ours, and those of Qt's own dialogs. English needs none.
+    QTranslator texts;
+    if (texts.load(QLocale(), QStringLiteral("flowtide"), QStringLiteral("_"), QStringLiteral(":/translations")))
+        QApplication::installTranslator(&texts);
+    QTranslator dialogs;
+    if (dialogs.load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                     QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(&dialogs);
     installAccessibleRoles();
     QApplication::setStyle(new Style);
     QIcon icon(QStringLiteral(":/icons/app.svg"));

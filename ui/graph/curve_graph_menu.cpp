@@ -1,8 +1,8 @@
 #include "ui/graph/curve_graph_menu.h"
 
+#include "ui/graph/curve_graph.h"
 #include "ui/key_names.h"
 
-#include <QCoreApplication>
 #include <QMenu>
 #include <algorithm>
 #include <cmath>
@@ -10,10 +10,6 @@
 namespace flowtide {
 
 namespace {
-
-QString tr(const char* text) {
-    return QCoreApplication::translate("CurveGraph", text);
-}
 
 bool isNear(double a, double b) {
     return std::abs(a - b) < 1e-9;
@@ -35,7 +31,7 @@ void openGraphMenu(QWidget& graph, TimelineContext& context, CurveGraphInput& in
     const double seconds = context.timeAt(place.x());
     const double value =
         input.placeAt(place) == GraphPlace::curve ? input.valueAt(seconds) : input.snappedValueAt(place.y(), false);
-    menu->addAction(keyed(tr("Add point here"), tr("⌥ click")), &graph,
+    menu->addAction(keyed(CurveGraph::tr("Add point here"), CurveGraph::tr("⌥ click")), &graph,
                     [&input, seconds, value] { input.addPoint(seconds, value); })
         ->setEnabled(!point && !curvePointEdits::pointNear(input.points(), seconds, input.span()));
     QMenu* values = menu->addMenu(axis.valueLabel);
@@ -54,15 +50,15 @@ void openGraphMenu(QWidget& graph, TimelineContext& context, CurveGraphInput& in
     const auto add = [&](const QString& text, const QString& keys, Command command, bool isEnabled) {
         menu->addAction(keyed(text, keys), &graph, [perform, command] { perform(command); })->setEnabled(isEnabled);
     };
-    add(tr("Copy"), QStringLiteral("⌘C"), Command::copyPoints, hasSelection);
-    add(tr("Paste"), QStringLiteral("⌘V"), Command::pastePoints, canPaste);
-    add(tr("Delete"), tr("Delete"), Command::deletePoints, hasSelection);
+    add(CurveGraph::tr("Copy"), QStringLiteral("⌘C"), Command::copyPoints, hasSelection);
+    add(CurveGraph::tr("Paste"), QStringLiteral("⌘V"), Command::pastePoints, canPaste);
+    add(CurveGraph::tr("Delete"), CurveGraph::tr("Delete"), Command::deletePoints, hasSelection);
     menu->addSeparator();
     FlowtideViewModel& model = context.model();
     if (context.isFraming())
-        menu->addAction(tr("Reset framing"), &graph, [&model] { model.resetCenterCurve(); });
+        menu->addAction(CurveGraph::tr("Reset framing"), &graph, [&model] { model.resetCenterCurve(); });
     else
-        menu->addAction(tr("Reset curve"), &graph, [&model] { model.resetCurve(); });
+        menu->addAction(CurveGraph::tr("Reset curve"), &graph, [&model] { model.resetCurve(); });
     menu->popup(graph.mapToGlobal(place.toPoint()));
 }
 

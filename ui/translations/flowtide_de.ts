@@ -1,0 +1,1790 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de">
+<context>
+    <name>CurveEditorAxis</name>
+    <message>
+        <source>⌘ drag to bypass snapping.</source>
+        <translation>⌘-Ziehen rastet nicht ein.</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Tempo</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>Position</translation>
+    </message>
+</context>
+<context>
+    <name>CurveGraph</name>
+    <message>
+        <source>%1%2 s</source>
+        <translation>%1%2 s</translation>
+    </message>
+    <message>
+        <source>1 point</source>
+        <translation>1 Punkt</translation>
+    </message>
+    <message>
+        <source>%1 points</source>
+        <translation>%1 Punkte</translation>
+    </message>
+</context>
+<context>
+    <name>KeyNames</name>
+    <message>
+        <source>your Mac</source>
+        <translation>Ihrem Mac</translation>
+    </message>
+    <message>
+        <source>Ctrl</source>
+        <translation>Strg</translation>
+    </message>
+    <message>
+        <source>Alt</source>
+        <translation>Alt</translation>
+    </message>
+    <message>
+        <source>Shift</source>
+        <translation>Umschalt</translation>
+    </message>
+    <message>
+        <source>Backspace</source>
+        <translation>Rücktaste</translation>
+    </message>
+    <message>
+        <source>this computer</source>
+        <translation>diesem Computer</translation>
+    </message>
+</context>
+<context>
+    <name>Shortcuts</name>
+    <message>
+        <source>Workspace</source>
+        <translation>Arbeitsbereich</translation>
+    </message>
+    <message>
+        <source>⌘O</source>
+        <translation>⌘O</translation>
+    </message>
+    <message>
+        <source>Open a clip or project</source>
+        <translation>Clip oder Projekt öffnen</translation>
+    </message>
+    <message>
+        <source>⌘S</source>
+        <translation>⌘S</translation>
+    </message>
+    <message>
+        <source>Save project</source>
+        <translation>Projekt sichern</translation>
+    </message>
+    <message>
+        <source>⌃⌘S</source>
+        <translation>⌃⌘S</translation>
+    </message>
+    <message>
+        <source>Show or hide projects</source>
+        <translation>Projekte ein- oder ausblenden</translation>
+    </message>
+    <message>
+        <source>⌥⌘I</source>
+        <translation>⌥⌘I</translation>
+    </message>
+    <message>
+        <source>Show or hide inspector</source>
+        <translation>Inspektor ein- oder ausblenden</translation>
+    </message>
+    <message>
+        <source>Playback</source>
+        <translation>Wiedergabe</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>Leertaste</translation>
+    </message>
+    <message>
+        <source>Play or pause</source>
+        <translation>Abspielen oder anhalten</translation>
+    </message>
+    <message>
+        <source>J / K / L</source>
+        <translation>J / K / L</translation>
+    </message>
+    <message>
+        <source>Shuttle backward, stop, or forward</source>
+        <translation>Rückwärts, Stopp, vorwärts</translation>
+    </message>
+    <message>
+        <source>← / →</source>
+        <translation>← / →</translation>
+    </message>
+    <message>
+        <source>Move one output frame</source>
+        <translation>Ein Bild der Ausgabe weiter</translation>
+    </message>
+    <message>
+        <source>↑ / ↓</source>
+        <translation>↑ / ↓</translation>
+    </message>
+    <message>
+        <source>Previous or next curve point</source>
+        <translation>Voriger oder nächster Punkt</translation>
+    </message>
+    <message>
+        <source>⌘F</source>
+        <translation>⌘F</translation>
+    </message>
+    <message>
+        <source>Full-screen preview (Esc or ⌘F exits)</source>
+        <translation>Vollbildvorschau (Esc oder ⌘F beendet)</translation>
+    </message>
+    <message>
+        <source>↑ / ↓ (full screen)</source>
+        <translation>↑ / ↓ (Vollbild)</translation>
+    </message>
+    <message>
+        <source>Jump to start or end</source>
+        <translation>Zum Anfang oder Ende</translation>
+    </message>
+    <message>
+        <source>Timeline</source>
+        <translation>Zeitachse</translation>
+    </message>
+    <message>
+        <source>Drag graph</source>
+        <translation>Im Diagramm ziehen</translation>
+    </message>
+    <message>
+        <source>Scrub the playhead</source>
+        <translation>Abspielposition bewegen</translation>
+    </message>
+    <message>
+        <source>⌘+ / ⌘−</source>
+        <translation>⌘+ / ⌘−</translation>
+    </message>
+    <message>
+        <source>Zoom in or out</source>
+        <translation>Zeitachse vergrößern oder verkleinern</translation>
+    </message>
+    <message>
+        <source>⇧← / ⇧→</source>
+        <translation>⇧← / ⇧→</translation>
+    </message>
+    <message>
+        <source>Pan left or right</source>
+        <translation>Nach links oder rechts</translation>
+    </message>
+    <message>
+        <source>⇧Z or \</source>
+        <translation>⇧Z oder \</translation>
+    </message>
+    <message>
+        <source>Zoom to fit</source>
+        <translation>Ganz zeigen</translation>
+    </message>
+    <message>
+        <source>⌥ scroll</source>
+        <translation>⌥ Rad</translation>
+    </message>
+    <message>
+        <source>Zoom around the pointer</source>
+        <translation>Um den Zeiger vergrößern</translation>
+    </message>
+    <message>
+        <source>⇧ scroll</source>
+        <translation>⇧ Rad</translation>
+    </message>
+    <message>
+        <source>Pan the visible range</source>
+        <translation>Den sichtbaren Bereich verschieben</translation>
+    </message>
+    <message>
+        <source>Trimming</source>
+        <translation>Beschneiden</translation>
+    </message>
+    <message>
+        <source>Q</source>
+        <translation>Q</translation>
+    </message>
+    <message>
+        <source>Set trim start to the playhead</source>
+        <translation>Anfang an die Abspielposition setzen</translation>
+    </message>
+    <message>
+        <source>W</source>
+        <translation>W</translation>
+    </message>
+    <message>
+        <source>Set trim end to the playhead</source>
+        <translation>Ende an die Abspielposition setzen</translation>
+    </message>
+    <message>
+        <source>Zoom</source>
+        <translation>Zoom</translation>
+    </message>
+    <message>
+        <source>Z</source>
+        <translation>Z</translation>
+    </message>
+    <message>
+        <source>Add a zoom block at the playhead</source>
+        <translation>Zoom-Block an der Abspielposition</translation>
+    </message>
+    <message>
+        <source>Drag lane</source>
+        <translation>In der Spur ziehen</translation>
+    </message>
+    <message>
+        <source>Create, move, or resize zoom blocks</source>
+        <translation>Zoom-Blöcke anlegen, bewegen, dehnen</translation>
+    </message>
+    <message>
+        <source>⌫</source>
+        <translation>⌫</translation>
+    </message>
+    <message>
+        <source>Delete the selected zoom block</source>
+        <translation>Den gewählten Zoom-Block löschen</translation>
+    </message>
+    <message>
+        <source>Drag target</source>
+        <translation>Ziel ziehen</translation>
+    </message>
+    <message>
+        <source>Set the zoom&apos;s focal point on the video</source>
+        <translation>Brennpunkt des Zooms auf dem Bild</translation>
+    </message>
+    <message>
+        <source>Social crop</source>
+        <translation>Ausschnitt</translation>
+    </message>
+    <message>
+        <source>V</source>
+        <translation>V</translation>
+    </message>
+    <message>
+        <source>Toggle the crop (9:16, 1:1, or 4:5)</source>
+        <translation>Ausschnitt ein oder aus (9:16, 1:1 oder 4:5)</translation>
+    </message>
+    <message>
+        <source>Tab</source>
+        <translation>Tab</translation>
+    </message>
+    <message>
+        <source>Switch between Speed and Framing curves</source>
+        <translation>Zwischen Tempo und Ausschnitt wechseln</translation>
+    </message>
+    <message>
+        <source>Drag preview</source>
+        <translation>Im Bild ziehen</translation>
+    </message>
+    <message>
+        <source>Keyframe the framing at the playhead</source>
+        <translation>Ausschnitt an der Abspielposition festhalten</translation>
+    </message>
+    <message>
+        <source>Curve editing</source>
+        <translation>Kurve</translation>
+    </message>
+    <message>
+        <source>Click / drag</source>
+        <translation>Klicken / Ziehen</translation>
+    </message>
+    <message>
+        <source>Add or move a curve point</source>
+        <translation>Punkt anlegen oder bewegen</translation>
+    </message>
+    <message>
+        <source>⌥ click</source>
+        <translation>⌥ Klick</translation>
+    </message>
+    <message>
+        <source>Add a point at the pointer speed</source>
+        <translation>Punkt beim Tempo des Zeigers</translation>
+    </message>
+    <message>
+        <source>⇧ drag</source>
+        <translation>⇧ Ziehen</translation>
+    </message>
+    <message>
+        <source>Marquee-select curve points</source>
+        <translation>Punkte im Rechteck wählen</translation>
+    </message>
+    <message>
+        <source>⌘ drag</source>
+        <translation>⌘ Ziehen</translation>
+    </message>
+    <message>
+        <source>Bypass speed snapping</source>
+        <translation>Ohne Einrasten</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Entf</translation>
+    </message>
+    <message>
+        <source>Delete selected points</source>
+        <translation>Gewählte Punkte löschen</translation>
+    </message>
+    <message>
+        <source>⌘Z / ⇧⌘Z</source>
+        <translation>⌘Z / ⇧⌘Z</translation>
+    </message>
+    <message>
+        <source>Undo or redo</source>
+        <translation>Widerrufen oder wiederholen</translation>
+    </message>
+</context>
+<context>
+    <name>SoundStrip</name>
+    <message>
+        <source>No audio</source>
+        <translation>Kein Ton</translation>
+    </message>
+</context>
+<context>
+    <name>TimeAxis</name>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+</context>
+<context>
+    <name>ValueText</name>
+    <message>
+        <source>Left</source>
+        <translation>Links</translation>
+    </message>
+    <message>
+        <source>Center</source>
+        <translation>Mitte</translation>
+    </message>
+    <message>
+        <source>Right</source>
+        <translation>Rechts</translation>
+    </message>
+</context>
+<context>
+    <name>ZoomTarget</name>
+    <message>
+        <source>⌥-drag moves it</source>
+        <translation>⌥-Ziehen bewegt es</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::ClipLane</name>
+    <message>
+        <source>Clip</source>
+        <translation>Clip</translation>
+    </message>
+    <message>
+        <source>Set trim start to the playhead</source>
+        <translation>Anfang an die Abspielposition setzen</translation>
+    </message>
+    <message>
+        <source>Set trim end to the playhead</source>
+        <translation>Ende an die Abspielposition setzen</translation>
+    </message>
+    <message>
+        <source>Reset trim</source>
+        <translation>Beschnitt zurücksetzen</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::ClipTab</name>
+    <message>
+        <source>Show in folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Preview proxy</source>
+        <translation>Vorschau-Proxy</translation>
+    </message>
+    <message>
+        <source>Build 720p proxy</source>
+        <translation>720p-Proxy erstellen</translation>
+    </message>
+    <message>
+        <source>Building 720p preview proxy...</source>
+        <translation>720p-Vorschau-Proxy wird erstellt …</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>720p proxy ready</source>
+        <translation>720p-Proxy bereit</translation>
+    </message>
+    <message>
+        <source>Last export</source>
+        <translation>Letzter Export</translation>
+    </message>
+    <message>
+        <source>Last export verified</source>
+        <translation>Letzter Export geprüft</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::ComparisonView</name>
+    <message>
+        <source>Comparison of original and retimed frames</source>
+        <translation>Vergleich von Original und neuem Tempo</translation>
+    </message>
+    <message>
+        <source>Original %1, retimed %2</source>
+        <translation>Original %1, neues Tempo %2</translation>
+    </message>
+    <message>
+        <source>Original</source>
+        <translation>Original</translation>
+    </message>
+    <message>
+        <source>Retimed</source>
+        <translation>Neues Tempo</translation>
+    </message>
+    <message>
+        <source>Loading the source frame…</source>
+        <translation>Das Originalbild wird geladen …</translation>
+    </message>
+    <message>
+        <source>Source frame</source>
+        <translation>Originalbild</translation>
+    </message>
+    <message>
+        <source>Output</source>
+        <translation>Ausgabe</translation>
+    </message>
+    <message>
+        <source>Drag to pan both pictures</source>
+        <translation>Ziehen verschiebt beide Bilder</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::CoverageBar</name>
+    <message>
+        <source>Subject tracking coverage</source>
+        <translation>Verfolgte Abschnitte</translation>
+    </message>
+    <message>
+        <source>Teal: tracked frames. Orange flags: subject lost. Click a flag to go to the last tracked frame. Uncoloured sections have not been tracked.</source>
+        <translation>Türkis: verfolgte Bilder. Orange Fahnen: Motiv verloren. Ein Klick auf eine Fahne führt zum letzten verfolgten Bild. Farblose Abschnitte wurden nicht verfolgt.</translation>
+    </message>
+    <message>
+        <source>No tracked frames yet. Use Track subject in the Framing inspector.</source>
+        <translation>Noch nichts verfolgt. „Motiv verfolgen“ steht im Inspektor unter Ausschnitt.</translation>
+    </message>
+    <message>
+        <source>Subject lost after %1s. Click to review this frame.</source>
+        <translation>Motiv nach %1 s verloren. Klicken zeigt dieses Bild.</translation>
+    </message>
+    <message>
+        <source>Subject lost before %1s. Click to review this frame.</source>
+        <translation>Motiv vor %1 s verloren. Klicken zeigt dieses Bild.</translation>
+    </message>
+    <message>
+        <source>Tracked %1–%2 seconds</source>
+        <translation>Verfolgt von Sekunde %1 bis %2</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::CurveGraph</name>
+    <message>
+        <source>Framing curve</source>
+        <translation>Ausschnittskurve</translation>
+    </message>
+    <message>
+        <source>Speed curve</source>
+        <translation>Tempokurve</translation>
+    </message>
+    <message>
+        <source>%1 points</source>
+        <translation>%1 Punkte</translation>
+    </message>
+    <message>
+        <source>%1 points selected</source>
+        <translation>%1 Punkte gewählt</translation>
+    </message>
+    <message>
+        <source>Point %1 of %2, %3 seconds, %4</source>
+        <translation>Punkt %1 von %2, %3 Sekunden, %4</translation>
+    </message>
+    <message>
+        <source>Add point here</source>
+        <translation>Punkt hier anlegen</translation>
+    </message>
+    <message>
+        <source>⌥ click</source>
+        <translation>⌥ Klick</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Paste</source>
+        <translation>Einsetzen</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Entf</translation>
+    </message>
+    <message>
+        <source>Reset framing</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Reset curve</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::DropTarget</name>
+    <message>
+        <source>Open a video to edit</source>
+        <translation>Öffnen Sie ein Video zum Bearbeiten</translation>
+    </message>
+    <message>
+        <source>Open…</source>
+        <translation>Öffnen …</translation>
+    </message>
+    <message>
+        <source>Open a clip or project (⌘O)</source>
+        <translation>Clip oder Projekt öffnen (⌘O)</translation>
+    </message>
+    <message>
+        <source>Drop to open “%1”</source>
+        <translation>Loslassen öffnet „%1“</translation>
+    </message>
+    <message>
+        <source>Only MOV, MP4, M4V and saved projects open here.</source>
+        <translation>Hier lassen sich nur MOV, MP4, M4V und gesicherte Projekte öffnen.</translation>
+    </message>
+    <message>
+        <source>Drag a video here to adjust its speed curve and keyframe the crop’s center position.</source>
+        <translation>Ziehen Sie ein Video hierher, um seine Geschwindigkeitskurve und die Mitte des Ausschnitts zu bestimmen.</translation>
+    </message>
+    <message>
+        <source>MOV · MP4 · M4V · Saved projects     ⌘O</source>
+        <translation>MOV · MP4 · M4V · Gesicherte Projekte     ⌘O</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::ExportPanel</name>
+    <message>
+        <source>Export</source>
+        <translation>Export</translation>
+    </message>
+    <message>
+        <source>Export was cancelled.</source>
+        <translation>Der Export wurde abgebrochen.</translation>
+    </message>
+    <message>
+        <source>Export again…</source>
+        <translation>Erneut exportieren …</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Close (Esc)</source>
+        <translation>Schließen (Esc)</translation>
+    </message>
+    <message>
+        <source>Verifying export…</source>
+        <translation>Der Export wird geprüft …</translation>
+    </message>
+    <message>
+        <source>Exporting</source>
+        <translation>Export läuft</translation>
+    </message>
+    <message>
+        <source>The file is opened again and compared with the clip before it takes its place.</source>
+        <translation>Die Datei wird wieder geöffnet und mit dem Clip verglichen, bevor sie an ihren Platz kommt.</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>%1 of %2 frames</source>
+        <translation>%1 von %2 Bildern</translation>
+    </message>
+    <message>
+        <source>%1 fps</source>
+        <translation>%1 B/s</translation>
+    </message>
+    <message>
+        <source>Last export verified</source>
+        <translation>Letzter Export geprüft</translation>
+    </message>
+    <message>
+        <source>Copy report</source>
+        <translation>Bericht kopieren</translation>
+    </message>
+    <message>
+        <source>Show in folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Export failed</source>
+        <translation>Der Export ist gescheitert</translation>
+    </message>
+    <message>
+        <source>Copy message</source>
+        <translation>Meldung kopieren</translation>
+    </message>
+    <message>
+        <source>Source video codec cannot be matched</source>
+        <translation>Der Codec der Quelle ist nicht verfügbar</translation>
+    </message>
+    <message>
+        <source>Try HEVC / H.265</source>
+        <translation>HEVC / H.265 verwenden</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::FlowLane</name>
+    <message>
+        <source>Optical Flow ranges</source>
+        <translation>Optical-Flow-Bereiche</translation>
+    </message>
+    <message>
+        <source>Render</source>
+        <translation>Berechnen</translation>
+    </message>
+    <message>
+        <source>Render this range</source>
+        <translation>Diesen Bereich berechnen</translation>
+    </message>
+    <message>
+        <source>Render all ranges</source>
+        <translation>Alle berechnen</translation>
+    </message>
+    <message>
+        <source>The curve never runs slow enough to need new frames.</source>
+        <translation>Die Kurve ist nirgends so langsam, dass neue Bilder nötig wären.</translation>
+    </message>
+    <message>
+        <source>%1 ranges</source>
+        <translation>%1 Bereiche</translation>
+    </message>
+    <message>
+        <source>Rendered</source>
+        <translation>Berechnet</translation>
+    </message>
+    <message>
+        <source>Loop this range</source>
+        <translation>Diesen Bereich wiederholen</translation>
+    </message>
+    <message>
+        <source>Use Original Frames</source>
+        <translation>Originalbilder verwenden</translation>
+    </message>
+    <message>
+        <source>Use Optical Flow</source>
+        <translation>Optical Flow verwenden</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::FlowRangeRow</name>
+    <message>
+        <source>Optical Flow</source>
+        <translation>Optical Flow</translation>
+    </message>
+    <message>
+        <source>Preview rendering</source>
+        <translation>Vorschau wird berechnet</translation>
+    </message>
+    <message>
+        <source>Optical Flow, %1</source>
+        <translation>Optical Flow, %1</translation>
+    </message>
+    <message>
+        <source>%1–%2 s</source>
+        <translation>%1–%2 s</translation>
+    </message>
+    <message>
+        <source>Preview rendered</source>
+        <translation>Vorschau berechnet</translation>
+    </message>
+    <message>
+        <source>Original frames · Optical Flow off</source>
+        <translation>Originalbilder · Optical Flow aus</translation>
+    </message>
+    <message>
+        <source>Preview not rendered</source>
+        <translation>Vorschau nicht berechnet</translation>
+    </message>
+    <message>
+        <source>Render this range</source>
+        <translation>Diesen Bereich berechnen</translation>
+    </message>
+    <message>
+        <source>Loop this range</source>
+        <translation>Diesen Bereich wiederholen</translation>
+    </message>
+    <message>
+        <source>Use Original Frames</source>
+        <translation>Originalbilder verwenden</translation>
+    </message>
+    <message>
+        <source>Use Optical Flow</source>
+        <translation>Optical Flow verwenden</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::FlowSection</name>
+    <message>
+        <source>%1 fps</source>
+        <translation>%1 B/s</translation>
+    </message>
+    <message>
+        <source>In-between frames</source>
+        <translation>Zwischenbilder</translation>
+    </message>
+    <message>
+        <source>Optical Flow</source>
+        <translation>Optical Flow</translation>
+    </message>
+    <message>
+        <source>Original Frames</source>
+        <translation>Originalbilder</translation>
+    </message>
+    <message>
+        <source>Smooth motion</source>
+        <translation>Flüssig ab</translation>
+    </message>
+    <message>
+        <source>The curve never runs slow enough to need new frames.</source>
+        <translation>Die Kurve ist nirgends so langsam, dass neue Bilder nötig wären.</translation>
+    </message>
+    <message>
+        <source>Render all ranges</source>
+        <translation>Alle berechnen</translation>
+    </message>
+    <message>
+        <source>Render every purple range so you can play it back with its new frames</source>
+        <translation>Jeden violetten Bereich berechnen, um ihn mit seinen neuen Bildern abzuspielen</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Leeren</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stopp</translation>
+    </message>
+    <message>
+        <source>Remove preview renders while keeping all Optical Flow ranges</source>
+        <translation>Berechnete Vorschauen entfernen, die Optical-Flow-Bereiche behalten</translation>
+    </message>
+    <message>
+        <source>No rendered previews</source>
+        <translation>Keine berechneten Vorschauen</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::FramingTab</name>
+    <message>
+        <source>Social crop</source>
+        <translation>Ausschnitt</translation>
+    </message>
+    <message>
+        <source>Toggle the crop (9:16, 1:1, or 4:5)</source>
+        <translation>Ausschnitt ein oder aus (9:16, 1:1 oder 4:5)</translation>
+    </message>
+    <message>
+        <source>Aspect</source>
+        <translation>Seitenverhältnis</translation>
+    </message>
+    <message>
+        <source>Output size</source>
+        <translation>Ausgabegröße</translation>
+    </message>
+    <message>
+        <source>Lock center</source>
+        <translation>Mitte sperren</translation>
+    </message>
+    <message>
+        <source>Framing curve</source>
+        <translation>Ausschnittskurve</translation>
+    </message>
+    <message>
+        <source>Reset framing</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Glide</source>
+        <translation>Gleiten</translation>
+    </message>
+    <message>
+        <source>Vertical crop export currently requires an unrotated source clip.</source>
+        <translation>Ein Ausschnitt lässt sich derzeit nur von ungedrehten Clips exportieren.</translation>
+    </message>
+    <message>
+        <source>The clip is not wider than the crop frame and is exported uncropped.</source>
+        <translation>Der Clip ist nicht breiter als der Ausschnitt und wird ganz exportiert.</translation>
+    </message>
+    <message>
+        <source>%1 × %2</source>
+        <translation>%1 × %2</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::FullScreenControls</name>
+    <message>
+        <source>Jump to start</source>
+        <translation>Zum Anfang</translation>
+    </message>
+    <message>
+        <source>Jump to start (↑)</source>
+        <translation>Zum Anfang (↑)</translation>
+    </message>
+    <message>
+        <source>Previous output frame</source>
+        <translation>Voriges Bild der Ausgabe</translation>
+    </message>
+    <message>
+        <source>Previous output frame (←)</source>
+        <translation>Voriges Bild der Ausgabe (←)</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+    <message>
+        <source>Play or pause (Space)</source>
+        <translation>Abspielen oder anhalten (Leertaste)</translation>
+    </message>
+    <message>
+        <source>Next output frame</source>
+        <translation>Nächstes Bild der Ausgabe</translation>
+    </message>
+    <message>
+        <source>Next output frame (→)</source>
+        <translation>Nächstes Bild der Ausgabe (→)</translation>
+    </message>
+    <message>
+        <source>Jump to end</source>
+        <translation>Zum Ende</translation>
+    </message>
+    <message>
+        <source>Jump to end (↓)</source>
+        <translation>Zum Ende (↓)</translation>
+    </message>
+    <message>
+        <source>Loop</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>Loop this range</source>
+        <translation>Diesen Bereich wiederholen</translation>
+    </message>
+    <message>
+        <source>Leave full screen</source>
+        <translation>Vollbild verlassen</translation>
+    </message>
+    <message>
+        <source>Leave full screen (⌘F)</source>
+        <translation>Vollbild verlassen (⌘F)</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Anhalten</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::FullScreenPreview</name>
+    <message>
+        <source>Full-screen preview</source>
+        <translation>Vollbildvorschau</translation>
+    </message>
+    <message>
+        <source>Esc or ⌘F exits</source>
+        <translation>Esc oder ⌘F beendet</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::Inspector</name>
+    <message>
+        <source>Inspector</source>
+        <translation>Inspektor</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Tempo</translation>
+    </message>
+    <message>
+        <source>Framing</source>
+        <translation>Ausschnitt</translation>
+    </message>
+    <message>
+        <source>Clip</source>
+        <translation>Clip</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::Magnifier</name>
+    <message>
+        <source>Fit</source>
+        <translation>Einpassen</translation>
+    </message>
+    <message>
+        <source>Magnifier: %1</source>
+        <translation>Lupe: %1</translation>
+    </message>
+    <message>
+        <source>Size of the picture</source>
+        <translation>Größe des Bildes</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::MainWindow</name>
+    <message>
+        <source>Clips and projects</source>
+        <translation>Clips und Projekte</translation>
+    </message>
+    <message>
+        <source>Loftwell Video</source>
+        <translation>Loftwell Video</translation>
+    </message>
+    <message>
+        <source>Top bar</source>
+        <translation>Kopfleiste</translation>
+    </message>
+    <message>
+        <source>Projects</source>
+        <translation>Projekte</translation>
+    </message>
+    <message>
+        <source>Viewer</source>
+        <translation>Bildbereich</translation>
+    </message>
+    <message>
+        <source>Transport</source>
+        <translation>Wiedergabe</translation>
+    </message>
+    <message>
+        <source>Timeline</source>
+        <translation>Zeitachse</translation>
+    </message>
+    <message>
+        <source>Inspector</source>
+        <translation>Inspektor</translation>
+    </message>
+    <message>
+        <source>Start screen</source>
+        <translation>Startansicht</translation>
+    </message>
+    <message>
+        <source>Workspace</source>
+        <translation>Arbeitsbereich</translation>
+    </message>
+    <message>
+        <source>%1 – Loftwell Video</source>
+        <translation>%1 – Loftwell Video</translation>
+    </message>
+    <message>
+        <source>Open…</source>
+        <translation>Öffnen …</translation>
+    </message>
+    <message>
+        <source>Save project</source>
+        <translation>Projekt sichern</translation>
+    </message>
+    <message>
+        <source>Save a copy…</source>
+        <translation>Kopie sichern …</translation>
+    </message>
+    <message>
+        <source>Close project</source>
+        <translation>Projekt schließen</translation>
+    </message>
+    <message>
+        <source>Export…</source>
+        <translation>Exportieren …</translation>
+    </message>
+    <message>
+        <source>Reset curve</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Reset framing</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Set trim start to the playhead</source>
+        <translation>Anfang an die Abspielposition setzen</translation>
+    </message>
+    <message>
+        <source>Set trim end to the playhead</source>
+        <translation>Ende an die Abspielposition setzen</translation>
+    </message>
+    <message>
+        <source>Reset trim</source>
+        <translation>Beschnitt zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Full-screen preview</source>
+        <translation>Vollbildvorschau</translation>
+    </message>
+    <message>
+        <source>Keyboard Shortcuts</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>What&apos;s New</source>
+        <translation>Neuigkeiten</translation>
+    </message>
+    <message>
+        <source>About</source>
+        <translation>Über Loftwell Video</translation>
+    </message>
+    <message>
+        <source>Open a clip or project</source>
+        <translation>Clip oder Projekt öffnen</translation>
+    </message>
+    <message>
+        <source>Save a copy</source>
+        <translation>Kopie sichern</translation>
+    </message>
+    <message>
+        <source>%1 retimed</source>
+        <translation>%1 neues Tempo</translation>
+    </message>
+    <message>
+        <source>Export</source>
+        <translation>Export</translation>
+    </message>
+    <message>
+        <source>Movies</source>
+        <translation>Filme</translation>
+    </message>
+    <message>
+        <source>Locate the original clip</source>
+        <translation>Den Original-Clip suchen</translation>
+    </message>
+    <message>
+        <source>What’s new in Loftwell Video %1</source>
+        <translation>Neu in Loftwell Video %1</translation>
+    </message>
+    <message>
+        <source>Loftwell Video %1</source>
+        <translation>Loftwell Video %1</translation>
+    </message>
+    <message>
+        <source>Smooth speed curves for one clip.</source>
+        <translation>Weiche Geschwindigkeitskurven für einen Clip.</translation>
+    </message>
+    <message>
+        <source>An export is running.</source>
+        <translation>Ein Export läuft.</translation>
+    </message>
+    <message>
+        <source>Closing the window cancels it. Nothing that is on the disk already is changed.</source>
+        <translation>Schließen bricht ihn ab. Was schon auf der Festplatte liegt, bleibt, wie es ist.</translation>
+    </message>
+    <message>
+        <source>Keep exporting</source>
+        <translation>Weiter exportieren</translation>
+    </message>
+    <message>
+        <source>Cancel export and close</source>
+        <translation>Export abbrechen und schließen</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::MessageSheet</name>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::PointSection</name>
+    <message>
+        <source>Point</source>
+        <translation>Punkt</translation>
+    </message>
+    <message>
+        <source>Delete selected points</source>
+        <translation>Gewählte Punkte löschen</translation>
+    </message>
+    <message>
+        <source>Delete selected points (Delete)</source>
+        <translation>Gewählte Punkte löschen (Entf)</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Zeit</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Tempo</translation>
+    </message>
+    <message>
+        <source>Position</source>
+        <translation>Position</translation>
+    </message>
+    <message>
+        <source>The clip ends at %1.</source>
+        <translation>Der Clip endet bei %1.</translation>
+    </message>
+    <message>
+        <source>Another point is there. Points stay 0.01 s apart.</source>
+        <translation>Dort ist ein anderer Punkt. Punkte bleiben 0,01 s auseinander.</translation>
+    </message>
+    <message>
+        <source>Speeds run from 0.01x to 100x.</source>
+        <translation>Das Tempo reicht von 0.01x bis 100x.</translation>
+    </message>
+    <message>
+        <source>Positions run from 0% to 100%.</source>
+        <translation>Positionen reichen von 0 % bis 100 %.</translation>
+    </message>
+    <message>
+        <source>%1 selected</source>
+        <translation>%1 gewählt</translation>
+    </message>
+    <message>
+        <source>Trim start</source>
+        <translation>Anfang</translation>
+    </message>
+    <message>
+        <source>Trim end</source>
+        <translation>Ende</translation>
+    </message>
+    <message>
+        <source>Outside the trim</source>
+        <translation>Außerhalb</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>Select one point to edit its time and speed.</source>
+        <translation>Wählen Sie einen einzelnen Punkt, um Zeit und Tempo zu ändern.</translation>
+    </message>
+    <message>
+        <source>Select one point to edit its time and position.</source>
+        <translation>Wählen Sie einen einzelnen Punkt, um Zeit und Position zu ändern.</translation>
+    </message>
+    <message>
+        <source>Select a point on the curve to edit its time and speed.</source>
+        <translation>Wählen Sie einen Punkt der Kurve, um Zeit und Tempo zu ändern.</translation>
+    </message>
+    <message>
+        <source>Select a point on the curve to edit its time and position.</source>
+        <translation>Wählen Sie einen Punkt der Kurve, um Zeit und Position zu ändern.</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::PreviewSection</name>
+    <message>
+        <source>Preview</source>
+        <translation>Vorschau</translation>
+    </message>
+    <message>
+        <source>Render while idle</source>
+        <translation>In Pausen berechnen</translation>
+    </message>
+    <message>
+        <source>Render up to five output seconds around the playhead, inside marked ranges only.</source>
+        <translation>Bis zu fünf Sekunden der Ausgabe um die Abspielposition, nur in markierten Bereichen.</translation>
+    </message>
+    <message>
+        <source>Preview resolution</source>
+        <translation>Auflösung der Vorschau</translation>
+    </message>
+    <message>
+        <source>720p</source>
+        <translation>720p</translation>
+    </message>
+    <message>
+        <source>Full resolution</source>
+        <translation>Volle Auflösung</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::ProjectsSidebar</name>
+    <message>
+        <source>Projects</source>
+        <translation>Projekte</translation>
+    </message>
+    <message>
+        <source>Autosaved projects and recent clips</source>
+        <translation>Gesicherte Projekte und letzte Clips</translation>
+    </message>
+    <message>
+        <source>Saved on %1</source>
+        <translation>Gesichert auf %1</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::RelinkView</name>
+    <message>
+        <source>Locate the original clip</source>
+        <translation>Den Original-Clip suchen</translation>
+    </message>
+    <message>
+        <source>The clip of this project has moved. Your edits are kept. The file is recognized by its content, so a new name or folder is fine.</source>
+        <translation>Der Clip dieses Projekts ist nicht mehr dort. Ihre Bearbeitung ist erhalten. Die Datei wird am Inhalt erkannt, ein neuer Name oder Ordner macht nichts.</translation>
+    </message>
+    <message>
+        <source>Clip</source>
+        <translation>Clip</translation>
+    </message>
+    <message>
+        <source>Last folder</source>
+        <translation>Letzter Ordner</translation>
+    </message>
+    <message>
+        <source>Duration</source>
+        <translation>Dauer</translation>
+    </message>
+    <message>
+        <source>Project saved</source>
+        <translation>Projekt gesichert</translation>
+    </message>
+    <message>
+        <source>Remove from list</source>
+        <translation>Aus der Liste entfernen</translation>
+    </message>
+    <message>
+        <source>Close project</source>
+        <translation>Projekt schließen</translation>
+    </message>
+    <message>
+        <source>Locate clip…</source>
+        <translation>Clip suchen …</translation>
+    </message>
+    <message>
+        <source>Chosen: %1</source>
+        <translation>Gewählt: %1</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::ScrubBar</name>
+    <message>
+        <source>Position in the output</source>
+        <translation>Stelle in der Ausgabe</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::ShortcutSheet</name>
+    <message>
+        <source>Keyboard Shortcuts</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Close (Esc)</source>
+        <translation>Schließen (Esc)</translation>
+    </message>
+    <message>
+        <source>Press ? anytime in the editor to show this reference.</source>
+        <translation>Mit ? erscheint diese Übersicht jederzeit.</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::SpeedTab</name>
+    <message>
+        <source>Speed curve</source>
+        <translation>Tempokurve</translation>
+    </message>
+    <message>
+        <source>Reset curve</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Smoothing</source>
+        <translation>Glättung</translation>
+    </message>
+    <message>
+        <source>Source range</source>
+        <translation>Quellbereich</translation>
+    </message>
+    <message>
+        <source>Output duration</source>
+        <translation>Dauer der Ausgabe</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::StartScreen</name>
+    <message>
+        <source>Recent projects</source>
+        <translation>Letzte Projekte</translation>
+    </message>
+    <message>
+        <source>Autosaved projects and recent clips</source>
+        <translation>Gesicherte Projekte und letzte Clips</translation>
+    </message>
+    <message>
+        <source>Saved on %1</source>
+        <translation>Gesichert auf %1</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Start</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::StateChip</name>
+    <message>
+        <source>Original frames · Optical Flow off</source>
+        <translation>Originalbilder · Optical Flow aus</translation>
+    </message>
+    <message>
+        <source>%1 forward</source>
+        <translation>%1 vorwärts</translation>
+    </message>
+    <message>
+        <source>%1 backward</source>
+        <translation>%1 rückwärts</translation>
+    </message>
+    <message>
+        <source>Opening %1…</source>
+        <translation>%1 wird geöffnet …</translation>
+    </message>
+    <message>
+        <source>Preparing playback…</source>
+        <translation>Wiedergabe wird vorbereitet …</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::SubjectPanel</name>
+    <message>
+        <source>Tracking</source>
+        <translation>Verfolgung</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Dismiss</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Subject tracking</source>
+        <translation>Motivverfolgung</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::SubjectSection</name>
+    <message>
+        <source>Subject</source>
+        <translation>Motiv</translation>
+    </message>
+    <message>
+        <source>Track subject</source>
+        <translation>Motiv verfolgen</translation>
+    </message>
+    <message>
+        <source>Tracked</source>
+        <translation>Verfolgt</translation>
+    </message>
+    <message>
+        <source>Subject lost</source>
+        <translation>Motiv verloren</translation>
+    </message>
+    <message>
+        <source>Tracking runs from the chosen frame in both directions. Editing the framing now discards this track.</source>
+        <translation>Die Verfolgung läuft vom gewählten Bild in beide Richtungen. Wer jetzt den Ausschnitt ändert, verwirft sie.</translation>
+    </message>
+    <message>
+        <source>Draw a tight box around the subject (torso for a player). Tracking follows it in both directions.</source>
+        <translation>Ziehen Sie einen engen Rahmen um das Motiv (bei Spielern um den Oberkörper). Es wird in beide Richtungen verfolgt.</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::TimelineHead</name>
+    <message>
+        <source>Curve</source>
+        <translation>Kurve</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Tempo</translation>
+    </message>
+    <message>
+        <source>Framing</source>
+        <translation>Ausschnitt</translation>
+    </message>
+    <message>
+        <source>Zoom timeline out</source>
+        <translation>Zeitachse verkleinern</translation>
+    </message>
+    <message>
+        <source>Zoom timeline out (−)</source>
+        <translation>Zeitachse verkleinern (−)</translation>
+    </message>
+    <message>
+        <source>Fit timeline</source>
+        <translation>Ganze Zeitachse</translation>
+    </message>
+    <message>
+        <source>Fit timeline (⇧Z)</source>
+        <translation>Ganze Zeitachse (⇧Z)</translation>
+    </message>
+    <message>
+        <source>Zoom timeline in</source>
+        <translation>Zeitachse vergrößern</translation>
+    </message>
+    <message>
+        <source>Zoom timeline in (+)</source>
+        <translation>Zeitachse vergrößern (+)</translation>
+    </message>
+    <message>
+        <source>%1%2 s</source>
+        <translation>%1%2 s</translation>
+    </message>
+    <message>
+        <source>Output</source>
+        <translation>Ausgabe</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::TimelineOverlay</name>
+    <message>
+        <source>out</source>
+        <translation>aus</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::TimelinePane</name>
+    <message>
+        <source>Drag empty graph space to scrub. Shift-drag to select points. Pinch or ⌥-scroll to zoom the timeline; scroll sideways to pan.</source>
+        <translation>Ziehen bewegt die Abspielposition, Umschalt-Ziehen wählt Punkte. Zwei Finger oder ⌥-Rad vergrößern die Zeitachse, seitlich rollen verschiebt sie.</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::TopBar</name>
+    <message>
+        <source>Projects</source>
+        <translation>Projekte</translation>
+    </message>
+    <message>
+        <source>Show or hide projects (⌃⌘S)</source>
+        <translation>Projekte ein- oder ausblenden (⌃⌘S)</translation>
+    </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Open a clip or project (⌘O)</source>
+        <translation>Clip oder Projekt öffnen (⌘O)</translation>
+    </message>
+    <message>
+        <source>Undo</source>
+        <translation>Widerrufen</translation>
+    </message>
+    <message>
+        <source>Undo (⌘Z)</source>
+        <translation>Widerrufen (⌘Z)</translation>
+    </message>
+    <message>
+        <source>Redo</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>Redo (⇧⌘Z)</source>
+        <translation>Wiederholen (⇧⌘Z)</translation>
+    </message>
+    <message>
+        <source>Keyboard Shortcuts</source>
+        <translation>Tastenkürzel</translation>
+    </message>
+    <message>
+        <source>Keyboard shortcuts (?)</source>
+        <translation>Tastenkürzel (?)</translation>
+    </message>
+    <message>
+        <source>Inspector</source>
+        <translation>Inspektor</translation>
+    </message>
+    <message>
+        <source>Show or hide inspector (⌥⌘I)</source>
+        <translation>Inspektor ein- oder ausblenden (⌥⌘I)</translation>
+    </message>
+    <message>
+        <source>Menu</source>
+        <translation>Menü</translation>
+    </message>
+    <message>
+        <source>Export…</source>
+        <translation>Exportieren …</translation>
+    </message>
+    <message>
+        <source>Render the retimed clip to a new file (⌘E)</source>
+        <translation>Den Clip im neuen Tempo in eine Datei schreiben (⌘E)</translation>
+    </message>
+    <message>
+        <source>Loftwell Video</source>
+        <translation>Loftwell Video</translation>
+    </message>
+    <message>
+        <source>Verifying…</source>
+        <translation>Prüfung …</translation>
+    </message>
+    <message>
+        <source>Exporting %1</source>
+        <translation>Export %1</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::TransportBar</name>
+    <message>
+        <source>Source</source>
+        <translation>Quelle</translation>
+    </message>
+    <message>
+        <source>Output</source>
+        <translation>Ausgabe</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Tempo</translation>
+    </message>
+    <message>
+        <source>Previous curve point (↑)</source>
+        <translation>Voriger Punkt (↑)</translation>
+    </message>
+    <message>
+        <source>Previous output frame (←)</source>
+        <translation>Voriges Bild der Ausgabe (←)</translation>
+    </message>
+    <message>
+        <source>Play or pause (Space)</source>
+        <translation>Abspielen oder anhalten (Leertaste)</translation>
+    </message>
+    <message>
+        <source>Next output frame (→)</source>
+        <translation>Nächstes Bild der Ausgabe (→)</translation>
+    </message>
+    <message>
+        <source>Next curve point (↓)</source>
+        <translation>Nächster Punkt (↓)</translation>
+    </message>
+    <message>
+        <source>Loop</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>Loop this range</source>
+        <translation>Diesen Bereich wiederholen</translation>
+    </message>
+    <message>
+        <source>Crop</source>
+        <translation>Ausschnitt</translation>
+    </message>
+    <message>
+        <source>Toggle the crop (9:16, 1:1, or 4:5)</source>
+        <translation>Ausschnitt ein oder aus (9:16, 1:1 oder 4:5)</translation>
+    </message>
+    <message>
+        <source>Compare</source>
+        <translation>Vergleichen</translation>
+    </message>
+    <message>
+        <source>Compare original and retimed frames</source>
+        <translation>Original und neues Tempo vergleichen</translation>
+    </message>
+    <message>
+        <source>Full-screen preview (⌘F)</source>
+        <translation>Vollbildvorschau (⌘F)</translation>
+    </message>
+    <message>
+        <source>Pause</source>
+        <translation>Anhalten</translation>
+    </message>
+    <message>
+        <source>Play</source>
+        <translation>Abspielen</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::TrimHandle</name>
+    <message>
+        <source>Trim start</source>
+        <translation>Anfang</translation>
+    </message>
+    <message>
+        <source>Trim end</source>
+        <translation>Ende</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::VideoSurface</name>
+    <message>
+        <source>Picture</source>
+        <translation>Bild</translation>
+    </message>
+    <message>
+        <source>Lock center is on.</source>
+        <translation>Die Mitte ist gesperrt.</translation>
+    </message>
+    <message>
+        <source>Drag the crop frame sideways to keyframe its position at the playhead</source>
+        <translation>Ziehen Sie den Ausschnitt seitwärts, um seine Position hier festzuhalten</translation>
+    </message>
+    <message>
+        <source>Crop frame %1</source>
+        <translation>Ausschnitt %1</translation>
+    </message>
+    <message>
+        <source>Zoom target %1, %2</source>
+        <translation>Zoom-Ziel %1, %2</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::Workspace</name>
+    <message>
+        <source>Divider</source>
+        <translation>Teiler</translation>
+    </message>
+    <message>
+        <source>Drag to resize the video and timeline areas</source>
+        <translation>Ziehen teilt den Platz zwischen Bild und Zeitachse</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::ZoomLaneView</name>
+    <message>
+        <source>Zoom blocks</source>
+        <translation>Zoom-Blöcke</translation>
+    </message>
+    <message>
+        <source>Add zoom at playhead</source>
+        <translation>Zoom hier anlegen</translation>
+    </message>
+    <message>
+        <source>Add zoom at playhead (Z)</source>
+        <translation>Zoom hier anlegen (Z)</translation>
+    </message>
+    <message>
+        <source>No room for 0.25 s here.</source>
+        <translation>Hier ist kein Platz für 0,25 s.</translation>
+    </message>
+    <message>
+        <source>%1–%2 seconds, %3</source>
+        <translation>%1–%2 Sekunden, %3</translation>
+    </message>
+    <message>
+        <source>No zoom block selected.</source>
+        <translation>Kein Zoom-Block gewählt.</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>Drag the target on the video to set the focal point — ⌥-drag to keyframe motion at the playhead.</source>
+        <translation>Ziehen Sie das Ziel auf dem Bild an seinen Platz — ⌥-Ziehen hält Bewegung an der Abspielposition fest.</translation>
+    </message>
+    <message>
+        <source>Remove focal keyframes</source>
+        <translation>Bewegung des Ziels entfernen</translation>
+    </message>
+    <message>
+        <source>Delete this zoom block</source>
+        <translation>Diesen Zoom-Block löschen</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::ZoomSection</name>
+    <message>
+        <source>Zoom</source>
+        <translation>Zoom</translation>
+    </message>
+    <message>
+        <source>Delete this zoom block</source>
+        <translation>Diesen Zoom-Block löschen</translation>
+    </message>
+    <message>
+        <source>Delete this zoom block (⌫)</source>
+        <translation>Diesen Zoom-Block löschen (⌫)</translation>
+    </message>
+    <message>
+        <source>No zoom block selected.</source>
+        <translation>Kein Zoom-Block gewählt.</translation>
+    </message>
+    <message>
+        <source>Add zoom at playhead</source>
+        <translation>Zoom hier anlegen</translation>
+    </message>
+    <message>
+        <source>Places run from 0% to 100%.</source>
+        <translation>Stellen reichen von 0 % bis 100 %.</translation>
+    </message>
+    <message>
+        <source>Amount</source>
+        <translation>Stärke</translation>
+    </message>
+    <message>
+        <source>Ramp</source>
+        <translation>Rampe</translation>
+    </message>
+    <message>
+        <source>Ramp length in seconds of playback — clamped automatically when the block is shorter. 0 = hard cut.</source>
+        <translation>Länge der Rampe in Sekunden der Wiedergabe — kürzer, wenn der Block kürzer ist. 0 = harter Schnitt.</translation>
+    </message>
+    <message>
+        <source>Mode</source>
+        <translation>Art</translation>
+    </message>
+    <message>
+        <source>In and out</source>
+        <translation>Hin und zurück</translation>
+    </message>
+    <message>
+        <source>In</source>
+        <translation>Hin</translation>
+    </message>
+    <message>
+        <source>Out</source>
+        <translation>Zurück</translation>
+    </message>
+    <message>
+        <source>Constant</source>
+        <translation>Gleichbleibend</translation>
+    </message>
+    <message>
+        <source>Focal X</source>
+        <translation>Ziel X</translation>
+    </message>
+    <message>
+        <source>Focal Y</source>
+        <translation>Ziel Y</translation>
+    </message>
+    <message>
+        <source>Drag the target on the video to set the focal point — ⌥-drag to keyframe motion at the playhead.</source>
+        <translation>Ziehen Sie das Ziel auf dem Bild an seinen Platz — ⌥-Ziehen hält Bewegung an der Abspielposition fest.</translation>
+    </message>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+    <message>
+        <source>%1 s</source>
+        <translation>%1 s</translation>
+    </message>
+    <message>
+        <source>No room for 0.25 s here.</source>
+        <translation>Hier ist kein Platz für 0,25 s.</translation>
+    </message>
+</context>
+</TS>
