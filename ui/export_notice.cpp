@@ -7,12 +7,6 @@
 
 namespace flowtide {
 
-namespace {
-QString translated(const char* text) {
-    return QCoreApplication::translate("ExportNotice", text);
-}
-} // namespace
-
 ExportNotice::ExportNotice(FlowtideViewModel& model, const QWidget& window)
     : model_(model)
     , window_(window)
@@ -23,10 +17,12 @@ void ExportNotice::exportEnded() {
     if (!end || window_.isActiveWindow()) return;
     const std::filesystem::path file = model_.exporting().destination();
     if (end->kind == ExportEnd::Kind::verified)
-        notification_.show(translated("Last export verified"), valueText::fileName(file), translated("Show in folder"),
+        notification_.show(QCoreApplication::translate("ExportNotice", "Last export verified"),
+                           valueText::fileName(file), QCoreApplication::translate("ExportNotice", "Show in folder"),
                            [file] { showInFolder(file); });
     else if (end->kind == ExportEnd::Kind::failed)
-        notification_.show(translated("Export failed"), QString::fromStdString(end->failure));
+        notification_.show(QCoreApplication::translate("ExportNotice", "Export failed"),
+                           QString::fromStdString(end->failure));
 }
 
 } // namespace flowtide

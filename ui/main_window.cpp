@@ -8,6 +8,7 @@
 #include "ui/panes/inspector.h"
 #include "ui/panes/projects_sidebar.h"
 #include "ui/release_notes.h"
+#include "ui/session_text.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
 #include "ui/viewer/transport_bar.h"
@@ -147,7 +148,7 @@ void MainWindow::refresh(const PropertySet&) {
     // A project that waits for its clip says itself why a file is not that.
     const auto& message = model_.alert().errorMessage();
     if (message && message->reason.empty() && model_.clips().pendingRelinkProject()) {
-        relink_->showRefusal(QString::fromStdString(message->sentence));
+        relink_->showRefusal(sessionText(message->sentence));
         return model_.dismissError();
     }
     if (model_.alert().showError())

@@ -9,6 +9,7 @@ int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     Q_INIT_RESOURCE(icons);
+    Q_INIT_RESOURCE(translations);
     flowtide::installAccessibleRoles();
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();

@@ -10,10 +10,6 @@ namespace flowtide {
 
 namespace {
 
-QString translated(const char* text) {
-    return QCoreApplication::translate("ClipFacts", text);
-}
-
 QString standard(const std::string& text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
@@ -27,62 +23,71 @@ QString grouped(double number) {
 }
 
 QString dataRate(double bitsPerSecond) {
-    if (bitsPerSecond < 1e6) return translated("%1 kb/s").arg(std::lround(bitsPerSecond / 1e3));
-    return translated("%1 Mb/s").arg(bitsPerSecond / 1e6, 0, 'f', 1);
+    if (bitsPerSecond < 1e6)
+        return QCoreApplication::translate("ClipFacts", "%1 kb/s").arg(std::lround(bitsPerSecond / 1e3));
+    return QCoreApplication::translate("ClipFacts", "%1 Mb/s").arg(bitsPerSecond / 1e6, 0, 'f', 1);
 }
 
 QString colorText(const ImportedClip& clip) {
-    const QString range = clip.videoIsFullRange() ? translated("full range") : translated("video range");
+    const QString range = clip.videoIsFullRange() ? QCoreApplication::translate("ClipFacts", "full range")
+                                                  : QCoreApplication::translate("ClipFacts", "video range");
     const auto& tags = clip.videoColorProperties();
-    if (!tags) return translated("Untagged, %1").arg(range);
+    if (!tags) return QCoreApplication::translate("ClipFacts", "Untagged, %1").arg(range);
     const std::string transfer = tags->transferFunction.value_or(std::string());
     const std::string primaries = tags->primaries.value_or(std::string());
     QString space;
     if (transfer == "smpte2084")
-        space = translated("HDR (PQ)");
+        space = QCoreApplication::translate("ClipFacts", "HDR (PQ)");
     else if (transfer == "arib-std-b67")
-        space = translated("HDR (HLG)");
+        space = QCoreApplication::translate("ClipFacts", "HDR (HLG)");
     else if (primaries == "bt709")
-        space = translated("Rec. 709");
+        space = QCoreApplication::translate("ClipFacts", "Rec. 709");
     else if (primaries == "bt2020")
-        space = translated("Rec. 2020");
+        space = QCoreApplication::translate("ClipFacts", "Rec. 2020");
     else if (primaries == "smpte170m" || primaries == "bt470bg")
-        space = translated("Rec. 601");
+        space = QCoreApplication::translate("ClipFacts", "Rec. 601");
     else if (primaries == "smpte432")
-        space = translated("Display P3");
+        space = QCoreApplication::translate("ClipFacts", "Display P3");
     else
         space = standard(primaries.empty() ? tags->matrix.value_or(transfer) : primaries);
     return QStringLiteral("%1, %2").arg(space, range);
 }
 
 ClipFactGroup videoFacts(const ImportedClip& clip) {
-    ClipFactGroup group{translated("Video"), {}};
-    group.facts.push_back({translated("Codec"), standard(clip.videoCodecType ? codecLabel(*clip.videoCodecType)
-                                                                             : clip.videoCodecDisplayName())});
-    group.facts.push_back({translated("Dimensions"), translated("%1 × %2").arg(clip.width).arg(clip.height)});
+    ClipFactGroup group{QCoreApplication::translate("ClipFacts", "Video"), {}};
     group.facts.push_back(
-        {translated("Frame rate"), translated("%1 fps").arg(standard(formatFrameRate(clip.frameRate)))});
-    group.facts.push_back({translated("Bit depth"), translated("%1-bit").arg(clip.videoBitDepth())});
-    group.facts.push_back({translated("Color"), colorText(clip)});
+        {QCoreApplication::translate("ClipFacts", "Codec"),
+         standard(clip.videoCodecType ? codecLabel(*clip.videoCodecType) : clip.videoCodecDisplayName())});
+    group.facts.push_back({QCoreApplication::translate("ClipFacts", "Dimensions"),
+                           QCoreApplication::translate("ClipFacts", "%1 × %2").arg(clip.width).arg(clip.height)});
+    group.facts.push_back(
+        {QCoreApplication::translate("ClipFacts", "Frame rate"),
+         QCoreApplication::translate("ClipFacts", "%1 fps").arg(standard(formatFrameRate(clip.frameRate)))});
+    group.facts.push_back({QCoreApplication::translate("ClipFacts", "Bit depth"),
+                           QCoreApplication::translate("ClipFacts", "%1-bit").arg(clip.videoBitDepth())});
+    group.facts.push_back({QCoreApplication::translate("ClipFacts", "Color"), colorText(clip)});
     if (const auto rate = clip.videoEstimatedDataRate())
-        group.facts.push_back({translated("Data rate"), dataRate(*rate)});
+        group.facts.push_back({QCoreApplication::translate("ClipFacts", "Data rate"), dataRate(*rate)});
     return group;
 }
 
 ClipFactGroup audioFacts(const ImportedClip& clip) {
-    ClipFactGroup group{translated("Audio"), {}};
+    ClipFactGroup group{QCoreApplication::translate("ClipFacts", "Audio"), {}};
     if (!clip.audio) {
-        group.facts.push_back({translated("Format"), translated("No audio")});
+        group.facts.push_back(
+            {QCoreApplication::translate("ClipFacts", "Format"), QCoreApplication::translate("ClipFacts", "No audio")});
         return group;
     }
     const AudioTrack& track = *clip.audio;
-    group.facts.push_back({translated("Format"), standard(audioFormatLabel(track.formatID))});
-    group.facts.push_back({translated("Sample rate"), translated("%1 Hz").arg(grouped(track.sampleRate))});
-    const QString channels = QString::number(track.channelCount);
     group.facts.push_back(
-        {translated("Channels"), track.channelCount > 2 && !track.channelLayout.empty()
-                                     ? QStringLiteral("%1 (%2)").arg(channels, standard(track.channelLayout))
-                                     : channels});
+        {QCoreApplication::translate("ClipFacts", "Format"), standard(audioFormatLabel(track.formatID))});
+    group.facts.push_back({QCoreApplication::translate("ClipFacts", "Sample rate"),
+                           QCoreApplication::translate("ClipFacts", "%1 Hz").arg(grouped(track.sampleRate))});
+    const QString channels = QString::number(track.channelCount);
+    group.facts.push_back({QCoreApplication::translate("ClipFacts", "Channels"),
+                           track.channelCount > 2 && !track.channelLayout.empty()
+                               ? QStringLiteral("%1 (%2)").arg(channels, standard(track.channelLayout))
+                               : channels});
     return group;
 }
 
@@ -97,11 +102,12 @@ QString folderText(const std::filesystem::path& folder, const std::filesystem::p
 
 std::vector<ClipFactGroup> clipFacts(const ImportedClip& clip, const std::filesystem::path& home) {
     const std::string_view container = fileTypeName(clip.fileType);
-    ClipFactGroup file{translated("Clip"),
-                       {{translated("File"), valueText::fileName(clip.url)},
-                        {translated("Folder"), folderText(clip.url.parent_path(), home)},
-                        {translated("Duration"), valueText::timeCode(clip.duration), true},
-                        {translated("Container"), standard(std::string(container))}}};
+    ClipFactGroup file{
+        QCoreApplication::translate("ClipFacts", "Clip"),
+        {{QCoreApplication::translate("ClipFacts", "File"), valueText::fileName(clip.url)},
+         {QCoreApplication::translate("ClipFacts", "Folder"), folderText(clip.url.parent_path(), home)},
+         {QCoreApplication::translate("ClipFacts", "Duration"), valueText::timeCode(clip.duration), true},
+         {QCoreApplication::translate("ClipFacts", "Container"), standard(std::string(container))}}};
     return {std::move(file), videoFacts(clip), audioFacts(clip)};
 }
 

@@ -1,6 +1,7 @@
 #include "ui/panes/flow_section.h"
 
 #include "core/slow_motion_guide.h"
+#include "ui/session_text.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -134,7 +135,7 @@ void FlowSection::refresh() {
     const bool isLeft = model_.clip() && !renders.previews().unrenderedRanges().empty();
     renderAll_->setEnabled(renders.isRenderingAllRanges() || (showsFlow && isLeft && !isExporting));
     const auto& error = render.previewRenderError();
-    error_->setText(error ? QString::fromStdString(*error) : QString());
+    error_->setText(error ? sessionText(*error) : QString());
     error_->setVisible(error.has_value());
     progress_.runNow();
 }
@@ -152,7 +153,7 @@ void FlowSection::refreshProgress() {
             rows_[index]->hide();
     }
     const RenderAhead& renders = model_.renders();
-    renderAll_->setText(QString::fromStdString(renders.renderAllLabel()));
+    renderAll_->setText(sessionText(renders.renderAllLabel()));
     renderAll_->setShare(renders.isRenderingAllRanges() ? renders.renderAllProgress() : -1);
 }
 

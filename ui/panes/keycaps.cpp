@@ -2,6 +2,7 @@
 
 #include "ui/theme.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 #include <cmath>
 
@@ -17,9 +18,12 @@ bool isModifierSign(QChar character) {
 }
 
 bool isKey(const QString& word) {
-    static const QStringList names{QStringLiteral("Ctrl"),   QStringLiteral("Alt"),      QStringLiteral("Shift"),
-                                   QStringLiteral("Tab"),    QStringLiteral("Space"),    QStringLiteral("Esc"),
-                                   QStringLiteral("Delete"), QStringLiteral("Backspace")};
+    // As this language calls them.
+    const QStringList names{
+        QCoreApplication::translate("KeyNames", "Ctrl"),    QCoreApplication::translate("KeyNames", "Alt"),
+        QCoreApplication::translate("KeyNames", "Shift"),   QCoreApplication::translate("KeyNames", "Backspace"),
+        QCoreApplication::translate("Shortcuts", "Tab"),    QCoreApplication::translate("Shortcuts", "Space"),
+        QCoreApplication::translate("Shortcuts", "Delete"), QStringLiteral("Esc")};
     return (word.size() == 1 && word != QStringLiteral("/")) || names.contains(word);
 }
 

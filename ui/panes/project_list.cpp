@@ -20,27 +20,26 @@ namespace {
 constexpr double usualSlowest = 0.1;
 constexpr double usualFastest = 4;
 
-QString translated(const char* text) {
-    return QCoreApplication::translate("ProjectList", text);
-}
-
 } // namespace
 
 void openMenu(QWidget& owner, const QPoint& globalPlace, FlowtideViewModel& model, const RecentProject& project,
               const ProjectSummary& summary, std::function<void()> onOpen) {
     auto* menu = new QMenu(&owner);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(translated("Open"), &owner, std::move(onOpen));
+    menu->addAction(QCoreApplication::translate("ProjectList", "Open"), &owner, std::move(onOpen));
     const std::filesystem::path shown =
         summary.isMissing ? project.projectURL.filePath().value_or(std::filesystem::path()) : summary.clip;
-    menu->addAction(translated("Show in folder"), &owner, [shown] { showInFolder(shown); })->setEnabled(!shown.empty());
+    menu->addAction(QCoreApplication::translate("ProjectList", "Show in folder"), &owner,
+                    [shown] { showInFolder(shown); })
+        ->setEnabled(!shown.empty());
     menu->addSeparator();
-    menu->addAction(translated("Remove from list"), &owner, [&model, id = project.id] { model.removeFromRecent(id); });
+    menu->addAction(QCoreApplication::translate("ProjectList", "Remove from list"), &owner,
+                    [&model, id = project.id] { model.removeFromRecent(id); });
     menu->popup(globalPlace);
 }
 
 QString secondLine(const RecentProject& project, const ProjectSummary& summary) {
-    if (summary.isKnown && summary.isMissing) return translated("Clip not found");
+    if (summary.isKnown && summary.isMissing) return QCoreApplication::translate("ProjectList", "Clip not found");
     return projectDate(project.savedAt, QDateTime::currentDateTime());
 }
 

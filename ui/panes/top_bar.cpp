@@ -2,6 +2,7 @@
 
 #include "ui/icons.h"
 #include "ui/key_names.h"
+#include "ui/session_text.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
 
@@ -87,8 +88,9 @@ void TopBar::refresh() {
 
     const QString message = hasClip_ ? QString::fromStdString(model_.binding().projectSaveMessage()) : QString();
     const bool failed = message.startsWith(QStringLiteral("Could not save"));
+    savedBadly_ = failed;
     savedWell_ = hasClip_ && !failed && message == QStringLiteral("Saved");
-    saved_->setText(message);
+    saved_->setText(sessionText(message.toStdString()));
     saved_->setColor(failed ? theme::attention : theme::text2);
 
     const bool isExporting = model_.exporting().isExporting();
@@ -162,7 +164,7 @@ void TopBar::paintEvent(QPaintEvent*) {
     if (savedSign_.isEmpty()) return;
     if (savedWell_)
         icons::draw(painter, QStringLiteral("check"), savedSign_, signSize, theme::text2);
-    else if (saved_->text().startsWith(QStringLiteral("Could not save")))
+    else if (savedBadly_)
         icons::draw(painter, QStringLiteral("warning"), savedSign_, signSize, theme::attention);
 }
 

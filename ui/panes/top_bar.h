@@ -49,6 +49,7 @@ private:
     QMenu* menu_ = nullptr;
     bool hasClip_ = false;
     bool savedWell_ = false;
+    bool savedBadly_ = false;
     QRectF savedSign_; ///< before the save state; empty when there is none
     Subscription changes_;
 };

@@ -12,10 +12,6 @@ namespace flowtide::valueFormats {
 
 namespace {
 
-QString translated(const char* text) {
-    return QCoreApplication::translate("ValueFormats", text);
-}
-
 double steppedPercent(double value, int steps) {
     return std::clamp((std::round(value * 100) + steps) / 100, 0.0, 1.0);
 }
@@ -39,16 +35,17 @@ Field::Format time(std::function<double()> frameSeconds) {
             [frame = std::move(frameSeconds)](double seconds, int steps) {
                 return std::max(seconds + steps * frame(), 0.0);
             },
-            translated("Type a time, as 00:02.120.")};
+            QCoreApplication::translate("ValueFormats", "Type a time, as 00:02.120.")};
 }
 
 Field::Format speed() {
-    return {valueText::speed, valueText::parsedSpeed, steppedSpeed, translated("Type a speed, as 0.25x or 25%.")};
+    return {valueText::speed, valueText::parsedSpeed, steppedSpeed,
+            QCoreApplication::translate("ValueFormats", "Type a speed, as 0.25x or 25%.")};
 }
 
 Field::Format position() {
     return {valueText::position, valueText::parsedPosition, steppedPercent,
-            translated("Type a position, as 71% or Left.")};
+            QCoreApplication::translate("ValueFormats", "Type a position, as 71% or Left.")};
 }
 
 Field::Format share() {

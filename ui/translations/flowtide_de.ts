@@ -2,6 +2,137 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de">
 <context>
+    <name>ClipFacts</name>
+    <message>
+        <source>%1 kb/s</source>
+        <translation>%1 kb/s</translation>
+    </message>
+    <message>
+        <source>%1 Mb/s</source>
+        <translation>%1 Mb/s</translation>
+    </message>
+    <message>
+        <source>full range</source>
+        <translation>voller Bereich</translation>
+    </message>
+    <message>
+        <source>video range</source>
+        <translation>Videobereich</translation>
+    </message>
+    <message>
+        <source>Untagged, %1</source>
+        <translation>Ohne Angabe, %1</translation>
+    </message>
+    <message>
+        <source>HDR (PQ)</source>
+        <translation>HDR (PQ)</translation>
+    </message>
+    <message>
+        <source>HDR (HLG)</source>
+        <translation>HDR (HLG)</translation>
+    </message>
+    <message>
+        <source>Rec. 709</source>
+        <translation>Rec. 709</translation>
+    </message>
+    <message>
+        <source>Rec. 2020</source>
+        <translation>Rec. 2020</translation>
+    </message>
+    <message>
+        <source>Rec. 601</source>
+        <translation>Rec. 601</translation>
+    </message>
+    <message>
+        <source>Display P3</source>
+        <translation>Display P3</translation>
+    </message>
+    <message>
+        <source>Video</source>
+        <translation>Video</translation>
+    </message>
+    <message>
+        <source>Codec</source>
+        <translation>Codec</translation>
+    </message>
+    <message>
+        <source>Dimensions</source>
+        <translation>Größe</translation>
+    </message>
+    <message>
+        <source>%1 × %2</source>
+        <translation>%1 × %2</translation>
+    </message>
+    <message>
+        <source>Frame rate</source>
+        <translation>Bildrate</translation>
+    </message>
+    <message>
+        <source>%1 fps</source>
+        <translation>%1 B/s</translation>
+    </message>
+    <message>
+        <source>Bit depth</source>
+        <translation>Bittiefe</translation>
+    </message>
+    <message>
+        <source>%1-bit</source>
+        <translation>%1 Bit</translation>
+    </message>
+    <message>
+        <source>Color</source>
+        <translation>Farbe</translation>
+    </message>
+    <message>
+        <source>Data rate</source>
+        <translation>Datenrate</translation>
+    </message>
+    <message>
+        <source>Audio</source>
+        <translation>Ton</translation>
+    </message>
+    <message>
+        <source>Format</source>
+        <translation>Format</translation>
+    </message>
+    <message>
+        <source>No audio</source>
+        <translation>Kein Ton</translation>
+    </message>
+    <message>
+        <source>Sample rate</source>
+        <translation>Abtastrate</translation>
+    </message>
+    <message>
+        <source>%1 Hz</source>
+        <translation>%1 Hz</translation>
+    </message>
+    <message>
+        <source>Channels</source>
+        <translation>Kanäle</translation>
+    </message>
+    <message>
+        <source>Clip</source>
+        <translation>Clip</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Duration</source>
+        <translation>Dauer</translation>
+    </message>
+    <message>
+        <source>Container</source>
+        <translation>Container</translation>
+    </message>
+</context>
+<context>
     <name>CurveEditorAxis</name>
     <message>
         <source>⌘ drag to bypass snapping.</source>
@@ -32,6 +163,48 @@
     </message>
 </context>
 <context>
+    <name>ExportNotice</name>
+    <message>
+        <source>Last export verified</source>
+        <translation>Letzter Export geprüft</translation>
+    </message>
+    <message>
+        <source>Show in folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Export failed</source>
+        <translation>Der Export ist gescheitert</translation>
+    </message>
+</context>
+<context>
+    <name>ExportTexts</name>
+    <message>
+        <source>About a second left</source>
+        <translation>Noch etwa eine Sekunde</translation>
+    </message>
+    <message>
+        <source>About %1 seconds left</source>
+        <translation>Noch etwa %1 Sekunden</translation>
+    </message>
+    <message>
+        <source>About a minute left</source>
+        <translation>Noch etwa eine Minute</translation>
+    </message>
+    <message>
+        <source>About %1 minutes left</source>
+        <translation>Noch etwa %1 Minuten</translation>
+    </message>
+    <message>
+        <source>About %1 h %2 min left</source>
+        <translation>Noch etwa %1 h %2 min</translation>
+    </message>
+    <message>
+        <source>%1 is not supported for source-matched export. Loftwell Video can try HEVC / H.265 instead, then verify its dimensions, frame rate, bit depth, color tags, audio, and duration. The export may still fail if %2 cannot decode the source codec.</source>
+        <translation>%1 lässt sich nicht wie die Quelle exportieren. Loftwell Video kann stattdessen HEVC / H.265 verwenden und dann Größe, Bildrate, Bittiefe, Farbangaben, Ton und Dauer prüfen. Der Export kann scheitern, wenn sich der Codec der Quelle auf %2 nicht lesen lässt.</translation>
+    </message>
+</context>
+<context>
     <name>KeyNames</name>
     <message>
         <source>your Mac</source>
@@ -47,7 +220,7 @@
     </message>
     <message>
         <source>Shift</source>
-        <translation>Umschalt</translation>
+        <translation>Shift</translation>
     </message>
     <message>
         <source>Backspace</source>
@@ -59,7 +232,167 @@
     </message>
 </context>
 <context>
+    <name>ProjectDate</name>
+    <message>
+        <source>Today, %1</source>
+        <translation>Heute, %1</translation>
+    </message>
+    <message>
+        <source>Yesterday, %1</source>
+        <translation>Gestern, %1</translation>
+    </message>
+</context>
+<context>
+    <name>ProjectList</name>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Show in folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>Remove from list</source>
+        <translation>Aus der Liste entfernen</translation>
+    </message>
+    <message>
+        <source>Clip not found</source>
+        <translation>Clip nicht gefunden</translation>
+    </message>
+</context>
+<context>
+    <name>ReleaseNotes</name>
+    <message>
+        <source>Change the speed of a clip along a smooth curve, and see how long it plays while you drag.</source>
+        <translation>Ändern Sie das Tempo eines Clips entlang einer weichen Kurve, und sehen Sie beim Ziehen, wie lange er spielt.</translation>
+    </message>
+    <message>
+        <source>Where the curve runs slow, in-between frames keep the motion smooth; render them ahead to play them back.</source>
+        <translation>Wo die Kurve langsam ist, halten Zwischenbilder die Bewegung flüssig; im Voraus berechnet lassen sie sich abspielen.</translation>
+    </message>
+    <message>
+        <source>Crop for a phone or a square, keyframe the framing or let it follow a subject, and zoom in where it matters.</source>
+        <translation>Beschneiden Sie auf Hochformat oder Quadrat, führen Sie den Ausschnitt von Hand oder mit dem Motiv, und zoomen Sie dorthin, wo es zählt.</translation>
+    </message>
+    <message>
+        <source>Every export is opened again and compared with its source before it takes its place.</source>
+        <translation>Jeder Export wird wieder geöffnet und mit seiner Quelle verglichen, bevor er an seinen Platz kommt.</translation>
+    </message>
+</context>
+<context>
+    <name>Session</name>
+    <message>
+        <source>Saving…</source>
+        <translation>Wird gesichert …</translation>
+    </message>
+    <message>
+        <source>Saved</source>
+        <translation>Gesichert</translation>
+    </message>
+    <message>
+        <source>Saved as a copy: this project was changed elsewhere.</source>
+        <translation>Als Kopie gesichert: Das Projekt wurde anderswo geändert.</translation>
+    </message>
+    <message>
+        <source>Could not save your project</source>
+        <translation>Das Projekt ließ sich nicht sichern</translation>
+    </message>
+    <message>
+        <source>Could not change the list of projects</source>
+        <translation>Die Liste der Projekte ließ sich nicht ändern</translation>
+    </message>
+    <message>
+        <source>Preview not rendered</source>
+        <translation>Vorschau nicht berechnet</translation>
+    </message>
+    <message>
+        <source>Preview rendering</source>
+        <translation>Vorschau wird berechnet</translation>
+    </message>
+    <message>
+        <source>Preview rendered</source>
+        <translation>Vorschau berechnet</translation>
+    </message>
+    <message>
+        <source>Original frames · Optical Flow off</source>
+        <translation>Originalbilder · Optical Flow aus</translation>
+    </message>
+    <message>
+        <source>Optical Flow · preview not rendered</source>
+        <translation>Optical Flow · Vorschau nicht berechnet</translation>
+    </message>
+    <message>
+        <source>No rendered previews</source>
+        <translation>Keine berechneten Vorschauen</translation>
+    </message>
+    <message>
+        <source>Render all ranges</source>
+        <translation>Alle berechnen</translation>
+    </message>
+    <message>
+        <source>Rendering all ranges %1%</source>
+        <translation>Alle werden berechnet %1 %</translation>
+    </message>
+    <message>
+        <source>All ranges rendered</source>
+        <translation>Alles berechnet</translation>
+    </message>
+    <message>
+        <source>Could not decode the original frame. Toggle Compare to retry.</source>
+        <translation>Das Originalbild ließ sich nicht lesen. Vergleich aus- und einschalten versucht es erneut.</translation>
+    </message>
+    <message>
+        <source>Loading the source frame…</source>
+        <translation>Das Originalbild wird geladen …</translation>
+    </message>
+    <message>
+        <source>Draw a tight box around the subject (torso for a player). Tracking follows it in both directions.</source>
+        <translation>Ziehen Sie einen engen Rahmen um das Motiv (bei Spielern um den Oberkörper). Es wird in beide Richtungen verfolgt.</translation>
+    </message>
+    <message>
+        <source>Following the subject…</source>
+        <translation>Das Motiv wird verfolgt …</translation>
+    </message>
+    <message>
+        <source>Looking for the subject…</source>
+        <translation>Das Motiv wird gesucht …</translation>
+    </message>
+    <message>
+        <source>Framing changed while tracking. Track again to keep your new edits.</source>
+        <translation>Der Ausschnitt wurde währenddessen geändert. Verfolgen Sie erneut, um Ihre Änderungen zu behalten.</translation>
+    </message>
+    <message>
+        <source>Tracking finished with gaps. Review the orange flags where the subject was lost.</source>
+        <translation>Verfolgt mit Lücken. Orange Fahnen zeigen, wo das Motiv verloren ging.</translation>
+    </message>
+    <message>
+        <source>Tracking stopped — subject lost. Choose a clearer frame and try again.</source>
+        <translation>Das Motiv ging verloren. Wählen Sie ein deutlicheres Bild und versuchen Sie es erneut.</translation>
+    </message>
+    <message>
+        <source>Tracking stopped — subject lost. Tracked %1 keyframes. Review the orange flags.</source>
+        <translation>Das Motiv ging verloren. %1 Punkte sind gesetzt. Sehen Sie die orangen Fahnen durch.</translation>
+    </message>
+    <message>
+        <source>This video does not match the project&apos;s original clip. Choose the original file to relink it.</source>
+        <translation>Dieses Video ist nicht der Original-Clip des Projekts. Wählen Sie die Originaldatei.</translation>
+    </message>
+</context>
+<context>
     <name>Shortcuts</name>
+    <message>
+        <source>Tab</source>
+        <translation>Tab</translation>
+    </message>
+    <message>
+        <source>Space</source>
+        <translation>Leertaste</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <translation>Entf</translation>
+    </message>
     <message>
         <source>Workspace</source>
         <translation>Arbeitsbereich</translation>
@@ -99,10 +432,6 @@
     <message>
         <source>Playback</source>
         <translation>Wiedergabe</translation>
-    </message>
-    <message>
-        <source>Space</source>
-        <translation>Leertaste</translation>
     </message>
     <message>
         <source>Play or pause</source>
@@ -269,10 +598,6 @@
         <translation>Ausschnitt ein oder aus (9:16, 1:1 oder 4:5)</translation>
     </message>
     <message>
-        <source>Tab</source>
-        <translation>Tab</translation>
-    </message>
-    <message>
         <source>Switch between Speed and Framing curves</source>
         <translation>Zwischen Tempo und Ausschnitt wechseln</translation>
     </message>
@@ -321,10 +646,6 @@
         <translation>Ohne Einrasten</translation>
     </message>
     <message>
-        <source>Delete</source>
-        <translation>Entf</translation>
-    </message>
-    <message>
         <source>Delete selected points</source>
         <translation>Gewählte Punkte löschen</translation>
     </message>
@@ -349,6 +670,21 @@
     <message>
         <source>%1 s</source>
         <translation>%1 s</translation>
+    </message>
+</context>
+<context>
+    <name>ValueFormats</name>
+    <message>
+        <source>Type a time, as 00:02.120.</source>
+        <translation>Eine Zeit, etwa 00:02.120.</translation>
+    </message>
+    <message>
+        <source>Type a speed, as 0.25x or 25%.</source>
+        <translation>Ein Tempo, etwa 0.25x oder 25%.</translation>
+    </message>
+    <message>
+        <source>Type a position, as 71% or Left.</source>
+        <translation>Eine Position, etwa 71% oder Links.</translation>
     </message>
 </context>
 <context>
@@ -1467,7 +1803,7 @@
     <name>flowtide::TimelinePane</name>
     <message>
         <source>Drag empty graph space to scrub. Shift-drag to select points. Pinch or ⌥-scroll to zoom the timeline; scroll sideways to pan.</source>
-        <translation>Ziehen bewegt die Abspielposition, Umschalt-Ziehen wählt Punkte. Zwei Finger oder ⌥-Rad vergrößern die Zeitachse, seitlich rollen verschiebt sie.</translation>
+        <translation>Ziehen bewegt die Abspielposition, Shift-Ziehen wählt Punkte. Zwei Finger oder ⌥-Rad vergrößern die Zeitachse, seitlich rollen verschiebt sie.</translation>
     </message>
 </context>
 <context>

@@ -3,6 +3,7 @@
 #include "ui/accessible_role.h"
 #include "ui/controls/focus_ring.h"
 #include "ui/keys_owner.h"
+#include "ui/session_text.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
 #include "ui/viewer/picture_painter.h"
@@ -180,7 +181,7 @@ void ComparisonView::drawWords(QPainter& painter, const QRectF& original, const 
 
     const Comparison& comparison = model_.comparison();
     if (const auto& message = comparison.comparisonMessage()) {
-        const std::vector<ChipPart> words{{QString::fromStdString(*message), Type::small, theme::text}};
+        const std::vector<ChipPart> words{{sessionText(*message), Type::small, theme::text}};
         const double x = original.center().x() - chipWidth(words, true) / 2;
         drawChip(painter, {std::max(x, original.left() + chipMargin), original.center().y() - chipHeight / 2}, words,
                  QStringLiteral("warning"));
@@ -193,7 +194,7 @@ void ComparisonView::drawWords(QPainter& painter, const QRectF& original, const 
                 {{tr("Source frame"), Type::small, theme::text},
                  {valueText::timeCode(times->decoded.value), Type::codeSmall, theme::text2}},
                 theme::text2);
-    const QString label = QString::fromStdString(comparison.comparisonDisplayState().label);
+    const QString label = sessionText(comparison.comparisonDisplayState().label);
     const bool isFlow = !label.isEmpty() && OpticalFlowScope::contains(model_.renders().previews().flowRanges(),
                                                                        {model_.playheadSeconds()});
     const std::vector<ChipPart> parts{{label.isEmpty() ? tr("Output") : label, Type::small, theme::text},

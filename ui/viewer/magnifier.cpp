@@ -6,6 +6,7 @@
 
 #include <QMenu>
 #include <QPainter>
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -48,7 +49,8 @@ void Magnifier::setOnPicture(bool isOnPicture) {
 }
 
 QSize Magnifier::sizeHint() const {
-    const double words = theme::tabularWidth(theme::Type::body, label(magnifications.back()));
+    const double words = std::max(theme::tabularWidth(theme::Type::body, label(magnifications.back())),
+                                  theme::tabularWidth(theme::Type::body, label({})));
     return {static_cast<int>(std::ceil(words + 2 * padding + chevron + 4)), buttonHeight};
 }
 

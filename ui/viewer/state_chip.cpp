@@ -1,6 +1,7 @@
 #include "ui/viewer/state_chip.h"
 
 #include "ui/accessible_role.h"
+#include "ui/session_text.h"
 #include "ui/theme.h"
 #include "ui/viewer/picture_painter.h"
 
@@ -22,7 +23,7 @@ PictureState rangeState(const FlowtideViewModel& model) {
     using Dot = PictureState::Dot;
     const SourceSeconds playhead{model.playheadSeconds()};
     if (OpticalFlowScope::contains(model.renders().previews().flowRanges(), playhead)) {
-        const QString label = QString::fromStdString(model.renders().playheadLabel().value_or(std::string()));
+        const QString label = sessionText(model.renders().playheadLabel().value_or(std::string()));
         const bool isRendered = model.renders().previews().isShownAt(playhead);
         return {label, isRendered || model.renders().render().isRendering() ? Dot::flow : Dot::flowRing};
     }

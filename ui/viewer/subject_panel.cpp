@@ -2,6 +2,7 @@
 
 #include "ui/accessible_role.h"
 #include "ui/icons.h"
+#include "ui/session_text.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
 
@@ -75,7 +76,7 @@ void SubjectPanel::refresh() {
     const TrackingJob& tracking = model_.tracking();
     setVisible(isWanted());
     if (!isWanted()) return;
-    sentence_->setText(QString::fromStdString(*tracking.trackingMessage()));
+    sentence_->setText(sessionText(*tracking.trackingMessage()));
     const bool isFollowing = tracking.isTracking();
     const bool isUnderWay = isFollowing || tracking.selectingSubject();
     cancel_->setVisible(isUnderWay);

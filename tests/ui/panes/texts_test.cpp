@@ -7,10 +7,14 @@
 #include "ui/panes/start_screen.h"
 #include "ui/panes/value_formats.h"
 #include "ui/release_notes.h"
+#include "ui/session_text.h"
 
 #include <gtest/gtest.h>
 
+#include <QCoreApplication>
+#include <QLocale>
 #include <QTimeZone>
+#include <QTranslator>
 
 namespace flowtide {
 namespace {
@@ -158,6 +162,19 @@ TEST(ValueFormatsTest, SpeedsStepByTheirLastDigit) {
     EXPECT_EQ(stepped(9.5, 10), "15x");
     EXPECT_EQ(stepped(0.05, -10), "0.01x");
     EXPECT_EQ(stepped(99, 10), "100x");
+}
+
+TEST(SessionTextTest, SpeaksGermanWithTheSessionsNumbers) {
+    EXPECT_EQ(sessionText("Rendering all ranges 62%"), "Rendering all ranges 62%");
+    QTranslator german;
+    ASSERT_TRUE(german.load(QLocale("de_DE"), "flowtide", "_", ":/translations"));
+    QCoreApplication::installTranslator(&german);
+    EXPECT_EQ(sessionText("Rendering all ranges 62%"), "Alle werden berechnet 62 %");
+    EXPECT_EQ(sessionText("Saved"), "Gesichert");
+    EXPECT_EQ(sessionText("The file of 12 bytes is no movie."), "The file of 12 bytes is no movie.");
+    EXPECT_EQ(Shortcuts::sheet()[0].items[0].keys, "Strg+O");
+    EXPECT_EQ(keycaps::pieces("Strg+Leertaste").size(), 2U);
+    QCoreApplication::removeTranslator(&german);
 }
 
 } // namespace
