@@ -76,7 +76,11 @@ TEST_F(JobsTest, TimeLeftFollowsTheShareDone) {
     };
     scheduler.settle();
     EXPECT_EQ(left, (std::vector<std::optional<double>>{{}, 9.0, 3.0}));
+    // The next one knows nothing of the last.
+    model->exportClip(folder / "out.mov");
     EXPECT_FALSE(model->exporting().exportEstimatedRemainingTime());
+    EXPECT_EQ(model->exporting().exportProgress(), 0);
+    scheduler.settle();
 }
 
 TEST_F(JobsTest, LateResultsAreDropped) {

@@ -144,6 +144,7 @@ TEST_F(RenderAheadTest, AllRangesAreRenderedInPieces) {
     model->renderAllRanges();
     model->stopRenderingAll();
     EXPECT_FALSE(isRendering());
+    EXPECT_EQ(ahead().renderAllProgress(), 0);
 }
 
 TEST_F(RenderAheadTest, RenderingAllGoesOnAfterAnEdit) {

@@ -99,6 +99,18 @@ TEST_F(ProjectBindingTest, ARestartBringsEverythingBack) {
     EXPECT_EQ(undated(storedText()), undated(unsaved));
 }
 
+TEST_F(ProjectBindingTest, InstallingEditsIsNoEdit) {
+    open("one.mov");
+    rest();
+    const ReferenceDate before = storedProject().savedAt;
+    ProjectEdits edits = model->projectSnapshot().edits;
+    edits.smoothing = 0.25;
+    model->applyProjectEdits(edits);
+    scheduler.advance(5);
+    EXPECT_EQ(model->curve().smoothing(), 0.25);
+    EXPECT_EQ(storedProject().savedAt, before);
+}
+
 TEST_F(ProjectBindingTest, WhatCannotBeStoredIsSaidAndStoredLater) {
     open();
     fs::permissions(folder / "state", fs::perms::owner_read | fs::perms::owner_exec);

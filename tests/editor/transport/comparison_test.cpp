@@ -68,6 +68,7 @@ TEST_F(ComparisonTest, LateResultsAreDropped) {
     EXPECT_FALSE(comparison().comparisonMessage());
     scheduler.settle();
     EXPECT_EQ(comparison().comparisonMessage(), "Could not decode the original frame. Toggle Compare to retry.");
+    EXPECT_FALSE(comparison().comparisonPair());
     EXPECT_EQ(comparison().comparisonDisplayState().picture, Picture::failed);
     media->failure.reset();
     model->scrub(0.9);
