@@ -12,9 +12,7 @@ import sys
 import time
 
 sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "..", "tests", "window"))
-from person import Window, eventually  # noqa: E402
-
-ONE_X = 0.3758
+from person import ONE_X, Window, eventually  # noqa: E402
 
 
 class Photographer:
@@ -39,11 +37,11 @@ class Photographer:
         self.process.terminate()
         self.process.wait()
 
-    def take(self, name):
+    def take(self, name, share="50%"):
         time.sleep(1.5)  # for what fades in, and for pictures on their way
         end = "" if float(self.scale) == 1 else "@" + self.scale
         file = os.path.join(self.folder, name + end + ".png")
-        subprocess.run(["import", "-window", self.id, "-colors", "255", file], check=True)
+        subprocess.run(["import", "-window", self.id, "-resize", share, "-colors", "255", file], check=True)
 
 
 def main(program, clip, scale, folder, work):
@@ -72,7 +70,7 @@ def main(program, clip, scale, folder, work):
         window.key("z")
     window.click("Render all ranges", "push button")
     time.sleep(2)
-    camera.take("workspace")
+    camera.take("workspace", "100%")
 
     window.hold(left + width * 0.42, top + height * 0.14, left + width * 0.46, top + height * 0.19)
     camera.take("drag")

@@ -6,6 +6,8 @@ import time
 import pyatspi
 
 PATIENCE_SECONDS = 120
+# Where a speed of 1 stands in a plot of 4 to 0.1, as a share of its height from above.
+ONE_X = 0.3758
 
 
 def fail(sentence):

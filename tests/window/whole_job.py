@@ -12,11 +12,9 @@ import subprocess
 import sys
 
 import pyatspi
-from person import PATIENCE_SECONDS, Window, fail
+from person import ONE_X, PATIENCE_SECONDS, Window, fail
 
 CONTROLS = {"push button", "check box", "radio button", "slider", "text", "combo box", "spin button", "toggle button"}
-# Where a speed of 1 stands in the plot of 4 to 0.1, counted from above.
-ONE_X = 0.3758
 
 
 def probed(file):

@@ -18,7 +18,7 @@ constexpr int travelMilliseconds = 1600;
 constexpr int frameMilliseconds = 33;
 } // namespace
 
-LineLabel::LineLabel(theme::Type type, QColor color, const QString& text, QWidget* parent)
+Text::Text(theme::Type type, QColor color, const QString& text, QWidget* parent)
     : QWidget(parent)
     , type_(type)
     , color_(color)
@@ -27,30 +27,30 @@ LineLabel::LineLabel(theme::Type type, QColor color, const QString& text, QWidge
     setAccessibleName(text);
 }
 
-void LineLabel::setText(const QString& text) {
+void Text::setText(const QString& text) {
     if (text_ == text) return;
     text_ = text;
     setAccessibleName(text);
-    updateTip();
+    textChanged();
     updateGeometry();
     update();
 }
 
-void LineLabel::setColor(QColor color) {
+void Text::setColor(QColor color) {
     if (color_ == color) return;
     color_ = color;
     update();
 }
 
-void LineLabel::setAlignment(Qt::Alignment alignment) {
+void Text::setAlignment(Qt::Alignment alignment) {
     alignment_ = alignment;
     update();
 }
 
 QSize LineLabel::sizeHint() const {
-    const double width = isTabular_ ? theme::tabularWidth(type_, text_) : theme::textWidth(type_, text_);
+    const double width = isTabular_ ? theme::tabularWidth(type(), text()) : theme::textWidth(type(), text());
     return {static_cast<int>(std::ceil(width)),
-            static_cast<int>(std::ceil(QFontMetricsF(theme::font(type_)).height()))};
+            static_cast<int>(std::ceil(QFontMetricsF(theme::font(type())).height()))};
 }
 
 QSize LineLabel::minimumSizeHint() const {
@@ -62,55 +62,30 @@ void LineLabel::resizeEvent(QResizeEvent*) {
 }
 
 void LineLabel::updateTip() {
-    setToolTip(width() < sizeHint().width() ? text_ : QString());
+    setToolTip(width() < sizeHint().width() ? text() : QString());
 }
 
 void LineLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const QColor color = isEnabled() ? color_ : theme::text3;
-    if (isTabular_) return theme::drawTabular(painter, rect(), alignment_, type_, color, text_);
-    const QString shown = QFontMetricsF(theme::font(type_)).elidedText(text_, elide_, width() + 0.5);
-    theme::drawLine(painter, rect(), alignment_, type_, color, shown);
+    if (isTabular_) return theme::drawTabular(painter, rect(), alignment(), type(), ink(), text());
+    const QString shown = QFontMetricsF(theme::font(type())).elidedText(text(), elide_, width() + 0.5);
+    theme::drawLine(painter, rect(), alignment(), type(), ink(), shown);
 }
 
 Paragraph::Paragraph(theme::Type type, QColor color, const QString& text, QWidget* parent)
-    : QWidget(parent)
-    , type_(type)
-    , color_(color)
-    , text_(text) {
-    setAccessibleRole(*this, QAccessible::StaticText);
-    setAccessibleName(text);
+    : Text(type, color, text, parent) {
     QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     policy.setHeightForWidth(true);
     setSizePolicy(policy);
 }
 
-void Paragraph::setText(const QString& text) {
-    if (text_ == text) return;
-    text_ = text;
-    setAccessibleName(text);
-    updateGeometry();
-    update();
-}
-
-void Paragraph::setColor(QColor color) {
-    if (color_ == color) return;
-    color_ = color;
-    update();
-}
-
-void Paragraph::setAlignment(Qt::Alignment alignment) {
-    alignment_ = alignment;
-    update();
-}
-
 int Paragraph::lay(double width, const std::function<void(const QString&, int)>& line) const {
-    QTextLayout layout(text_, theme::font(type_));
+    QTextLayout layout(text(), theme::font(type()));
     layout.beginLayout();
     int count = 0;
     for (QTextLine next = layout.createLine(); next.isValid(); next = layout.createLine()) {
         next.setLineWidth(std::max(width, 1.0));
-        line(text_.mid(next.textStart(), next.textLength()).trimmed(), count++);
+        line(text().mid(next.textStart(), next.textLength()).trimmed(), count++);
     }
     layout.endLayout();
     return count;
@@ -118,26 +93,25 @@ int Paragraph::lay(double width, const std::function<void(const QString&, int)>&
 
 int Paragraph::heightForWidth(int width) const {
     const QMargins margins = contentsMargins();
-    return lay(width - margins.left() - margins.right(), [](const QString&, int) {}) * theme::lineHeight(type_) +
+    return lay(width - margins.left() - margins.right(), [](const QString&, int) {}) * theme::lineHeight(type()) +
            margins.top() + margins.bottom();
 }
 
 QSize Paragraph::sizeHint() const {
-    return {static_cast<int>(std::ceil(theme::textWidth(type_, text_))), theme::lineHeight(type_)};
+    return {static_cast<int>(std::ceil(theme::textWidth(type(), text()))), theme::lineHeight(type())};
 }
 
 QSize Paragraph::minimumSizeHint() const {
-    return {0, theme::lineHeight(type_)};
+    return {0, theme::lineHeight(type())};
 }
 
 void Paragraph::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const int height = theme::lineHeight(type_);
-    const QColor color = isEnabled() ? color_ : theme::text3;
+    const int height = theme::lineHeight(type());
     const QRectF room = contentsRect();
     lay(room.width(), [&](const QString& words, int index) {
         const QRectF line(room.left(), room.top() + index * height, room.width(), height);
-        theme::drawLine(painter, line, alignment_, type_, color, words);
+        theme::drawLine(painter, line, alignment(), type(), ink(), words);
     });
 }
 

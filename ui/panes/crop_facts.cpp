@@ -1,7 +1,5 @@
 #include "ui/panes/crop_facts.h"
 
-#include "core/crop_plan.h"
-
 namespace flowtide {
 
 CropFacts cropFacts(const FlowtideViewModel& model) {
@@ -9,9 +7,7 @@ CropFacts cropFacts(const FlowtideViewModel& model) {
     const OutputSize whole{clip.width, clip.height};
     if (!model.framing().isVerticalCropEnabled()) return {CropFacts::State::off, whole};
     if (!clip.preferredTransform.isIdentity()) return {CropFacts::State::rotated, whole};
-    VerticalCropSettings shape;
-    shape.aspectRatio = widthOverHeight(model.framing().cropAspectRatio());
-    const auto plan = CropPlan::forSource(whole, shape, clip.metadata.sampleAspectRatio.seconds());
+    const auto plan = exportedCrop(clip, model.framing().cropAspectRatio());
     if (!plan) return {CropFacts::State::notWider, whole};
     return {CropFacts::State::on, {plan->width, plan->height}};
 }
