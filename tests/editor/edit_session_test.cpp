@@ -12,9 +12,10 @@ TEST_F(EditSessionTest, AGestureIsOneStepAndNoneWhenNothingChanged) {
     model->startPlayback(1);
     model->beginCurveEdit();
     EXPECT_FALSE(model->transport().isPlaying());
-    model->beginCurveEdit(); // joins
-    for (double speed = 2; speed < 3; speed += 0.1)
+    for (double speed = 2; speed < 3; speed += 0.1) {
         model->replaceKeyframes({point(0, 1), point(5, speed), point(10, 1)});
+        model->beginCurveEdit(); // joins
+    }
     EXPECT_EQ(model->history().undoStack().size(), 0U);
     EXPECT_EQ(rebuilds(), 1U);
     model->endCurveEdit();
@@ -32,9 +33,15 @@ TEST_F(EditSessionTest, AGestureIsOneStepAndNoneWhenNothingChanged) {
     model->endCurveEdit(); // none is open
     EXPECT_EQ(rebuilds(), 0U);
 
+    rest();
+    model->startPlayback(1);
     model->undo();
+    EXPECT_FALSE(model->transport().isPlaying());
+    EXPECT_EQ(rebuilds(), 1U);
     EXPECT_EQ(model->currentSnapshot(), first);
     EXPECT_EQ(model->history().redoStack().size(), 1U);
+    scheduler.settle();
+    EXPECT_EQ(storedProject().edits.keyframes, first.speed);
     model->redo();
     EXPECT_EQ(model->currentSnapshot(), second);
     model->undo();
@@ -71,6 +78,108 @@ TEST_F(EditSessionTest, HistoryKeepsTwoHundredEditsAndAllThatIsUndone) {
     for (int i = 0; i < 300; ++i)
         model->redo();
     EXPECT_EQ(model->currentSnapshot(), last);
+}
+
+TEST_F(EditSessionTest, AnotherClipBeginsAnew) {
+    const auto edits = [&] {
+        ProjectEdits all = model->projectSnapshot().edits;
+        for (SpeedKeyframes* points : {&all.keyframes, &all.centerKeyframes})
+            for (SpeedKeyframe& each : *points)
+                each.id = {};
+        return all;
+    };
+    open("one.mov");
+    const ProjectEdits fresh = edits();
+    model->replaceKeyframes(slowBetween(2, 5));
+    model->setCurveSmoothing(0.1);
+    model->applyTrimRange(1, 9);
+    model->selectOpticalFlowRange(model->flow().opticalFlowRanges()[0].id);
+    model->setOpticalFlow(false, model->flow().opticalFlowRanges()[0].id);
+    model->setLoopPreview(true);
+    model->setFrameInterpolation(FrameInterpolation::nearest);
+    model->setVerticalCropEnabled(true);
+    model->setCropAspectRatio(CropAspectRatio::fourByFive);
+    model->setLockCropCenter(false);
+    model->setCenterSmoothing(0.2);
+    model->addZoomBlock({1, 2});
+    model->setTimelineZoom(100);
+    EXPECT_EQ(model->timeline().timelineZoom(), largestTimelineZoom);
+    model->setTimelineCenter(2);
+    EXPECT_EQ(model->timeline().timelineCenter(), 1);
+    model->setInspection(21, {-1, 2});
+    EXPECT_EQ(model->timeline().inspectionScale(), 20);
+    EXPECT_EQ(model->timeline().inspectionCenter(), (PicturePoint{0, 1}));
+    model->setPreviewResolution(PreviewResolution::full);
+    model->setSmartPreviewEnabled(true);
+    model->setEditorMode(CurveEditorMode::cropCenter);
+    model->scrub(0.7);
+    model->beginCropDrag();
+    EXPECT_EQ(model->currentSnapshot().originalFrames.size(), 1U);
+    const ProjectEdits edited = edits();
+    open("two.mov");
+    EXPECT_TRUE(edits() == fresh);
+    EXPECT_TRUE(model->history().undoStack().empty());
+    EXPECT_FALSE(model->history().pendingUndoSnapshot() || model->framing().isCropDragActive() ||
+                 model->zoom().selectedZoomBlockID());
+    EXPECT_EQ(model->timeline().editorMode(), CurveEditorMode::speed);
+    EXPECT_EQ(model->timeline().inspectionScale(), 1);
+    EXPECT_EQ(model->timeline().inspectionCenter(), PicturePoint{});
+    model->startPlayback(1);
+    open("one.mov"); // was stored as it was left
+    EXPECT_FALSE(model->transport().isPlaying());
+    EXPECT_TRUE(edits() == edited);
+}
+
+TEST_F(EditSessionTest, EveryEditIsStored) {
+    open();
+    model->replaceKeyframes(slowBetween(2, 5));
+    model->addZoomBlock({1, 2});
+    model->setLockCropCenter(false);
+    const Uuid range = model->flow().opticalFlowRanges()[0].id;
+    const Uuid block = model->zoom().zoomBlocks()[0].id;
+    SubjectTrackResult track;
+    track.samples = {{2, 0.5}, {2 + 1 / 30.0, 0.5}};
+    const std::pair<const char*, std::function<void()>> edits[] = {
+        {"curve", [&] { model->replaceKeyframes(slowBetween(2, 4)); }},
+        {"smoothing", [&] { model->setCurveSmoothing(0.2); }},
+        {"reset", [&] { model->resetCurve(); }},
+        {"undo", [&] { model->undo(); }},
+        {"redo", [&] { model->redo(); }},
+        {"undo", [&] { model->undo(); }},
+        {"trim", [&] { model->applyTrimRange(1, 9); }},
+        {"framing",
+         [&] {
+             model->replaceCenterKeyframes({point(1, 0.2), point(9, 0.7)});
+         }},
+        {"framing reset", [&] { model->resetCenterCurve(); }},
+        {"glide", [&] { model->setCenterSmoothing(0.2); }},
+        {"crop", [&] { model->setVerticalCropEnabled(true); }},
+        {"aspect", [&] { model->setCropAspectRatio(CropAspectRatio::fourByFive); }},
+        {"lock", [&] { model->setLockCropCenter(true); }},
+        {"track", [&] { model->applySubjectTrackingResult(track); }},
+        {"zoom", [&] { model->moveZoomBlock(block, 6); }},
+        {"off", [&] { model->setOpticalFlow(false, range); }},
+        {"selection", [&] { model->selectOpticalFlowRange(range); }},
+        {"loop", [&] { model->setLoopPreview(true); }},
+        {"frames", [&] { model->setFrameInterpolation(FrameInterpolation::nearest); }},
+        {"resolution", [&] { model->setPreviewResolution(PreviewResolution::full); }},
+        {"idle", [&] { model->setSmartPreviewEnabled(true); }},
+        {"zoomed", [&] { model->setTimelineZoom(2); }},
+        {"panned", [&] { model->setTimelineCenter(0.2); }},
+        {"playhead", [&] { model->scrub(0.4); }},
+        {"step", [&] { model->nudgePlayhead(1); }},
+        {"document", [&] { model->applyProjectEdits(model->projectSnapshot().edits); }},
+    };
+    for (const auto& [what, edit] : edits) {
+        rest();
+        ASSERT_EQ(model->binding().projectSaveMessage(), "Saved");
+        edit();
+        EXPECT_EQ(model->binding().projectSaveMessage(), "Saving…") << what;
+    }
+    rest();
+    model->setTimelineZoom(2); // as it is
+    model->scrub(model->timeline().scrubPosition());
+    EXPECT_EQ(model->binding().projectSaveMessage(), "Saved");
 }
 
 TEST_F(EditSessionTest, AnUndoneStateFitsTheTrimOfToday) {
@@ -128,6 +237,7 @@ TEST_F(EditSessionTest, ViewsHearOnceATurnAndOnlyOfRealChanges) {
 TEST_F(EditSessionTest, WithoutAClipNothingHappens) {
     const CurveSnapshot nothing = model->currentSnapshot();
     model->beginCurveEdit();
+    EXPECT_FALSE(model->history().pendingUndoSnapshot());
     model->replaceKeyframes({point(1, 2)});
     model->resetCurve();
     model->setCurveSmoothing(0.9);
@@ -144,6 +254,7 @@ TEST_F(EditSessionTest, WithoutAClipNothingHappens) {
     model->startTracking({0, 0, 1, 1});
     model->exportClip(folder / "out.mov");
     model->makeProxy();
+    model->setComparisonEnabled(true);
     model->endCurveEdit();
     model->undo();
     model->redo();
@@ -152,7 +263,7 @@ TEST_F(EditSessionTest, WithoutAClipNothingHappens) {
     EXPECT_EQ(model->currentSnapshot(), nothing);
     EXPECT_EQ(model->flow().frameInterpolation(), FrameInterpolation::opticalFlow);
     EXPECT_FALSE(model->exporting().isExporting() || model->tracking().isTracking() ||
-                 model->proxies().isGeneratingProxy());
+                 model->proxies().isGeneratingProxy() || model->comparison().comparisonEnabled());
     EXPECT_FALSE(std::filesystem::exists(folder / "state"));
 }
 

@@ -51,6 +51,7 @@ public:
                                     const CancelCheck& isCancelled) override {
         onProgress(0.5);
         throwIfCancelled(isCancelled);
+        ++uncancelled;
         if (failure) throw FlowtideError::proxyFailed(*failure);
         return "proxy.mov";
     }
@@ -60,24 +61,29 @@ public:
         rendered.push_back(std::move(request));
         onProgress(0.5);
         throwIfCancelled(isCancelled);
+        ++uncancelled;
         if (failure) throw FlowtideError::writerFailed(*failure);
         return *previewFiles.insert(id.text() + ".mov").first;
     }
     void removePreview(const std::filesystem::path& file) noexcept override { previewFiles.erase(file); }
     AudioData loadSound(const ImportedClip&, const CancelCheck& isCancelled) override {
         throwIfCancelled(isCancelled);
+        ++uncancelled;
         if (soundFailure) throw FlowtideError::readerFailed(*soundFailure);
         return {{0.5F, 0.5F}, 48'000, 1, 0, 0};
     }
-    SourceFrame sourceFrame(const std::shared_ptr<const ImportedClip>&, SourceSeconds time, OutputSize) override {
+    SourceFrame sourceFrame(const std::shared_ptr<const ImportedClip>&, SourceSeconds time, OutputSize size) override {
         framesAskedFor.push_back(time.value);
+        sizeAskedFor = size;
         if (failure) throw FlowtideError::readerFailed(*failure);
         return {{}, {std::floor(time.value * 30 + 1e-6) / 30}};
     }
-    ExportPicture exportPicture(const ExportRequest& request, OutputSeconds time, OutputSize,
+    ExportPicture exportPicture(const ExportRequest& request, OutputSeconds time, OutputSize size,
                                 const CancelCheck& isCancelled) override {
         pictured.emplace_back(request, time.value);
+        sizeAskedFor = size;
         throwIfCancelled(isCancelled);
+        ++uncancelled;
         if (failure) throw FlowtideError::readerFailed(*failure);
         return {{}, time, {}, isInBetween};
     }
@@ -85,7 +91,9 @@ public:
                              const std::function<void(TrackingProgress)>& onProgress,
                              const CancelCheck& isCancelled) override {
         onProgress({0.4, 2, {0.1, 0.2, 0.3, 0.4}, true});
+        if (whileTracking) whileTracking();
         throwIfCancelled(isCancelled);
+        ++uncancelled;
         if (failure) throw FlowtideError::readerFailed(*failure);
         return tracked;
     }
@@ -95,6 +103,8 @@ public:
     std::optional<std::string> soundFailure;
     std::vector<double> framesAskedFor;                     ///< source seconds
     std::vector<std::pair<ExportRequest, double>> pictured; ///< and at which output seconds
+    OutputSize sizeAskedFor{};                              ///< of the last frame
+    int uncancelled = 0;                                    ///< operations that were still wanted at their end
     bool isInBetween = true;
     std::optional<std::string> failure; ///< of every operation
     SubjectTrackResult tracked;
@@ -102,6 +112,7 @@ public:
     std::vector<ExportRequest> rendered; ///< previews
     std::set<std::filesystem::path> previewFiles;
     std::function<void(const std::function<void(double)>&)> whileExporting;
+    std::function<void()> whileTracking;
 };
 
 class SessionStage : public testing::Test {

@@ -93,6 +93,10 @@ TEST_F(CurveEditsTest, TrimKeepsSpeedAndFramingAtItsEnds) {
         EXPECT_EQ(model->curve().keyframes(), keyframes) << start << " " << end;
     }
     EXPECT_EQ(rebuilds(), 0U);
+    model->applyTrimRange(3 + 2e-6, 7);
+    EXPECT_EQ(model->curve().trimRange(), (SourceRange{3 + 2e-6, 7}));
+    model->applyTrimRange(5, 5.0011);
+    EXPECT_EQ(model->curve().trimRange(), (SourceRange{5, 5.0011}));
     model->applyTrimRange(-0.0005, 10.0005);
     EXPECT_EQ(model->curve().trimRange(), (SourceRange{0, 10}));
     model->applyTrimRange(3, 7);

@@ -28,6 +28,9 @@ TEST_F(FlowEditsTest, FreshRangesKeepTheIdTheyOverlapMost) {
     } cases[] = {
         {"moved", ranges({{1, 2, 4}}), {}, {{3, 6}}, ranges({{1, 3, 6}}), {}},
         {"apart", ranges({{1, 2, 4}}), {{2, 4}}, {{5, 6}}, ranges({{0, 5, 6}}), {{2, 4}}},
+        {"touching", ranges({{1, 2, 4}}), {{4, 5}}, {{0, 2}, {4, 6}}, ranges({{0, 0, 2}, {0, 4, 6}}), {{4, 5}}},
+        {"touched by a span", ranges({{1, 2, 4}}), {{4, 5}}, {{2, 5}}, ranges({{1, 2, 5}}), {{2, 5}}},
+        {"touched before", ranges({{1, 2, 4}}), {{1, 2}}, {{2, 5}}, ranges({{1, 2, 5}}), {{2, 5}}},
         {"gone", ranges({{1, 2, 4}}), {{2, 4}}, {}, {}, {{2, 4}}},
         {"split", ranges({{1, 0, 10}}), {}, {{0, 3}, {4, 10}}, ranges({{0, 0, 3}, {1, 4, 10}}), {}},
         {"joined", ranges({{1, 0, 2}, {2, 3, 9}}), {}, {{0, 9}}, ranges({{2, 0, 9}}), {}},
@@ -100,6 +103,11 @@ TEST_F(FlowEditsTest, ARangeThatIsOffStaysOffWhileTheCurveMovesUnderIt) {
     model->setOpticalFlow(true, id);
     EXPECT_EQ(model->effectiveOpticalFlowRanges().size(), 1U);
     EXPECT_TRUE(model->flow().originalFrameSpans().empty());
+    rebuilds();
+    for (const std::size_t count : {1U, 0U}) { // not when it is as it was
+        model->setFrameInterpolation(FrameInterpolation::nearest);
+        EXPECT_EQ(rebuilds(), count);
+    }
 }
 
 TEST_F(FlowEditsTest, RangesThatMeetDuringADragComeApartAgain) {

@@ -55,7 +55,8 @@ TEST_F(FramingEditsTest, TheGlideIsTheExportsOwn) {
 
 TEST_F(FramingEditsTest, ATrackReplacesTheFramingOfItsSpan) {
     open();
-    model->replaceCenterKeyframes({point(0, 0.1), point(3.9995, 0.9), point(5, 0.9), point(8, 0.3), point(10, 0.3)});
+    model->replaceCenterKeyframes({point(0, 0.1), point(3.998, 0.9), point(3.9995, 0.9), point(5, 0.9),
+                                   point(7.0005, 0.3), point(7.002, 0.3), point(10, 0.3)});
     SubjectTrackResult result;
     for (int frame = 120; frame <= 210; ++frame) // 4 s to 7 s, from left to right
         result.samples.push_back({frame / 30.0, 0.2 + 0.6 * (frame - 120) / 90});
@@ -64,9 +65,9 @@ TEST_F(FramingEditsTest, ATrackReplacesTheFramingOfItsSpan) {
     model->applySubjectTrackingResult(result);
     EXPECT_EQ(rebuilds(), 0U); // rendered previews stay
     EXPECT_EQ(model->history().undoStack().size(), 2U);
-    ASSERT_EQ(model->framing().centerKeyframes().size(), 3 + tracked.size());
-    EXPECT_EQ(model->framing().centerKeyframes()[1].time, tracked[0].time);
-    EXPECT_EQ(model->framing().centerKeyframes()[1].speed, tracked[0].speed);
+    ASSERT_EQ(model->framing().centerKeyframes().size(), 4 + tracked.size());
+    EXPECT_EQ(model->framing().centerKeyframes()[2].time, tracked[0].time);
+    EXPECT_EQ(model->framing().centerKeyframes()[2].speed, tracked[0].speed);
     ASSERT_EQ(model->trackedRanges().size(), 1U);
     EXPECT_DOUBLE_EQ(model->trackedRanges()[0].start, 4);
 
@@ -78,7 +79,7 @@ TEST_F(FramingEditsTest, ATrackReplacesTheFramingOfItsSpan) {
     model->undo();
     model->undo();
     EXPECT_TRUE(model->trackedRanges().empty());
-    EXPECT_EQ(model->framing().centerKeyframes().size(), 5U);
+    EXPECT_EQ(model->framing().centerKeyframes().size(), 7U);
     model->applySubjectTrackingResult({});
     EXPECT_EQ(model->history().redoStack().size(), 2U);
 }
@@ -115,11 +116,31 @@ TEST_F(FramingEditsTest, ZoomBlocks) {
     EXPECT_DOUBLE_EQ(model->zoom().block(second)->endTime, 7.75);
     EXPECT_EQ(model->history().undoStack().size(), 3U);
     ZoomBlock changed = *model->zoom().block(second);
+    ZoomBlock wanted = changed;
     changed.amount = 9;
     changed.rampDuration = -1;
+    changed.focalX = -1;
+    changed.focalY = 2;
+    changed.focalKeyframes = {{2, 0.1, 1.1}, {0.5, -1, 0.2}};
+    wanted.amount = highestZoomAmount;
+    wanted.rampDuration = 0;
+    wanted.focalX = 0;
+    wanted.focalY = 1;
+    wanted.focalKeyframes = {{0.5, 0, 0.2}, {1, 0.1, 1}};
     model->updateZoomBlock(changed);
-    EXPECT_EQ(model->zoom().block(second)->amount, highestZoomAmount);
-    EXPECT_EQ(model->zoom().block(second)->rampDuration, 0);
+    EXPECT_EQ(*model->zoom().block(second), wanted);
+    changed.startTime = std::nan("");
+    model->updateZoomBlock(changed);
+    model->moveZoomBlock(second, std::nan(""));
+    model->addZoomBlock({std::nan(""), 9});
+    EXPECT_EQ(*model->zoom().block(second), wanted);
+    changed = wanted;
+    changed.amount = 0.1;
+    changed.rampDuration = 4;
+    changed.focalKeyframes.clear();
+    model->updateZoomBlock(changed);
+    EXPECT_EQ(model->zoom().block(second)->amount, lowestZoomAmount);
+    EXPECT_EQ(model->zoom().block(second)->rampDuration, longestZoomRamp);
 
     model->updateZoomFocal(second, 0.3, 1.4, false);
     EXPECT_EQ(model->zoom().block(second)->focalX, 0.3);
@@ -139,7 +160,7 @@ TEST_F(FramingEditsTest, ZoomBlocks) {
     model->removeZoomBlock(second);
     model->removeZoomBlock(second);
     EXPECT_FALSE(model->zoom().selectedZoomBlockID());
-    EXPECT_EQ(model->history().undoStack().size(), 10U);
+    EXPECT_EQ(model->history().undoStack().size(), 11U);
     model->exportClip(folder / "out.mov");
     scheduler.settle();
     ASSERT_TRUE(media->exported && media->exported->zoom);

@@ -21,7 +21,11 @@ TEST_F(JobsTest, AnExportIsOfTheEditsAsTheyWereWhenItBegan) {
     const SpeedKeyframes keyframes = model->curve().keyframes();
     const SourceRanges ranges = model->effectiveOpticalFlowRanges();
     model->exportClip(folder / "out.mov");
+    model->exportClip(folder / "other.mov"); // one at a time
     EXPECT_TRUE(model->exporting().isExporting());
+    EXPECT_EQ(scheduler.jobCount(BackgroundQueue::jobs), 1U);
+    EXPECT_EQ(model->exporting().frameCount(),
+              outputFrameCount(model->curve().timeMap().outputDuration(), model->clip()->frameDuration));
     model->setOpticalFlow(false, model->flow().opticalFlowRanges()[0].id); // not while exporting
     EXPECT_EQ(model->effectiveOpticalFlowRanges(), ranges);
     model->resetCurve();
@@ -68,14 +72,14 @@ TEST_F(JobsTest, TimeLeftFollowsTheShareDone) {
     scheduler.advance(3);
     std::vector<std::optional<double>> left;
     media->whileExporting = [&](const std::function<void(double)>& onProgress) {
-        for (const double share : {0.01, 0.25, 0.5}) {
+        for (const double share : {0.0199, 0.02, 0.25, 0.5}) {
             onProgress(share);
             scheduler.turn();
             left.push_back(model->exporting().exportEstimatedRemainingTime());
         }
     };
     scheduler.settle();
-    EXPECT_EQ(left, (std::vector<std::optional<double>>{{}, 9.0, 3.0}));
+    EXPECT_EQ(left, (std::vector<std::optional<double>>{{}, 147.0, 9.0, 3.0}));
     // The next one knows nothing of the last.
     model->exportClip(folder / "out.mov");
     EXPECT_FALSE(model->exporting().exportEstimatedRemainingTime());
@@ -89,14 +93,23 @@ TEST_F(JobsTest, LateResultsAreDropped) {
     model->makeProxy();
     model->startTracking({0.1, 0.1, 0.2, 0.2});
     media->tracked = straightTrack();
-    open("two.mov"); // meanwhile all of them have come to an end
+    model->importClip(clipFile("two.mov"));
+    for (const BackgroundQueue queue : {BackgroundQueue::clips, BackgroundQueue::projects}) {
+        while (scheduler.runJob(queue))
+            scheduler.turn();
+    }
+    ASSERT_EQ(model->clip()->url.filename(), "two.mov");
+    EXPECT_FALSE(model->tracking().isTracking() || model->tracking().trackingPreview() ||
+                 model->tracking().trackingMessage() || model->proxies().isGeneratingProxy());
+    scheduler.settle();
     EXPECT_FALSE(model->exporting().isExporting());
+    EXPECT_TRUE(model->exporting().lastExportEnd()->report); // an export of the clip before is one all the same
     EXPECT_FALSE(model->exporting().lastExportVerification());
-    EXPECT_FALSE(model->proxies().isGeneratingProxy());
+    EXPECT_EQ(model->proxies().proxyProgress(), 0);
     EXPECT_FALSE(model->proxies().proxy());
     EXPECT_FALSE(model->proxies().proxyMessage());
-    EXPECT_FALSE(model->tracking().isTracking());
     EXPECT_TRUE(model->trackedRanges().empty());
+    EXPECT_EQ(media->uncancelled, 0);
 
     // Of imports the latest wins, whatever comes home first.
     model->importClip(clipFile("three.mov"));
@@ -125,7 +138,9 @@ TEST_F(JobsTest, AProxyIsBuiltOnce) {
     scheduler.settle();
     EXPECT_EQ(model->proxies().proxyMessage(), "720p proxy ready");
     EXPECT_EQ(model->proxies().proxy(), "proxy.mov");
+    EXPECT_EQ(model->proxies().proxyProgress(), 0.5);
     model->makeProxy();
+    EXPECT_EQ(model->proxies().proxyProgress(), 0);
     model->cancelProxy();
     scheduler.settle();
     EXPECT_FALSE(model->proxies().proxyMessage());
@@ -133,6 +148,53 @@ TEST_F(JobsTest, AProxyIsBuiltOnce) {
     model->makeProxy();
     scheduler.settle();
     EXPECT_NE(model->proxies().proxyMessage()->find("Proxy decode failed"), std::string::npos);
+}
+
+TEST_F(JobsTest, TrackingTellsHowFarItIs) {
+    open();
+    model->startPlayback(1);
+    model->beginSubjectSelection();
+    EXPECT_FALSE(model->transport().isPlaying());
+    scheduler.settle();
+    EXPECT_TRUE(model->tracking().subjectSelectionBuffer());
+    EXPECT_EQ(media->framesAskedFor, std::vector<double>{0});
+    model->cancelTracking();
+    EXPECT_FALSE(model->tracking().selectingSubject() || model->tracking().subjectSelectionBuffer() ||
+                 model->tracking().trackingMessage());
+
+    const SubjectBox drawn{0.1, 0.1, 0.2, 0.2};
+    model->startTracking(drawn);
+    model->startTracking({0.3, 0.1, 0.2, 0.2}); // one at a time
+    model->beginSubjectSelection();
+    EXPECT_FALSE(model->tracking().selectingSubject());
+    EXPECT_EQ(model->tracking().trackingProgress(), 0);
+    EXPECT_EQ(model->tracking().trackingPreview(), drawn);
+    bool isHeard = false;
+    media->whileTracking = [&] {
+        scheduler.turn();
+        isHeard = true;
+        EXPECT_EQ(model->tracking().trackingProgress(), 0.4);
+        EXPECT_EQ(model->tracking().trackingPreview(), (SubjectBox{0.1, 0.2, 0.3, 0.4}));
+        EXPECT_EQ(model->tracking().trackingMessage(), "Looking for the subject…");
+    };
+    scheduler.settle();
+    EXPECT_TRUE(isHeard);
+    EXPECT_FALSE(model->tracking().trackingPreview());
+
+    // Another shape of the crop would need other framing.
+    media->tracked = straightTrack();
+    model->startTracking(drawn);
+    model->setCropAspectRatio(CropAspectRatio::fourByFive);
+    scheduler.settle();
+    EXPECT_TRUE(model->trackedRanges().empty());
+    // What was lost before the chosen frame ended at the first frame that was found.
+    media->tracked.lostSubject = media->tracked.lostBeforeSeed = true;
+    media->tracked.samples.erase(media->tracked.samples.begin(), media->tracked.samples.begin() + 60);
+    model->startTracking(drawn);
+    scheduler.settle();
+    EXPECT_EQ(model->tracking().trackingStoppedAt(), 2);
+    model->beginSubjectSelection();
+    EXPECT_FALSE(model->tracking().trackingStoppedAt());
 }
 
 TEST_F(JobsTest, TrackingEndsWithTheSentenceOfWhatItCameTo) {

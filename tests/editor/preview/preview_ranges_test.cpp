@@ -37,6 +37,7 @@ TEST(PreviewRanges, AnIdleRenderStaysAroundThePlayhead) {
         const auto range = automatic({map, {1, 30}}, ranges, each.rendered, {each.playhead});
         expectRanges(range ? SourceRanges{*range} : SourceRanges{}, each.expected, each.what);
     }
+    expectRanges({*automatic({map, {1, 30}}, {{0, 10}}, {}, {0.1})}, {{0, 2.5}}, "at the clip's start");
     const TimeMap brief = halfSpeed(2);
     EXPECT_EQ(automatic({brief, {1, 30}}, {{0, 2}}, {}, {1.9}), (SourceRange{0, 2}));
 }

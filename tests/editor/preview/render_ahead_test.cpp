@@ -90,6 +90,7 @@ TEST_F(RenderAheadTest, AnIdleRenderWaitsForTheEndOfAllActivity) {
              model->pausePlayback();
              model->scrub(0.5);
          }},
+        {"play to an end", [&] { model->startPlayback(-8); }, [] {}},
         {"export", [&] { model->exportClip(folder / "out.mov"); }, [] {}},
         {"selection", [&] { model->beginSubjectSelection(); }, [&] { model->cancelTracking(); }},
         {"tracking",
@@ -124,12 +125,13 @@ TEST_F(RenderAheadTest, AllRangesAreRenderedInPieces) {
     EXPECT_FALSE(model->transport().isPlaying());
     std::vector<std::string> labels;
     while (ahead().isRenderingAllRanges()) {
-        labels.push_back(ahead().renderAllLabel());
+        const std::string label = ahead().renderAllLabel();
+        if (labels.empty() || labels.back() != label) labels.push_back(label);
         scheduler.runJob(BackgroundQueue::renders);
         scheduler.turn();
     }
-    EXPECT_EQ(labels.front(), "Rendering all ranges 0%");
-    EXPECT_NE(std::find(labels.begin(), labels.end(), "Rendering all ranges 41%"), labels.end()); // 5 of 12
+    EXPECT_EQ(labels, (std::vector<std::string>{"Rendering all ranges 0%", "Rendering all ranges 41%", // 5 of 12
+                                                "Rendering all ranges 83%", "Rendering all ranges 100%"}));
     EXPECT_EQ(ahead().renderAllLabel(), "All ranges rendered");
     expectRanges(rendered(), {{2, 4.5}, {4.5, 7}, {7, 8}});
 
@@ -145,6 +147,22 @@ TEST_F(RenderAheadTest, AllRangesAreRenderedInPieces) {
     model->stopRenderingAll();
     EXPECT_FALSE(isRendering());
     EXPECT_EQ(ahead().renderAllProgress(), 0);
+    // A render that was asked for by itself goes on.
+    media->failure.reset();
+    model->renderSelectedPreview(SourceRange{2, 3});
+    model->renderAllRanges();
+    model->stopRenderingAll();
+    scheduler.settle();
+    EXPECT_EQ(rendered(), (SourceRanges{{2, 3}}));
+    media->failure = "Disk full";
+    render({4, 5});
+    EXPECT_TRUE(ahead().render().previewRenderError());
+    media->failure.reset();
+    model->renderSelectedPreview(SourceRange{6, 7});
+    open("two.mov");
+    EXPECT_FALSE(isRendering() || ahead().render().previewRenderError());
+    EXPECT_EQ(ahead().playheadLabel(), "No rendered previews");
+    EXPECT_EQ(ahead().renderAllLabel(), "Render all ranges");
 }
 
 TEST_F(RenderAheadTest, RenderingAllGoesOnAfterAnEdit) {

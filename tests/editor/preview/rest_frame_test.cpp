@@ -47,6 +47,24 @@ TEST_F(RestFrameTest, IsTheExportsFrameOfThePlayhead) {
     ASSERT_TRUE(comes());
     EXPECT_FALSE(media->pictured.back().first.verticalCrop);
     EXPECT_FALSE(media->pictured.back().first.zoom);
+
+    const std::function<void()> changes[] = {
+        [&] { model->replaceKeyframes(slowBetween(2, 3.5)); },
+        [&] { model->setCurveSmoothing(0.3); },
+        [&] { model->applyTrimRange(1, 9); },
+        [&] {
+            model->setRestPictureSize({640, 360});
+        },
+    };
+    for (const auto& change : changes) {
+        const std::size_t before = media->pictured.size();
+        change();
+        EXPECT_TRUE(comes());
+        EXPECT_GT(media->pictured.size(), before);
+    }
+    EXPECT_EQ(media->sizeAskedFor, (OutputSize{640, 360}));
+    model->setRestPictureSize({640, 360});
+    EXPECT_TRUE(isShown());
 }
 
 TEST_F(RestFrameTest, OnlyWhereFramesAreMadeAndNoneIsRendered) {
@@ -91,8 +109,10 @@ TEST_F(RestFrameTest, AnyMoveDropsItAtOnce) {
     model->scrub(0.29);
     scheduler.turn();
     scheduler.advance(RestFrame::restDelaySeconds);
+    media->uncancelled = 0;
     model->scrub(0.15); // while it is being made
     EXPECT_FALSE(comes());
+    EXPECT_EQ(media->uncancelled, 0);
     model->scrub(0.25);
     EXPECT_TRUE(comes());
     model->startPlayback(1);

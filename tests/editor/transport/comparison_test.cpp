@@ -44,6 +44,18 @@ TEST_F(ComparisonTest, FollowsThePlayheadOneFrameAtATime) {
     model->replaceKeyframes({point(0, 3), point(10, 3)});
     scheduler.settle();
     EXPECT_NEAR(comparison().comparisonFrameTimes()->output.value, 2, 1e-9);
+    model->replaceCenterKeyframes({point(0, 0.75), point(10, 0.75)});
+    scheduler.settle();
+    EXPECT_NEAR(comparison().comparisonPair()->pan, 0.75, 1e-6);
+    model->setVerticalCropEnabled(false);
+    scheduler.settle();
+    EXPECT_EQ(comparison().comparisonPair()->pan, ComparisonPair{}.pan);
+    media->framesAskedFor.clear();
+    model->setComparisonSize({640, 360});
+    model->setComparisonSize({640, 360});
+    scheduler.settle();
+    EXPECT_THAT(media->framesAskedFor, ElementsAre(6));
+    EXPECT_EQ(media->sizeAskedFor, (OutputSize{640, 360}));
 }
 
 TEST_F(ComparisonTest, LateResultsAreDropped) {

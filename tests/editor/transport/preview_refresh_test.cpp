@@ -41,6 +41,11 @@ TEST_F(PreviewRefreshTest, AnEditReachesThePlayerAfterATwelfthOfASecondOfRest) {
     model->endCurveEdit();
     model->startPlayback(1); // too little to see
     EXPECT_EQ(player.items.size(), items + 2);
+    model->setCurveSmoothing(0.2 + 1.1e-4);
+    model->beginCurveEdit();
+    model->endCurveEdit();
+    model->startPlayback(1);
+    EXPECT_EQ(player.items.size(), items + 3);
 
     media->duration = 3600;
     open("long.mov");

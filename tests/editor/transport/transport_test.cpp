@@ -120,11 +120,17 @@ TEST_F(TransportTest, PlayStopsAtItsEndWhoeverNoticesIt) {
     player.isStalled = false;
     rest();
     EXPECT_EQ(storedProject().edits.playhead, 0.1);
-    // On the way the playhead follows.
+    // On the way the playhead follows, thirty times a second.
     moveTo(2);
+    player.seeks.clear();
     model->startPlayback(2);
-    scheduler.advance(1.0001);
-    EXPECT_NEAR(model->playheadSeconds(), 4, 2.0 / 30);
+    EXPECT_TRUE(player.seeks.empty()); // it is there
+    scheduler.advance(1.0 / 30 - 1e-4);
+    EXPECT_EQ(model->playheadSeconds(), 2);
+    scheduler.advance(2e-4);
+    EXPECT_NEAR(model->playheadSeconds(), 2 + 2.0 / 30, 1e-9);
+    scheduler.advance(1);
+    EXPECT_NEAR(model->playheadSeconds(), 4 + 2.0 / 30, 1e-9);
     scheduler.advance(0.02);
     model->pausePlayback();
     EXPECT_NEAR(model->playheadSeconds(), 1 + playerTime(), 1e-9);
@@ -242,7 +248,11 @@ TEST_F(TransportTest, APlayerThatCannotBePreparedLeavesTheSessionStopped) {
     const auto becomes = [&](PlayerStatus status, const char* failure = "") {
         return [this, status, failure] { player.setStatus(status, failure); };
     };
-    const auto waitedTooLong = [&] { scheduler.advance(30); };
+    const auto waitedTooLong = [&] {
+        scheduler.advance(9.99);
+        EXPECT_TRUE(transport().isStartingPlayback());
+        scheduler.advance(0.02);
+    };
     const std::pair<std::vector<std::function<void()>>, const char*> failures[] = {
         {{becomes(PlayerStatus::failed)}, "Preview player failed while loading."},
         {{becomes(PlayerStatus::failed, "The disk is gone.")}, "The disk is gone."},
