@@ -20,7 +20,7 @@ class Photographer:
         self.program = program
         self.scale = scale
         self.folder = folder
-        self.window = Window("Flowtide")
+        self.window = Window("Flowtide", float(scale))
         self.process = None
 
     def start(self, *arguments, size=(1440, 900)):
@@ -32,6 +32,7 @@ class Photographer:
         self.id = found[-1]
         pixels = [round(length * float(self.scale)) for length in size]
         self.window.do("windowsize", "--sync", self.id, *pixels)
+        eventually("the window's size", lambda: self.window.place("Top bar")[2] == pixels[0])
 
     def end(self):
         self.process.terminate()

@@ -31,8 +31,9 @@ def eventually(what, found):
 class Window:
     """The program's accessibility tree, and hands."""
 
-    def __init__(self, name):
+    def __init__(self, name, scale=1):
         self.name = name
+        self.scale = scale  # of the display: places are in its pixels
 
     def nodes(self):
         def below(node):
@@ -86,7 +87,7 @@ class Window:
     def plot(self, name="Speed curve"):
         """Left, top, width and height of the graph's plot."""
         x, y, width, height = self.place(name)
-        return x + 44, y + 16, width - 88, height - 24
+        return x + 44 * self.scale, y + 16 * self.scale, width - 88 * self.scale, height - 24 * self.scale
 
     def key(self, *keys):
         self.do("key", "--delay", 40, *keys)

@@ -6,7 +6,6 @@
 #include "ui/theme.h"
 
 #include <QLineF>
-#include <QPainterPath>
 #include <algorithm>
 #include <cmath>
 
@@ -22,6 +21,15 @@ constexpr double dotDistance = 4;    ///< pixels, of the curve as it was
 constexpr double labelBeforePlot = 10;
 constexpr double wordBeforePlot = 7; ///< words are longer than numbers
 constexpr double guideGap = 10;
+
+/// Whether a line turns by more than some 10 degrees.
+bool isBend(QPointF before, QPointF at, QPointF after) {
+    constexpr double sine = 0.17;
+    const QPointF in = at - before;
+    const QPointF out = after - at;
+    const double turn = in.x() * out.y() - in.y() * out.x();
+    return turn * turn > sine * sine * QPointF::dotProduct(in, in) * QPointF::dotProduct(out, out);
+}
 
 class Painting {
 public:
@@ -134,34 +142,42 @@ private:
 
     void stroke(const std::vector<QPointF>& line, QColor color, double width) {
         const std::span<const QPointF> part = clipped(line);
-        QList<QLineF> pieces;
-        pieces.reserve(static_cast<qsizetype>(part.size()));
-        for (std::size_t i = 1; i < part.size(); ++i)
-            pieces.append(QLineF(part[i - 1], part[i]));
+        // Qt draws pieces with flat and square ends twenty times as fast as with round ones. Square ones close the
+        // gaps where the line bends, overlapping, which translucent ones must not.
+        const bool mayOverlap = color.alpha() == 255;
+        QList<QLineF> flat;
+        QList<QLineF> square;
+        flat.reserve(static_cast<qsizetype>(part.size()));
+        for (std::size_t i = 1; i < part.size(); ++i) {
+            const bool bends = (i > 1 && isBend(part[i - 2], part[i - 1], part[i])) ||
+                               (i + 1 < part.size() && isBend(part[i - 1], part[i], part[i + 1]));
+            (mayOverlap && bends ? square : flat).append(QLineF(part[i - 1], part[i]));
+        }
         painter_.save();
         painter_.setRenderHint(QPainter::Antialiasing);
-        // Opaque pieces overlap, so that the line has no gaps where it bends; translucent ones must not.
-        painter_.setPen(QPen(color, width, Qt::SolidLine, color.alpha() == 255 ? Qt::RoundCap : Qt::FlatCap));
-        painter_.drawLines(pieces);
+        painter_.setPen(QPen(color, width, Qt::SolidLine, Qt::FlatCap));
+        painter_.drawLines(flat);
+        painter_.setPen(QPen(color, width, Qt::SolidLine, Qt::SquareCap));
+        painter_.drawLines(square);
         painter_.restore();
     }
 
     /// Dots at equal distances along the line, also where it is steep.
     void dot(const std::vector<QPointF>& line, QColor color, double width) {
-        QPolygonF dots;
+        QList<QLineF> dots;
         double left = 0; // until the next dot, pixels
         for (std::size_t i = 1; i < line.size(); ++i) {
             const QLineF piece(line[i - 1], line[i]);
             const double length = piece.length();
             double at = left;
             for (; at < length; at += dotDistance)
-                dots.append(piece.pointAt(at / length));
+                dots.append(QLineF(piece.pointAt(at / length), piece.pointAt((at + width) / length)));
             left = at - length;
         }
         painter_.save();
         painter_.setRenderHint(QPainter::Antialiasing);
-        painter_.setPen(QPen(color, width, Qt::SolidLine, Qt::RoundCap));
-        painter_.drawPoints(dots);
+        painter_.setPen(QPen(color, width, Qt::SolidLine, Qt::FlatCap));
+        painter_.drawLines(dots);
         painter_.restore();
     }
 
@@ -258,6 +274,14 @@ private:
         const auto draw = [&](const SpeedKeyframe& point, PointMark mark) {
             drawPointMark(painter_, picture_.geometry.placeOf(point), mark, color);
         };
+        std::vector<QPoint> drawn; // in the last column of pixels
+        const auto isCovered = [&](const SpeedKeyframe& point) {
+            const QPoint pixel = painter_.deviceTransform().map(picture_.geometry.placeOf(point)).toPoint();
+            if (!drawn.empty() && drawn.front().x() != pixel.x()) drawn.clear();
+            if (std::find(drawn.begin(), drawn.end(), pixel) != drawn.end()) return true;
+            drawn.push_back(pixel);
+            return false;
+        };
         // The selected ones last: they win where points overlap.
         for (const bool selected : {false, true})
             for (const SpeedKeyframe& point : picture_.points) {
@@ -276,8 +300,10 @@ private:
                     draw(point, isEdge ? PointMark::selectedEdge : PointMark::selected);
                 else if (isEdge)
                     draw(point, PointMark::edge);
-                else
-                    draw(point, picture_.hovered == point.id ? PointMark::hovered : PointMark::plain);
+                else if (picture_.hovered == point.id)
+                    draw(point, PointMark::hovered);
+                else if (!isCovered(point))
+                    draw(point, PointMark::plain);
             }
     }
 
@@ -290,29 +316,23 @@ private:
         std::vector<QString> words;
         for (std::size_t i = 0; i < played.size(); ++i) {
             const SpeedKeyframe& point = played[i];
-            const bool isNeighbor =
-                (i > 0 && isShown(played[i - 1])) || (i + 1 < played.size() && isShown(played[i + 1]));
+            const bool hasBefore = i > 0;
+            const bool hasAfter = i + 1 < played.size();
+            const bool isNeighbor = (hasBefore && isShown(played[i - 1])) || (hasAfter && isShown(played[i + 1]));
             if (!isShown(point) && !isNeighbor) continue;
             const bool isSelected = picture_.selected.contains(point.id);
-            const bool isSilent = !isShown(point) || point.role != SpeedKeyframeRole::curve || isClipEdge(point);
-            words.push_back(picture_.axis.format(point.speed));
+            const bool isLost = hasBefore && hasAfter && !isSelected &&
+                                isCrowded(x(played[i - 1].time), x(point.time), x(played[i + 1].time));
+            const bool isSilent =
+                isLost || !isShown(point) || point.role != SpeedKeyframeRole::curve || isClipEdge(point);
+            words.push_back(isSilent ? QString() : picture_.axis.format(point.speed));
             points.push_back({picture_.geometry.placeOf(point),
-                              textWidth(isSelected ? Type::smallBold : Type::small, words.back()), isSelected,
-                              isSilent});
+                              isSilent ? 0 : textWidth(isSelected ? Type::smallBold : Type::small, words.back()),
+                              isSelected, isSilent});
         }
-        painter_.save();
-        painter_.setRenderHint(QPainter::Antialiasing);
-        for (const PointLabel& label : placedLabels(points, plot_.bottom())) {
-            if (!label.box.adjusted(-3, -3, 3, 3).intersects(clip_)) continue;
-            const bool isSelected = points[label.point].isSelected;
-            QPainterPath path;
-            path.addText(label.baseline, font(isSelected ? Type::smallBold : Type::small), words[label.point]);
-            painter_.strokePath(path, QPen(well, 3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-            painter_.setFont(font(isSelected ? Type::smallBold : Type::small));
-            painter_.setPen(isSelected ? theme::text : text2);
-            painter_.drawText(label.baseline, words[label.point]);
-        }
-        painter_.restore();
+        for (const PointLabel& label : placedLabels(points, plot_.bottom()))
+            if (label.box.adjusted(-3, -3, 3, 3).intersects(clip_))
+                drawPointLabel(painter_, label.baseline, words[label.point], points[label.point].isSelected);
     }
 
     /// At the neutral value where the clip begins or ends there is nothing to tell.
@@ -338,6 +358,27 @@ private:
     QRectF clip_;
 };
 
+/// Of what lies between two pixels no more than can be seen: where it enters, its highest and lowest place, and where
+/// it leaves.
+std::vector<QPointF> thinned(const std::vector<QPointF>& line) {
+    std::vector<QPointF> thin;
+    thin.reserve(line.size());
+    for (auto first = line.begin(); first != line.end();) {
+        const double column = std::floor(first->x());
+        const auto end = std::find_if(first, line.end(), [&](QPointF at) { return std::floor(at.x()) != column; });
+        if (end - first <= 4) {
+            thin.insert(thin.end(), first, end);
+        } else {
+            auto [highest, lowest] =
+                std::minmax_element(first, end, [](QPointF a, QPointF b) { return a.y() < b.y(); });
+            if (highest > lowest) std::swap(highest, lowest);
+            thin.insert(thin.end(), {*first, *highest, *lowest, *(end - 1)});
+        }
+        first = end;
+    }
+    return thin;
+}
+
 } // namespace
 
 std::vector<QPointF> curveLine(const std::function<double(double)>& value, const SpeedKeyframes& points,
@@ -360,7 +401,7 @@ std::vector<QPointF> curveLine(const std::function<double(double)>& value, const
     for (const double at : times)
         if (line.empty() || at - time.timeAt(line.back().x()) > step * 1e-3)
             line.emplace_back(time.xOf(at), geometry.yOf(value(at)));
-    return line;
+    return thinned(line);
 }
 
 void paintCurveGraph(QPainter& painter, const CurveGraphPicture& picture, const QRectF& rect, const QRectF& clip) {

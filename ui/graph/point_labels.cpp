@@ -11,6 +11,7 @@ constexpr double nearBottom = 22;   ///< pixels from the plot's bottom, where th
 constexpr double ascent = 10;       ///< pixels of the text above its baseline
 constexpr double descent = 3;       ///< pixels of the text below it
 constexpr double betweenLabels = 3; ///< pixels
+constexpr double crowded = 10;      ///< pixels between points whose marks overlap
 
 enum class Side { center, left, right };
 struct Place {
@@ -46,6 +47,10 @@ Place placeFor(int before, int after, double roomBelow) {
 }
 
 } // namespace
+
+bool isCrowded(double before, double place, double after) {
+    return place - before < crowded && after - place < crowded;
+}
 
 std::vector<PointLabel> placedLabels(const std::vector<LabelledPoint>& points, double plotBottom) {
     std::vector<PointLabel> wanted;

@@ -21,6 +21,10 @@ struct PointLabel {
     QRectF box;
 };
 
+/// Whether points lie so densely around the middle one of three that none can be told which label is its own: pixels
+/// from left to right.
+bool isCrowded(double before, double place, double after);
+
 /// `points` from left to right. Labels that would touch another one are left out, those of selected points never.
 std::vector<PointLabel> placedLabels(const std::vector<LabelledPoint>& points, double plotBottom);
 

@@ -3,6 +3,7 @@
 #include "ui/theme.h"
 
 #include <QPaintDevice>
+#include <QPainterPath>
 #include <QPixmap>
 #include <QPixmapCache>
 #include <cmath>
@@ -11,7 +12,10 @@ namespace flowtide {
 
 namespace {
 
-constexpr int side = 26; ///< pixels; the largest mark fits
+constexpr int side = 26;             ///< pixels; the largest mark fits
+constexpr double labelGround = 3;    ///< pixels around a label's letters
+constexpr double labelHeight = 20;   ///< pixels
+constexpr double labelBaseline = 14; ///< pixels from its top
 
 void disc(QPainter& painter, double radius, QColor fill, QColor outline, double width) {
     const double middle = side / 2.0;
@@ -61,27 +65,49 @@ void draw(QPainter& painter, PointMark mark, QColor color) {
     }
 }
 
+/// What `draw` draws on a transparent ground, kept under a name.
+template <typename Draw>
+QPixmap kept(const QString& name, QSizeF size, const QPainter& painter, Draw draw) {
+    const double scale = painter.device()->devicePixelRatioF();
+    const QString key = QStringLiteral("%1/%2").arg(name).arg(scale);
+    QPixmap pixmap;
+    if (QPixmapCache::find(key, &pixmap)) return pixmap;
+    pixmap = QPixmap((size * scale).toSize());
+    pixmap.fill(Qt::transparent);
+    pixmap.setDevicePixelRatio(scale);
+    QPainter onPixmap(&pixmap);
+    onPixmap.setRenderHint(QPainter::Antialiasing);
+    draw(onPixmap);
+    onPixmap.end();
+    QPixmapCache::insert(key, pixmap);
+    return pixmap;
+}
+
 } // namespace
 
 void drawPointMark(QPainter& painter, QPointF place, PointMark mark, QColor color) {
-    const double scale = painter.device()->devicePixelRatioF();
-    const QString key = QStringLiteral("point/%1/%2/%3").arg(static_cast<int>(mark)).arg(color.rgba()).arg(scale);
-    QPixmap pixmap;
-    if (!QPixmapCache::find(key, &pixmap)) {
-        const int pixels = static_cast<int>(std::lround(side * scale));
-        pixmap = QPixmap(pixels, pixels);
-        pixmap.fill(Qt::transparent);
-        pixmap.setDevicePixelRatio(scale);
-        QPainter onPixmap(&pixmap);
-        onPixmap.setRenderHint(QPainter::Antialiasing);
-        draw(onPixmap, mark, color);
-        onPixmap.end();
-        QPixmapCache::insert(key, pixmap);
-    }
+    const QPixmap pixmap = kept(QStringLiteral("point/%1/%2").arg(static_cast<int>(mark)).arg(color.rgba()),
+                                QSizeF(side, side), painter, [&](QPainter& onPixmap) { draw(onPixmap, mark, color); });
     // Lines of one pixel go through the middle of their pixel, and so do the points on them.
     const double half = theme::hairlineWidth(painter) / 2;
     const QPointF corner = place + QPointF(half - side / 2.0, half - side / 2.0);
     painter.drawPixmap(theme::onPixels(painter, QRectF(corner, QSizeF(side, side))).topLeft(), pixmap);
+}
+
+void drawPointLabel(QPainter& painter, QPointF baseline, const QString& words, bool isSelected) {
+    const theme::Type type = isSelected ? theme::Type::smallBold : theme::Type::small;
+    const QSizeF size(std::ceil(theme::textWidth(type, words)) + 2 * labelGround, labelHeight);
+    const QPointF origin(labelGround, labelBaseline);
+    const QPixmap pixmap =
+        kept(QStringLiteral("label/%1/%2").arg(isSelected).arg(words), size, painter, [&](QPainter& onPixmap) {
+            QPainterPath path;
+            path.addText(origin, theme::font(type), words);
+            onPixmap.strokePath(path, QPen(theme::well, labelGround, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+            onPixmap.setFont(theme::font(type));
+            onPixmap.setPen(isSelected ? theme::text : theme::text2);
+            onPixmap.drawText(origin, words);
+        });
+    painter.drawPixmap(theme::onPixels(painter, QRectF(baseline - origin, size)).topLeft(), pixmap);
 }
 
 } // namespace flowtide

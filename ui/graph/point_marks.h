@@ -23,4 +23,8 @@ enum class PointMark {
 /// Drawn once for each color and scale, and copied from then on.
 void drawPointMark(QPainter& painter, QPointF place, PointMark mark, QColor color);
 
+/// A point's value on a ground that keeps the curve off it, drawn once for each text and scale. `baseline`: its left
+/// end.
+void drawPointLabel(QPainter& painter, QPointF baseline, const QString& words, bool isSelected);
+
 } // namespace flowtide

@@ -1,6 +1,7 @@
 #include "ui/graph/coverage_bar.h"
 #include "ui/graph/curve_drag.h"
 #include "ui/graph/curve_drag_scale.h"
+#include "ui/graph/curve_graph_painter.h"
 #include "ui/graph/curve_point_edits.h"
 #include "ui/graph/film_strip.h"
 #include "ui/graph/point_labels.h"
@@ -11,6 +12,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace flowtide {
@@ -199,6 +201,31 @@ TEST(PointLabels, KeepOffTheCurveAndEachOther) {
     EXPECT_LT(placedLabels({{{0, 50}, 20}, {{100, 190}, 20}, {{200, 60}, 20}}, 200)[1].baseline.y(), 190);
     const auto crowded = placedLabels({{{100, 50}, 30}, {{105, 50}, 30, true}, {{110, 50}, 30}}, 200);
     EXPECT_THAT(crowded, ElementsAre(testing::Field(&PointLabel::point, 1)));
+    EXPECT_TRUE(isCrowded(91, 100, 109));
+    EXPECT_FALSE(isCrowded(90, 100, 109));
+    EXPECT_FALSE(isCrowded(91, 100, 110));
+}
+
+TEST(CurveLine, ShowsOfManyPointsInAPixelTheExtremes) {
+    SpeedKeyframes points;
+    for (int i = 0; i <= 10'000; ++i)
+        points.push_back(point(i * 1e-3, i == 5'003 ? 4 : i == 5'007 ? 0.1 : i % 2 + 1));
+    const CurveGraphGeometry geometry{TimeAxis::of(10, 0, 100, 1, 0.5), {0.1, 4}, false, 0, 100};
+    std::size_t evaluated = 0;
+    const auto line = curveLine(
+        [&](double seconds) {
+            ++evaluated;
+            return points[static_cast<std::size_t>(std::lround(seconds * 1e3))].speed;
+        },
+        points, geometry, {0, 10});
+    EXPECT_GT(evaluated, points.size() / 2);
+    EXPECT_LE(line.size(), 404);
+    const auto [highest, lowest] =
+        std::minmax_element(line.begin(), line.end(), [](QPointF a, QPointF b) { return a.y() < b.y(); });
+    EXPECT_EQ(highest->y(), geometry.yOf(4));
+    EXPECT_EQ(lowest->y(), geometry.yOf(0.1));
+    EXPECT_LT(highest->x(), lowest->x());
+    EXPECT_TRUE(std::is_sorted(line.begin(), line.end(), [](QPointF a, QPointF b) { return a.x() < b.x(); }));
 }
 
 TEST(ZoomLane, TellsEdgesFromBodies) {
