@@ -2,6 +2,7 @@
 
 #include "project/files/project_error.h"
 #include "ui/accessible_role.h"
+#include "ui/desktop_motion.h"
 #include "ui/main_window.h"
 #include "ui/style.h"
 #include "ui/user_settings.h"
@@ -47,6 +48,7 @@ int runFlowtideApp(const WindowPlatform& platform, const std::optional<std::file
     QApplication::setWindowIcon(icon);
     QApplication::setQuitOnLastWindowClosed(false);
 
+    const DesktopMotion followed;
     UserSettings settings;
     try {
         SessionHost host(platform, settings);

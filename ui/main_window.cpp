@@ -20,7 +20,6 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QStandardPaths>
 #include <algorithm>
@@ -99,9 +98,7 @@ MainWindow::MainWindow(SessionHost& host)
     alert_ = new AlertSheet(model_, sheets_);
     alert_->hide();
     drop_ = new DropOverlay(*this);
-    message_ = new MessageSheet(sheets_);
-    message_->onClose = [this] { sheets_->close(); };
-    message_->hide();
+    messages_ = std::make_unique<WindowMessages>(*sheets_);
     focusRing_ = new FocusRing(*this);
     const auto nameIt = [](QWidget& pane, const QString& name) {
         setAccessibleRole(pane, QAccessible::Pane);
@@ -137,7 +134,7 @@ MainWindow::MainWindow(SessionHost& host)
     qApp->installEventFilter(this);
     showContent();
     const QString seen = host_.settings().lastSeenVersion();
-    if (releaseNotes::areNewFor(seen)) showWhatsNew();
+    if (releaseNotes::areNewFor(seen)) messages_->showWhatsNew();
     if (seen != releaseNotes::version()) host_.settings().setLastSeenVersion(releaseNotes::version());
 }
 
@@ -369,8 +366,9 @@ QMenu* MainWindow::makeMenu() {
     forClip << add(tr("Full-screen preview"), QStringLiteral("⌘F"), Command::fullScreen);
     menu->addSeparator();
     add(tr("Keyboard Shortcuts"), QStringLiteral("?"), Command::showShortcuts);
-    menu->addAction(tr("What's New"), this, [this] { showWhatsNew(); });
-    menu->addAction(tr("About"), this, [this] { showAbout(); });
+    menu->addAction(tr("What's New"), this, [this] { messages_->showWhatsNew(); });
+    menu->addAction(tr("Check for Updates…"), this, [this] { messages_->showUpdates(); });
+    menu->addAction(tr("About"), this, [this] { messages_->showAbout(); });
     connect(menu, &QMenu::aboutToShow, this, [this, forClip] {
         for (QAction* action : forClip)
             action->setEnabled(model_.clip() != nullptr);
@@ -422,32 +420,14 @@ void MainWindow::locateClip() {
     model_.relinkProject(valueText::path(file));
 }
 
-void MainWindow::showWhatsNew() {
-    message_->setContent(
-        {{}, tr("What’s new in Loftwell Video %1").arg(releaseNotes::version()), releaseNotes::notes()});
-    sheets_->show(*message_);
-}
-
-void MainWindow::showAbout() {
-    message_->setContent(
-        {{}, tr("Loftwell Video %1").arg(releaseNotes::version()), {tr("Smooth speed curves for one clip.")}});
-    sheets_->show(*message_);
-}
-
-bool MainWindow::confirmEndOfExport() {
-    if (!model_.exporting().isExporting()) return true;
-    QMessageBox question(QMessageBox::NoIcon, tr("Loftwell Video"), tr("An export is running."), QMessageBox::NoButton,
-                         this);
-    question.setInformativeText(tr("Closing the window cancels it. Nothing that is on the disk already is changed."));
-    QPushButton* stay = question.addButton(tr("Keep exporting"), QMessageBox::RejectRole);
-    question.addButton(tr("Cancel export and close"), QMessageBox::AcceptRole);
-    question.setDefaultButton(stay);
-    question.exec();
-    return question.clickedButton() != stay && question.clickedButton() != nullptr;
-}
-
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (!confirmEndOfExport()) return event->ignore();
+    if (model_.exporting().isExporting() && !endsExport_) {
+        messages_->askToEndExport([this] {
+            endsExport_ = true;
+            close();
+        });
+        return event->ignore();
+    }
     fullScreen_.leave();
     event->accept();
     QApplication::quit();

@@ -14,6 +14,7 @@
 #include "ui/sheet_host.h"
 #include "ui/shortcuts.h"
 #include "ui/viewer/full_screen_preview.h"
+#include "ui/window_messages.h"
 #include "ui/workspace.h"
 
 #include <QWidget>
@@ -62,11 +63,8 @@ private:
     void showDrop(const QString& name, bool canOpen);
     void beginExport();
     void chooseExport();
-    void showWhatsNew();
-    void showAbout();
     void chooseCopy();
     void locateClip();
-    bool confirmEndOfExport();
 
     SessionHost& host_;
     FlowtideViewModel& model_;
@@ -81,7 +79,8 @@ private:
     ShortcutSheet* shortcutSheet_;
     AlertSheet* alert_;
     DropOverlay* drop_;
-    MessageSheet* message_; ///< what is new, and about
+    std::unique_ptr<WindowMessages> messages_;
+    bool endsExport_ = false; ///< the user wants to close the window nevertheless
     ExportNotice exportNotice_;
     FocusRing* focusRing_;
     std::vector<QWidget*> panes_; ///< in the order in which F6 walks them

@@ -16,7 +16,7 @@ constexpr int drawerMilliseconds = 160;
 constexpr int timelineMilliseconds = 140;
 constexpr int settleMilliseconds = 180; ///< the visible range of values, after a drag
 
-/// Whether the desktop was asked for less motion: everything then happens at once. Set once at the start.
+/// Whether the desktop was asked for less motion: everything then happens at once.
 bool isReduced();
 void setReduced(bool reduced);
 

@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 """Takes pictures of the window's states; make brings a display for it.
 
-  make.py FLOWTIDE CLIP SCALE FOLDER WORK
+  make.py FLOWTIDE CLIP SCALE FOLDER [LAST] WORK
 
+`LAST`: the state with which to stop.
 Pictures are called after their state; at a scale other than 1 they end in "@SCALE".
 """
 import os
@@ -16,7 +17,8 @@ from person import ONE_X, Window, eventually  # noqa: E402
 
 
 class Photographer:
-    def __init__(self, program, scale, folder):
+    def __init__(self, program, scale, folder, last):
+        self.last = last
         self.program = program
         self.scale = scale
         self.folder = folder
@@ -38,19 +40,26 @@ class Photographer:
         self.process.terminate()
         self.process.wait()
 
-    def take(self, name, share="50%"):
+    def take(self, name, share="50%", whole=False):
+        """A picture; ends the session after the last one that is wanted."""
         time.sleep(1.5)  # for what fades in, and for pictures on their way
         end = "" if float(self.scale) == 1 else "@" + self.scale
         file = os.path.join(self.folder, name + end + ".png")
-        subprocess.run(["import", "-window", self.id, "-resize", share, "-colors", "255", file], check=True)
+        subprocess.run(["import", "-window", "root" if whole else self.id, "-resize", share, "-colors", "255", file], check=True)
+        if name == self.last:
+            self.end()
+            sys.exit()
 
 
-def main(program, clip, scale, folder, work):
+def main(program, clip, scale, folder, *last_and_work):
+    *last, work = last_and_work
     os.makedirs(folder, exist_ok=True)
-    camera = Photographer(program, scale, folder)
+    camera = Photographer(program, scale, folder, last[0] if last else None)
     window = camera.window
     copy = os.path.join(work, os.path.basename(clip))
     shutil.copy(clip, copy)
+    with open(os.path.join(work, "broken.mov"), "wb") as broken:
+        broken.write(b"no film")
 
     camera.start()
     window.find("Open a video to edit")
@@ -78,7 +87,19 @@ def main(program, clip, scale, folder, work):
     window.do("mouseup", 1)
     window.key("ctrl+z", "v", "Tab")
     camera.take("framing")
-    window.key("Tab", "v")
+    window.click("Framing", "radio button")
+    window.click("Track subject", "push button")
+    window.find("Draw a tight box")
+    px, py, pwidth, pheight = window.place("Picture")
+    window.drag(px + pwidth * 0.68, py + pheight * 0.3, px + pwidth * 0.8, py + pheight * 0.85)
+    window.find("Following the subject")
+    camera.take("tracking")
+    window.key("Escape", "Escape")
+    window.click("Speed", "radio button")
+    window.key("Tab", "v", "ctrl+f")
+    window.find("Full-screen preview")
+    camera.take("full-screen", whole=True)
+    window.key("Escape")
     window.click("Compare")
     camera.take("compare")
     window.key("Escape")
@@ -89,11 +110,19 @@ def main(program, clip, scale, folder, work):
     window.do("type", "--delay", 10, os.path.join(work, "retimed.mp4"))
     window.key("Return")
     camera.take("exporting")
+    window.key("ctrl+q")
+    camera.take("closing")
+    window.key("Escape")
     window.find("Last export verified")
     camera.take("verified")
     window.key("Escape")
     window.do("windowsize", "--sync", camera.id, *[round(length * float(scale)) for length in (1024, 700)])
     camera.take("narrow")
+    camera.end()
+
+    camera.start(os.path.join(os.path.dirname(copy), "broken.mov"))
+    window.find("OK", "push button")
+    camera.take("alert")
     camera.end()
 
     # The start screen with a project in its list.

@@ -14,9 +14,10 @@ namespace {
 constexpr std::size_t mostPictures = 400;
 constexpr double widestSlot = 1.5; ///< picture widths, before slots are halved
 
-/// The middle part of a picture that has a box's shape.
-QRectF middlePart(const QImage& image, const QSizeF& box) {
+/// The middle part of a picture that has a box's shape; `pixelAspectRatio`: of the picture.
+QRectF middlePart(const QImage& image, QSizeF box, double pixelAspectRatio) {
     const QSizeF whole(image.size());
+    box.setWidth(box.width() / pixelAspectRatio);
     const QSizeF part = box.scaled(whole, Qt::KeepAspectRatio);
     return {QPointF((whole.width() - part.width()) / 2, (whole.height() - part.height()) / 2), part};
 }
@@ -78,7 +79,8 @@ void FilmStrip::paint(QPainter& painter, const QRectF& strip) {
     const auto& clip = context_.model().clip();
     if (!clip || clip->height <= 0) return;
     const TimeAxis& axis = context_.axis();
-    const double pictureWidth = strip.height() * static_cast<double>(clip->width) / static_cast<double>(clip->height);
+    const double pictureWidth = strip.height() * static_cast<double>(clip->width) *
+                                clip->metadata.sampleAspectRatio.seconds() / static_cast<double>(clip->height);
     const FilmSlots film = FilmSlots::of(axis, pictureWidth);
     const double scale = painter.device()->devicePixelRatioF();
     const auto pixels = [&](double length) {
@@ -94,7 +96,7 @@ void FilmStrip::paint(QPainter& painter, const QRectF& strip) {
         const QRectF box = theme::onPixels(
             painter, QRectF(left, strip.top(), axis.xOf((slot + 1) * film.seconds) - left, strip.height()));
         if (const QImage* image = pictureFor({film.level, slot}))
-            painter.drawImage(box, *image, middlePart(*image, box.size()));
+            painter.drawImage(box, *image, middlePart(*image, box.size(), clip->metadata.sampleAspectRatio.seconds()));
         if (slot > 0) theme::drawHairline(painter, box, theme::Side::left, theme::well);
     }
     painter.restore();

@@ -16,7 +16,7 @@ void AlertSheet::refresh() {
     const auto& message = model_.alert().errorMessage();
     // While it goes away it says what it said.
     if (!message) return;
-    Content content{QStringLiteral("warning"), sessionText(message->sentence), {}};
+    Content content{QStringLiteral("warning"), sessionText(message->sentence), {}, {}};
     if (!message->reason.empty()) content.paragraphs << QString::fromStdString(message->reason);
     setContent(content);
 }

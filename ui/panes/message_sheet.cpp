@@ -29,9 +29,17 @@ MessageSheet::MessageSheet(QWidget* parent)
         if (onClose) onClose();
     });
     ok_->setDefault(true);
+    action_ = new Button(ButtonKind::secondary, {}, {}, this);
+    connect(action_, &Button::clicked, this, [this] {
+        const std::function<void()> perform = perform_;
+        if (onClose) onClose();
+        if (perform) perform();
+    });
     setFocusProxy(ok_);
     auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
     buttons->addStretch(1);
+    buttons->addWidget(action_);
     buttons->addWidget(ok_);
     rows_->addSpacing(16);
     rows_->addLayout(buttons);
@@ -50,6 +58,10 @@ void MessageSheet::setContent(const Content& content) {
         column->addWidget(new Paragraph(theme::Type::body, theme::text2, content.paragraphs[index], words_));
     }
     rows_->insertWidget(0, words_);
+    action_->setVisible(content.question.has_value());
+    if (content.question) action_->setText(content.question->action);
+    perform_ = content.question ? content.question->perform : nullptr;
+    ok_->setText(content.question ? content.question->decline : tr("OK"));
     setAccessibleName(content.title);
     setAccessibleDescription(content.paragraphs.join(u' '));
     updateGeometry();

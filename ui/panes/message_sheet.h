@@ -1,4 +1,4 @@
-// A sheet with a title, sentences and a button that ends it.
+// A sheet with a title, sentences and a button that ends it, perhaps a second one that does what it asks about.
 #pragma once
 
 #include "ui/controls/buttons.h"
@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 namespace flowtide {
 
@@ -17,10 +18,17 @@ class MessageSheet : public QWidget {
 public:
     explicit MessageSheet(QWidget* parent = nullptr);
 
+    /// What the user is asked about.
+    struct Question {
+        QString action; ///< what is done
+        std::function<void()> perform;
+        QString decline; ///< in place of OK
+    };
     struct Content {
         QString icon; ///< in the color of what needs the user; may be empty
         QString title;
         QStringList paragraphs;
+        std::optional<Question> question;
     };
     void setContent(const Content& content);
     std::function<void()> onClose;
@@ -34,7 +42,9 @@ protected:
 private:
     QVBoxLayout* rows_;
     QWidget* words_ = nullptr;
+    Button* action_;
     Button* ok_;
+    std::function<void()> perform_;
     QString icon_;
 };
 

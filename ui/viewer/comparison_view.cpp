@@ -82,7 +82,7 @@ void ComparisonView::refresh() {
 std::optional<QSize> ComparisonView::clipSize() const {
     const auto& clip = model_.clip();
     if (!clip || clip->width < 1 || clip->height < 1) return std::nullopt;
-    return QSize(static_cast<int>(clip->width), static_cast<int>(clip->height));
+    return viewerGeometry::displayedSize(clip->width, clip->height, clip->metadata.sampleAspectRatio.seconds());
 }
 
 ComparisonView::Panes ComparisonView::panes() const {

@@ -108,10 +108,10 @@ std::optional<FullScreenPreview::Frame> FullScreenPreview::frame() const {
     const auto& clip = model_.clip();
     if (!clip || clip->width < 1 || clip->height < 1) return std::nullopt;
     const QSize pane = (QSizeF(size()) * devicePixelRatioF()).toSize();
-    const QSize pixels(static_cast<int>(clip->width), static_cast<int>(clip->height));
     const auto crop = CropOverlay::plan(model_);
     const double share = crop ? static_cast<double>(crop->width) / static_cast<double>(clip->width) : 1;
-    const QSize seen(crop ? static_cast<int>(crop->width) : pixels.width(), pixels.height());
+    const QSize seen = viewerGeometry::displayedSize(crop ? crop->width : clip->width, clip->height,
+                                                     clip->metadata.sampleAspectRatio.seconds());
     const QRect place = viewerGeometry::pictureRect(pane, 0, seen, {});
     // Of a cropped clip the height decides, whatever lies beside the crop.
     const OutputSize box =

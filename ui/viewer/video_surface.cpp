@@ -100,7 +100,7 @@ int VideoSurface::deviceClearance() const {
 std::optional<QSize> VideoSurface::clipSize() const {
     const auto& clip = model_.clip();
     if (!clip || clip->width < 1 || clip->height < 1) return std::nullopt;
-    return QSize(static_cast<int>(clip->width), static_cast<int>(clip->height));
+    return viewerGeometry::displayedSize(clip->width, clip->height, clip->metadata.sampleAspectRatio.seconds());
 }
 
 Inspection VideoSurface::inspection() const {
@@ -118,7 +118,7 @@ PicturePlace VideoSurface::place() const {
         QRectF(device.left() / scale, device.top() / scale, device.width() / scale, device.height() / scale);
     const bool isTracking = model_.tracking().selectingSubject() || model_.tracking().isTracking();
     if (const auto crop = CropOverlay::plan(model_); crop && !isTracking) {
-        place.cropShare = static_cast<double>(crop->width) / static_cast<double>(clip->width());
+        place.cropShare = static_cast<double>(crop->width) / static_cast<double>(model_.clip()->width);
         place.crop = viewerGeometry::part(place.picture,
                                           viewerGeometry::cropWindow(CropOverlay::travel(model_), place.cropShare));
     }

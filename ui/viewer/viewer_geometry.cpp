@@ -36,6 +36,11 @@ int covered(int pane, int length, double pan) {
 
 } // namespace
 
+QSize displayedSize(std::int64_t width, std::int64_t height, double pixelAspectRatio) {
+    return {std::max(static_cast<int>(std::lround(static_cast<double>(width) * pixelAspectRatio)), 1),
+            static_cast<int>(height)};
+}
+
 QRect pictureRect(QSize pane, int clearance, QSize clip, const Inspection& inspection) {
     const double scale = fitScale(pane, clearance, clip) * inspection.scale;
     const QSize size(std::max(static_cast<int>(std::lround(clip.width() * scale)), 1),

@@ -23,6 +23,9 @@ namespace viewerGeometry {
 
 constexpr QRectF wholePicture{0, 0, 1, 1};
 
+/// A picture's size with square pixels, as it is to be looked at. `pixelAspectRatio`: a pixel's width ÷ height.
+QSize displayedSize(std::int64_t width, std::int64_t height, double pixelAspectRatio);
+
 /// Where the picture lies in a pane; all in device pixels. `clearance`: what stays free on each side. It stays in the
 /// middle in a direction in which the pane has room for it, and else reaches the clearance on both sides.
 QRect pictureRect(QSize pane, int clearance, QSize clip, const Inspection& inspection);

@@ -22,6 +22,11 @@ TEST(ViewerGeometry, AFittedPictureHasThePixelsThatAreMadeForIt) {
     }
 }
 
+TEST(ViewerGeometry, PixelsThatAreWiderThanHighAreShownSo) {
+    EXPECT_EQ(displayedSize(720, 576, 64.0 / 45), QSize(1024, 576));
+    EXPECT_EQ(displayedSize(1920, 1080, 1), hd);
+}
+
 TEST(ViewerGeometry, AMagnifiedPictureFillsThePaneAndStaysInReach) {
     const QSize pane(664, 384);
     const double full = inspectionScale(pane, 12, hd, 1);
