@@ -88,6 +88,16 @@ void EditSession::endCurveEdit() {
         refreshPreview();
 }
 
+void EditSession::cancelCurveEdit() {
+    if (!history.pendingUndoSnapshot()) return;
+    const CurveSnapshot before = *history.pendingUndoSnapshot();
+    history.setPendingUndoSnapshot({});
+    if (before == currentSnapshot())
+        preview().scheduleSmartPreview();
+    else
+        applySnapshot(before);
+}
+
 void EditSession::recordStep() {
     if (!history.pendingUndoSnapshot()) history.pushUndoSnapshot(currentSnapshot());
 }

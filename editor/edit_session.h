@@ -58,6 +58,8 @@ public:
     /// Opens a gesture: everything until its end is one step of history. Joins one that is open.
     void beginCurveEdit();
     void endCurveEdit();
+    /// Ends the gesture as if it had never begun.
+    void cancelCurveEdit();
     /// For edits that are a step by themselves: remembers the state before it, unless a gesture is open.
     void recordStep();
     void undo();

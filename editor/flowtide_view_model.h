@@ -96,6 +96,7 @@ public:
     CurveSnapshot currentSnapshot() const { return session_.currentSnapshot(); }
     void beginCurveEdit() { session_.beginCurveEdit(); }
     void endCurveEdit() { session_.endCurveEdit(); }
+    void cancelCurveEdit() { session_.cancelCurveEdit(); }
     void undo() { session_.undo(); }
     void redo() { session_.redo(); }
 
@@ -105,6 +106,8 @@ public:
     void setCurveSmoothing(double smoothing) { curveEdits_.setCurveSmoothing(smoothing); }
     void applyTrimRange(double start, double end) { trimEdits_.applyTrimRange(start, end); }
     void resetTrimRange() { trimEdits_.resetTrimRange(); }
+    TrimState trimState() const { return trimEdits_.state(); }
+    void restoreTrim(const TrimState& before) { trimEdits_.restore(before); }
 
     // Framing.
     void replaceCenterKeyframes(SpeedKeyframes keyframes) {
@@ -114,6 +117,7 @@ public:
     void beginCropDrag() { framingEdits_.beginCropDrag(); }
     void updateCropDrag(double travel) { framingEdits_.updateCropDrag(travel); }
     void endCropDrag() { framingEdits_.endCropDrag(); }
+    void cancelCropDrag() { framingEdits_.cancelCropDrag(); }
     void setCenterSmoothing(double glide) { framingEdits_.setCenterSmoothing(glide); }
     void setVerticalCropEnabled(bool enabled) { framingEdits_.setVerticalCropEnabled(enabled); }
     void setCropAspectRatio(CropAspectRatio ratio) { framingEdits_.setCropAspectRatio(ratio); }

@@ -68,6 +68,12 @@ void FramingEdits::endCropDrag() {
     session_.endCurveEdit();
 }
 
+void FramingEdits::cancelCropDrag() {
+    if (!session_.framing.isCropDragActive()) return;
+    session_.framing.setCropDragActive(false);
+    session_.cancelCurveEdit();
+}
+
 SpeedKeyframes FramingEdits::trackedKeyframes(const SubjectTrackResult& result) const {
     if (!session_.clip()) return {};
     return result.keyframes(cropFraction(*session_.clip(), session_.framing.cropAspectRatio()));

@@ -24,6 +24,7 @@ public:
     /// Keys the crop's position (fraction of its travel) at the playhead.
     void updateCropDrag(double travel);
     void endCropDrag();
+    void cancelCropDrag();
 
     /// Puts a finished track's keyframes in place of those in the tracked span. One step of history.
     void applySubjectTrackingResult(const SubjectTrackResult& result);

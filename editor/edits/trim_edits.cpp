@@ -30,6 +30,27 @@ void TrimEdits::resetTrimRange() {
     applyTrimRange(0, session_.curve.duration());
 }
 
+TrimState TrimEdits::state() const {
+    const TimelineView& view = session_.timeline;
+    return {session_.clip(),     session_.curve.trimRange(), session_.currentSnapshot(),
+            view.timelineZoom(), view.timelineCenter(),      view.scrubPosition()};
+}
+
+void TrimEdits::restore(const TrimState& before) {
+    if (!session_.clip() || session_.clip() != before.clip) return;
+    if (before.trim != session_.curve.trimRange()) {
+        session_.curve.setTrim(before.trim, before.edits.speed);
+        session_.framing.setCenterKeyframes(before.edits.center);
+        session_.flow.setMarks({before.edits.flowRanges, before.edits.originalFrames});
+        session_.flow.select(before.edits.selectedFlowID);
+        session_.timeline.setTimelineZoom(before.timelineZoom);
+        session_.timeline.setTimelineCenter(before.timelineCenter);
+        session_.refreshPreview();
+        session_.scheduleProjectSave();
+    }
+    session_.preview().scrub(before.scrubPosition);
+}
+
 void TrimEdits::install(SourceRange trim) {
     const SpeedCurve& curve = session_.curve;
     const KeyframeRules::BoundaryValues speeds{curve.speedAt(trim.lower), curve.speedAt(trim.upper)};

@@ -5,6 +5,16 @@
 
 namespace flowtide {
 
+/// What a trim changes.
+struct TrimState {
+    OpenClip clip;
+    SourceRange trim;
+    CurveSnapshot edits;
+    double timelineZoom = 1;
+    double timelineCenter = 0.5;
+    double scrubPosition = 0;
+};
+
 /// Changed without history. Without a clip they do nothing.
 class TrimEdits {
 public:
@@ -20,6 +30,10 @@ public:
     void applyTrimRange(double start, double end);
     /// Keeps the whole clip.
     void resetTrimRange();
+
+    TrimState state() const;
+    /// Puts back what was there before a drag that is cancelled. Nothing once another clip is open.
+    void restore(const TrimState& before);
 
 private:
     void install(SourceRange trim);

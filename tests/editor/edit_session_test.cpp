@@ -51,6 +51,52 @@ TEST_F(EditSessionTest, AGestureIsOneStepAndNoneWhenNothingChanged) {
     EXPECT_EQ(model->curve().smoothing(), 1);
 }
 
+TEST_F(EditSessionTest, ACancelledGestureNeverWas) {
+    open();
+    model->replaceKeyframes(slowBetween(2, 3));
+    model->selectOpticalFlowRange(model->flow().opticalFlowRanges().front().id);
+    model->undo();
+    model->redo();
+    model->addZoomBlock({1, 2});
+    model->undo();
+    const CurveSnapshot before = model->currentSnapshot();
+    const auto steps = [&] {
+        return std::pair(model->history().undoStack().size(), model->history().redoStack().size());
+    };
+    const auto stepsBefore = steps();
+    model->cancelCurveEdit(); // none is open
+    model->beginCurveEdit();
+    model->replaceKeyframes({point(0, 1), point(10, 2)});
+    model->addZoomBlock({4, 5});
+    model->cancelCurveEdit();
+    model->endCurveEdit();
+    EXPECT_EQ(model->currentSnapshot(), before);
+    model->setLockCropCenter(false);
+    model->beginCropDrag();
+    model->updateCropDrag(0.9);
+    model->cancelCropDrag();
+    EXPECT_FALSE(model->framing().isCropDragActive());
+    EXPECT_EQ(model->currentSnapshot(), before);
+    EXPECT_EQ(steps(), stepsBefore);
+    rest();
+    EXPECT_EQ(storedProject().keyframes, before.speed);
+
+    model->setTimelineZoom(3);
+    model->scrub(0.45);
+    const TrimState untrimmed = model->trimState();
+    model->applyTrimRange(2.5, 4);
+    model->applyTrimRange(5, 6); // beyond the slow part and its range
+    model->restoreTrim(untrimmed);
+    EXPECT_EQ(model->currentSnapshot(), before);
+    EXPECT_EQ(model->curve().trimRange().lower, 0);
+    EXPECT_EQ(model->timeline().timelineZoom(), 3);
+    EXPECT_NEAR(model->playheadSeconds(), 4.5, 1e-9);
+    open("other.mov");
+    model->applyTrimRange(1, 2);
+    model->restoreTrim(untrimmed);
+    EXPECT_EQ(model->curve().trimRange().lower, 1);
+}
+
 TEST_F(EditSessionTest, FramingAndZoomLeavePreviewsValid) {
     open();
     model->beginCurveEdit();

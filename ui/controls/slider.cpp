@@ -71,12 +71,15 @@ int ValueSlider::valueAt(double x) const {
 void ValueSlider::endGesture() {
     if (!isDragged_) return;
     isDragged_ = false;
+    escape_.end();
     call(onGestureEnd);
 }
 
 void ValueSlider::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     isDragged_ = true;
+    valueBefore_ = value();
+    escape_.begin();
     call(onGestureBegin);
     change(valueAt(event->position().x()));
 }

@@ -1,6 +1,7 @@
 // A value between two ends.
 #pragma once
 
+#include "ui/controls/drag_escape.h"
 #include "ui/controls/hover.h"
 
 #include <QColor>
@@ -10,7 +11,8 @@
 namespace flowtide {
 
 /// Whole steps from minimum() to maximum(). A drag is a gesture between onGestureBegin and onGestureEnd, with the value
-/// of each of its steps in between; a double click goes back to the default, arrows move by a step, as gestures too.
+/// of each of its steps in between, the last one the value before where Esc has cancelled it; a double click goes back
+/// to the default, arrows move by a step, as gestures too.
 class ValueSlider final : public QSlider {
     Q_OBJECT
 
@@ -46,6 +48,11 @@ private:
     QColor color_;
     int defaultValue_;
     bool isDragged_ = false;
+    int valueBefore_ = 0; ///< the drag
+    DragEscape escape_{[this] {
+        change(valueBefore_);
+        endGesture();
+    }};
     Hover hover_{*this};
 };
 

@@ -89,11 +89,15 @@ void ClipLane::paintEvent(QPaintEvent*) {
 }
 
 void ClipLane::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) context_.scrubTo(context_.timeAt(event->position().x()));
+    scrub_.press(*event);
 }
 
 void ClipLane::mouseMoveEvent(QMouseEvent* event) {
-    if (event->buttons() & Qt::LeftButton) context_.scrubTo(context_.timeAt(event->position().x()));
+    scrub_.move(*event);
+}
+
+void ClipLane::mouseReleaseEvent(QMouseEvent* event) {
+    scrub_.release(*event);
 }
 
 void ClipLane::contextMenuEvent(QContextMenuEvent* event) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ui/graph/film_strip.h"
+#include "ui/graph/scrub_drag.h"
 #include "ui/graph/sound_strip.h"
 #include "ui/graph/timeline_lane.h"
 #include "ui/graph/trim_handle.h"
@@ -23,6 +24,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
 private:
@@ -36,6 +38,7 @@ private:
     TrimHandle* end_;
     bool showsFilm_ = true;
     bool showsSound_ = true;
+    ScrubDrag scrub_{context_};
     Subscription changes_;
 };
 

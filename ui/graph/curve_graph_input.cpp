@@ -83,12 +83,14 @@ void CurveGraphInput::press(QPointF place, Qt::KeyboardModifiers modifiers) {
     pressed_ = last_ = place;
     lastModifiers_ = modifiers;
     isDrag_ = false;
+    selectedBefore_ = context_.points().ids();
+    playheadBefore_ = context_.model().timeline().scrubPosition();
+    escape_.begin();
     pressedPoint_ = pointAt(place);
     const bool isShifted = modifiers & Qt::ShiftModifier;
     const bool isAlternate = modifiers & Qt::AltModifier;
     if (isShifted) {
         target_ = GraphDragTarget::marquee;
-        selectedBefore_ = context_.points().ids();
         return;
     }
     if (pressedPoint_) {
@@ -240,7 +242,15 @@ void CurveGraphInput::click(Qt::KeyboardModifiers) {
     }
 }
 
+void CurveGraphInput::cancel() {
+    if (std::exchange(isEdit_, false)) context_.model().cancelCurveEdit();
+    if (target_ == GraphDragTarget::scrub) context_.model().scrub(playheadBefore_);
+    context_.points().select(selectedBefore_);
+    finish();
+}
+
 void CurveGraphInput::finish() {
+    escape_.end();
     edgePan_.stop();
     const bool wasActive = target_ != GraphDragTarget::none;
     if (std::exchange(isEdit_, false)) context_.model().endCurveEdit();

@@ -1,6 +1,7 @@
 // What the pointer does in the graph: scrub, select, and move points.
 #pragma once
 
+#include "ui/controls/drag_escape.h"
 #include "ui/graph/curve_drag.h"
 #include "ui/graph/curve_drag_scale.h"
 #include "ui/graph/curve_point_edits.h"
@@ -43,6 +44,8 @@ public:
     void release(QPointF place, Qt::KeyboardModifiers modifiers);
     /// Ends a gesture where it is.
     void finish();
+    /// Ends it as if it had never begun.
+    void cancel();
 
     GraphPlace placeAt(QPointF place) const;
     std::optional<Uuid> pointAt(QPointF place) const;
@@ -86,6 +89,8 @@ private:
     std::optional<double> snappedTo_;
     std::optional<double> blockedAt_;
     PointSelection::Ids selectedBefore_; ///< a marquee adds to it
+    double playheadBefore_ = 0;          ///< as a fraction of the clip
+    DragEscape escape_{[this] { cancel(); }};
     QRectF marquee_;
     QTimer edgePan_;
 };

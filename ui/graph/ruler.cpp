@@ -77,11 +77,15 @@ void Ruler::paintEvent(QPaintEvent*) {
 }
 
 void Ruler::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton) context_.scrubTo(context_.timeAt(event->position().x()));
+    scrub_.press(*event);
 }
 
 void Ruler::mouseMoveEvent(QMouseEvent* event) {
-    if (event->buttons() & Qt::LeftButton) context_.scrubTo(context_.timeAt(event->position().x()));
+    scrub_.move(*event);
+}
+
+void Ruler::mouseReleaseEvent(QMouseEvent* event) {
+    scrub_.release(*event);
 }
 
 } // namespace flowtide

@@ -1,6 +1,7 @@
 // The times above the graph.
 #pragma once
 
+#include "ui/graph/scrub_drag.h"
 #include "ui/graph/timeline_context.h"
 
 #include <QRectF>
@@ -29,9 +30,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
     TimelineContext& context_;
+    ScrubDrag scrub_{context_};
     Subscription changes_;
 };
 

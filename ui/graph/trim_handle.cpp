@@ -82,6 +82,8 @@ void TrimHandle::leaveEvent(QEvent*) {
 void TrimHandle::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return event->ignore();
     isHeld_ = true;
+    before_ = context_.model().trimState();
+    escape_.begin();
     grip_ = mapToParent(event->position()).x() - context_.axis().xOf(edge());
     context_.holdAxis(true);
     context_.beginLengthChange();
@@ -104,9 +106,17 @@ void TrimHandle::mouseReleaseEvent(QMouseEvent*) {
 void TrimHandle::letGo() {
     if (!isHeld_) return;
     isHeld_ = false;
+    before_.reset();
+    escape_.end();
     context_.setTrimLabel({});
     context_.endLengthChange();
     context_.holdAxis(false);
+}
+
+void TrimHandle::cancel() {
+    context_.model().restoreTrim(*before_);
+    letGo();
+    update();
 }
 
 void TrimHandle::trimTo(double seconds) {

@@ -1,9 +1,11 @@
 // The handle at an end of the kept part of the clip.
 #pragma once
 
+#include "ui/controls/drag_escape.h"
 #include "ui/graph/timeline_context.h"
 
 #include <QWidget>
+#include <optional>
 
 namespace flowtide {
 
@@ -36,11 +38,14 @@ private:
     void trimTo(double seconds);
     void showLabel();
     void letGo();
+    void cancel();
 
     TimelineContext& context_;
     TrimEnd end_;
     bool isHeld_ = false;
     double grip_ = 0; ///< pixels from the edge to where it was grabbed
+    std::optional<TrimState> before_;
+    DragEscape escape_{[this] { cancel(); }};
 };
 
 } // namespace flowtide

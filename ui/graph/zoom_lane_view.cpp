@@ -183,6 +183,8 @@ void ZoomLaneView::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton || !context_.model().clip()) return;
     endEdit();
     isDrag_ = false;
+    selectedBefore_ = context_.model().zoom().selectedZoomBlockID();
+    escape_.begin();
     pressedX_ = event->position().x();
     held_ = hitAt(event->position());
     if (held_) {
@@ -238,12 +240,23 @@ void ZoomLaneView::mouseReleaseEvent(QMouseEvent* event) {
     FlowtideViewModel& model = context_.model();
     if (drawnFrom_ && !isDrag_) model.selectZoomBlock({});
     if (draft_ && draft_->upper - draft_->lower >= ZoomBlockRules::shortestBlock) model.addZoomBlock(*draft_);
+    letGo();
+    endEdit();
+    setHovered(hitAt(event->position()));
+}
+
+void ZoomLaneView::letGo() {
+    escape_.end();
     draft_.reset();
     drawnFrom_.reset();
     held_.reset();
-    endEdit();
-    setHovered(hitAt(event->position()));
     update();
+}
+
+void ZoomLaneView::cancelDrag() {
+    if (std::exchange(isEdit_, false)) context_.model().cancelCurveEdit();
+    context_.model().selectZoomBlock(selectedBefore_);
+    letGo();
 }
 
 void ZoomLaneView::leaveEvent(QEvent*) {

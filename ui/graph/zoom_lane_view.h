@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ui/controls/buttons.h"
+#include "ui/controls/drag_escape.h"
 #include "ui/graph/timeline_lane.h"
 #include "ui/graph/zoom_lane_geometry.h"
 
@@ -37,6 +38,8 @@ private:
     void dragTo(double x);
     void beginEdit();
     void endEdit();
+    void letGo();
+    void cancelDrag();
     void setHovered(std::optional<ZoomHit> hit);
     std::optional<ZoomHit> hitAt(QPointF place) const;
     const ZoomBlock* selected() const;
@@ -50,6 +53,8 @@ private:
     double pressedX_ = 0;
     bool isDrag_ = false;
     bool isEdit_ = false;
+    std::optional<Uuid> selectedBefore_;
+    DragEscape escape_{[this] { cancelDrag(); }};
     Subscription changes_;
 };
 

@@ -135,6 +135,8 @@ void ComparisonView::showEvent(QShowEvent*) {
 
 void ComparisonView::hideEvent(QHideEvent*) {
     wait_.stop();
+    dragged_.reset();
+    escape_.end();
     feed_.setRoom(*this, std::nullopt);
 }
 
@@ -210,6 +212,8 @@ void ComparisonView::drawWords(QPainter& painter, const QRectF& original, const 
 void ComparisonView::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     dragged_ = event->position();
+    panBefore_ = pan_;
+    escape_.begin();
     setCursor(Qt::ClosedHandCursor);
 }
 
@@ -221,7 +225,15 @@ void ComparisonView::mouseMoveEvent(QMouseEvent* event) {
 void ComparisonView::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     dragged_.reset();
+    escape_.end();
     setCursor(Qt::OpenHandCursor);
+}
+
+void ComparisonView::cancelDrag() {
+    dragged_.reset();
+    pan_ = panBefore_;
+    setCursor(Qt::OpenHandCursor);
+    update();
 }
 
 void ComparisonView::wheelEvent(QWheelEvent* event) {

@@ -3,6 +3,7 @@
 
 #include "core/zoom_engine.h"
 #include "editor/flowtide_view_model.h"
+#include "ui/controls/drag_escape.h"
 #include "ui/motion.h"
 #include "ui/viewer/picture_feed.h"
 
@@ -51,6 +52,7 @@ private:
     std::optional<QSize> clipSize() const;
     QPointF pan() const;
     void panBy(QPointF travel);
+    void cancelDrag();
     void drawPane(QPainter& painter, const QRect& pane, const QImage& image, const ZoomEngine::ZoomState& zoom) const;
     void drawWords(QPainter& painter, const QRectF& original, const QRectF& retimed);
 
@@ -58,6 +60,8 @@ private:
     PictureFeed& feed_;
     std::optional<QPointF> pan_; ///< the user's; until then where the crop is
     std::optional<QPointF> dragged_;
+    std::optional<QPointF> panBefore_; ///< the drag
+    DragEscape escape_{[this] { cancelDrag(); }};
     Fade hint_;
     QTimer wait_;
     bool isLate_ = false; ///< the first pair has not come within a moment

@@ -97,8 +97,11 @@ void CropOverlay::drag(QPointF at, const PicturePlace& place) {
         viewerGeometry::draggedTravel(pressTravel_, at.x() - pressX_, place.picture.width(), place.cropShare));
 }
 
-void CropOverlay::end(bool) {
-    model_.endCropDrag();
+void CropOverlay::end(bool isCancelled) {
+    if (isCancelled)
+        model_.cancelCropDrag();
+    else
+        model_.endCropDrag();
 }
 
 bool CropOverlay::nudge(int x, int, bool isShifted, const PicturePlace& place) {

@@ -34,7 +34,7 @@ public:
     virtual Qt::CursorShape cursor(bool isHeld) const { return isHeld ? Qt::ClosedHandCursor : Qt::OpenHandCursor; }
     virtual void begin(QPointF at, Qt::KeyboardModifiers modifiers, const PicturePlace& place) = 0;
     virtual void drag(QPointF at, const PicturePlace& place) = 0;
-    /// `isCancelled`: the drag was interrupted.
+    /// `isCancelled`: what was dragged goes back to where it was.
     virtual void end(bool isCancelled) = 0;
     /// Moves it by keyboard: `x` and `y` are -1, 0 or 1. False when there is nothing to be moved.
     virtual bool nudge(int x, int y, bool isShifted, const PicturePlace& place) = 0;

@@ -75,6 +75,7 @@ bool SubjectOverlay::takes(QPointF at, const PicturePlace& place) const {
 
 void SubjectOverlay::begin(QPointF at, Qt::KeyboardModifiers, const PicturePlace& place) {
     corner_ = viewerGeometry::fractions(place.picture, at);
+    boxBefore_ = box_;
     isDrawing_ = true;
 }
 
@@ -85,7 +86,9 @@ void SubjectOverlay::drag(QPointF at, const PicturePlace& place) {
 void SubjectOverlay::end(bool isCancelled) {
     if (!std::exchange(isDrawing_, false)) return;
     const bool isSubject = box_ && box_->width > smallestSubject && box_->height > smallestSubject;
-    if (isCancelled || !isSubject)
+    if (isCancelled)
+        box_ = boxBefore_;
+    else if (!isSubject)
         box_.reset();
     else
         start();

@@ -39,6 +39,7 @@ private:
     bool isDrawing_ = false;
     QPointF corner_; ///< fractions
     std::optional<SubjectBox> box_;
+    std::optional<SubjectBox> boxBefore_; ///< a drag
 };
 
 } // namespace flowtide

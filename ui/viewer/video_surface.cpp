@@ -235,6 +235,8 @@ void VideoSurface::mousePressEvent(QMouseEvent* event) {
     isDragging_ = false;
     pressed_ = last_ = event->position();
     modifiers_ = event->modifiers();
+    inspectionBefore_ = inspection();
+    escape_.begin();
     held_ = layerAt(pressed_);
     showPointer(pressed_);
 }
@@ -262,7 +264,16 @@ void VideoSurface::mouseReleaseEvent(QMouseEvent* event) {
     showPointer(event->position());
 }
 
+void VideoSurface::cancelDrag() {
+    const bool isPan = isDragging_ && !held_;
+    release(true);
+    if (isPan)
+        model_.setInspection(inspectionBefore_.scale, {inspectionBefore_.center.x(), inspectionBefore_.center.y()});
+    showPointer(last_);
+}
+
 void VideoSurface::release(bool isCancelled) {
+    escape_.end();
     PictureLayer* held = std::exchange(held_, nullptr);
     const bool wasDragging = std::exchange(isDragging_, false);
     isPressed_ = false;

@@ -113,9 +113,12 @@ void ZoomTarget::drag(QPointF at, const PicturePlace& place) {
     model_.updateZoomFocal(Uuid(selected->id), std::clamp(to.x(), 0.0, 1.0), std::clamp(to.y(), 0.0, 1.0), keysMotion_);
 }
 
-void ZoomTarget::end(bool) {
+void ZoomTarget::end(bool isCancelled) {
     if (!std::exchange(isDragged_, false)) return;
-    model_.endCurveEdit();
+    if (isCancelled)
+        model_.cancelCurveEdit();
+    else
+        model_.endCurveEdit();
 }
 
 bool ZoomTarget::nudge(int x, int y, bool isShifted, const PicturePlace&) {

@@ -1,6 +1,7 @@
 #include "tests/support/session_stage.h"
 #include "ui/graph/clip_lane.h"
 #include "ui/graph/curve_graph.h"
+#include "ui/graph/ruler.h"
 #include "ui/graph/timeline_layout.h"
 #include "ui/graph/timeline_pane.h"
 #include "ui/graph/trim_handle.h"
@@ -12,6 +13,8 @@
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <tuple>
 
 namespace flowtide {
 namespace {
@@ -45,7 +48,8 @@ protected:
         const double height = (std::log10(speed) + 1) / (std::log10(4.0) + 1);
         return {static_cast<int>(44 + seconds * 100), static_cast<int>(std::lround(216 - height * 200))};
     }
-    void drag(QWidget* widget, QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {}) {
+    void drag(QWidget* widget, QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {},
+              const std::function<void()>& meanwhile = {}) {
         QTest::mousePress(widget, Qt::LeftButton, modifiers, from);
         settle();
         for (const QPoint& at : {(from + to) / 2, to}) {
@@ -53,6 +57,7 @@ protected:
             QCoreApplication::sendEvent(widget, &move);
             settle();
         }
+        if (meanwhile) meanwhile();
         QTest::mouseRelease(widget, Qt::LeftButton, modifiers, to);
         settle();
     }
@@ -155,6 +160,64 @@ TEST_F(Timeline, ZoomBlocksAreDrawnMovedAndResized) {
     EXPECT_NEAR(model->zoom().zoomBlocks()[0].endTime, 6, 0.02);
     model->undo();
     EXPECT_NEAR(model->zoom().zoomBlocks()[0].endTime, 5, 0.02);
+}
+
+TEST_F(Timeline, EscapeBringsBackWhatWasDragged) {
+    model->replaceKeyframes({point(0, 1), point(3, 2), point(6, 0.5), point(10, 1)});
+    model->addZoomBlock({4, 6});
+    model->addZoomBlock({7, 8});
+    model->undo();
+    model->scrub(0.15);
+    points.select({keyframes()[1].id});
+    settle();
+    const auto state = [&] {
+        return std::tuple(model->currentSnapshot(), points.ids(), model->playheadSeconds(),
+                          model->curve().trimRange().lower, model->zoom().selectedZoomBlockID(),
+                          model->history().undoStack().size(), model->history().redoStack().size(),
+                          model->history().pendingUndoSnapshot().has_value());
+    };
+    const auto before = state();
+    auto* lane = part<ZoomLaneView>();
+    const auto inLane = [&](double seconds) {
+        return QPoint(static_cast<int>(44 + seconds * 100), lane->height() / 2);
+    };
+    const QImage still = lane->grab().toImage();
+    struct Drag {
+        const char* what;
+        QWidget* widget;
+        QPoint from;
+        QPoint to;
+        Qt::KeyboardModifiers modifiers;
+    };
+    QWidget* graph = pane->graph();
+    for (const Drag& each : std::vector<Drag>{
+             {"point", graph, place(6, 0.5), place(7, 1), {}},
+             {"new point", graph, place(1, 1.4), place(1, 3), Qt::AltModifier},
+             {"marquee", graph, place(5, 0.2), place(7, 1), Qt::ShiftModifier},
+             {"scrub", graph, place(5, 0.11), place(7, 0.11), {}},
+             {"ruler", part<Ruler>(), {444, 10}, {644, 10}, {}},
+             {"trim", pane->findChildren<TrimHandle*>()[0], {5, 20}, {305, 20}, {}},
+             {"move", lane, inLane(5), inLane(7), {}},
+             {"resize", lane, inLane(6) - QPoint(3, 0), inLane(8), {}},
+             {"draw", lane, inLane(1), inLane(3), {}},
+         }) {
+        bool isChanged = false;
+        drag(each.widget, each.from, each.to, each.modifiers, [&] {
+            isChanged = state() != before || lane->grab().toImage() != still;
+            QTest::keyClick(graph, Qt::Key_Escape);
+            settle();
+        });
+        EXPECT_TRUE(isChanged) << each.what;
+        EXPECT_EQ(state(), before) << each.what;
+    }
+    PointSelection::Ids both{keyframes()[1].id, keyframes()[2].id};
+    points.select(both);
+    drag(graph, place(6, 0.5), place(7, 1), {}, [&] {
+        EXPECT_NEAR(keyframes()[1].time, 4, 0.02);
+        QTest::keyClick(graph, Qt::Key_Escape);
+    });
+    EXPECT_EQ(model->currentSnapshot(), std::get<0>(before));
+    EXPECT_EQ(points.ids(), both);
 }
 
 TEST_F(Timeline, TheWheelZoomsAroundThePointer) {

@@ -25,10 +25,11 @@ protected:
         ASSERT_EQ(surface().place().picture, QRectF(12, 12, 640, 360));
     }
     VideoSurface& surface() { return pane.surface(); }
-    void drag(QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {}) {
+    void drag(QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {}, bool isCancelled = false) {
         QTest::mousePress(&surface(), Qt::LeftButton, modifiers, from);
         QTest::mouseMove(&surface(), (from + to) / 2);
         QTest::mouseMove(&surface(), to);
+        if (isCancelled) QTest::keyClick(&surface(), Qt::Key_Escape);
         QTest::mouseRelease(&surface(), Qt::LeftButton, modifiers, to);
         scheduler.settle();
     }
@@ -72,6 +73,10 @@ TEST_F(ViewerTest, ADragOfThePictureKeysTheCropAtThePlayhead) {
     QTest::keyClick(&surface(), Qt::Key_Left, Qt::AltModifier);
     EXPECT_NEAR(cropAtPlayhead(), 0.49 + 64 / (640 - place.crop.width()), 1e-9);
     EXPECT_EQ(undone(), 2);
+    drag({320, 200}, {400, 200}, {}, true);
+    EXPECT_FALSE(model->framing().isCropDragActive());
+    EXPECT_EQ(cropAtPlayhead(), 0.5);
+    EXPECT_EQ(undone(), 0);
 }
 
 TEST_F(ViewerTest, TheTargetIsTakenBeforeTheCropAndIsAPlaceWithinIt) {
@@ -89,6 +94,8 @@ TEST_F(ViewerTest, TheTargetIsTakenBeforeTheCropAndIsAPlaceWithinIt) {
     EXPECT_NEAR(model->zoom().block(id)->focalX, 0.75, 0.01);
     EXPECT_NEAR(model->zoom().block(id)->focalY, 0.75, 0.01);
     EXPECT_EQ(cropAtPlayhead(), 0.5);
+    drag(aside, middle, Qt::AltModifier, true);
+    EXPECT_TRUE(model->zoom().block(id)->focalKeyframes.empty());
     drag(aside, middle, Qt::AltModifier);
     ASSERT_EQ(model->zoom().block(id)->focalKeyframes.size(), 1U);
     EXPECT_NEAR(model->zoom().block(id)->focalKeyframes.front().x, 0.5, 0.01);
@@ -107,6 +114,8 @@ TEST_F(ViewerTest, ABoxAroundTheSubjectBeginsItsTracking) {
         ASSERT_TRUE(model->tracking().selectingSubject());
     };
     choose();
+    drag({100, 100}, {200, 200}, {}, true);
+    EXPECT_TRUE(model->tracking().selectingSubject());
     QTest::mousePress(&surface(), Qt::LeftButton, {}, {12 + 64, 12 + 36});
     QTest::mouseMove(&surface(), {12 + 128, 12 + 72});
     QTest::mouseMove(&surface(), {12 + 192, 12 + 108});
@@ -144,6 +153,8 @@ TEST_F(ViewerTest, AMagnifiedPictureIsPannedByWhatNothingTakes) {
     EXPECT_EQ(surface().place().picture.size(), QSizeF(1920, 1080));
     const QPointF before = surface().place().picture.topLeft();
     drag({300, 200}, {280, 230});
+    EXPECT_EQ(surface().place().picture.topLeft(), before + QPointF(-20, 30));
+    drag({300, 200}, {320, 170}, {}, true);
     EXPECT_EQ(surface().place().picture.topLeft(), before + QPointF(-20, 30));
     pane.resize(500, 384);
     EXPECT_EQ(surface().place().picture.size(), QSizeF(1920, 1080));

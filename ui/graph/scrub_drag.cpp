@@ -1,0 +1,23 @@
+#include "ui/graph/scrub_drag.h"
+
+namespace flowtide {
+
+void ScrubDrag::press(const QMouseEvent& event) {
+    if (event.button() != Qt::LeftButton) return;
+    isHeld_ = true;
+    before_ = context_.model().timeline().scrubPosition();
+    escape_.begin();
+    context_.scrubTo(context_.timeAt(event.position().x()));
+}
+
+void ScrubDrag::move(const QMouseEvent& event) {
+    if (isHeld_) context_.scrubTo(context_.timeAt(event.position().x()));
+}
+
+void ScrubDrag::release(const QMouseEvent& event) {
+    if (event.button() != Qt::LeftButton) return;
+    isHeld_ = false;
+    escape_.end();
+}
+
+} // namespace flowtide
