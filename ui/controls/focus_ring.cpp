@@ -12,10 +12,12 @@ namespace flowtide {
 
 namespace {
 constexpr const char* radiusProperty = "flowtide.focusRing";
-}
+constexpr const char* partProperty = "flowtide.focusRingPart";
+} // namespace
 
-void setFocusRing(QWidget& control, double radius) {
+void setFocusRing(QWidget& control, double radius, const QRectF& part) {
     control.setProperty(radiusProperty, radius);
+    control.setProperty(partProperty, part);
 }
 
 FocusRing::FocusRing(QWidget& window)
@@ -39,6 +41,9 @@ bool FocusRing::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseButtonPress:
         movesByKeyboard_ = false;
         hide();
+        break;
+    case QEvent::DynamicPropertyChange:
+        if (target_ && watched == target_) place();
         break;
     case QEvent::Move:
     case QEvent::Resize:
@@ -64,17 +69,24 @@ void FocusRing::place() {
         hide();
         return;
     }
-    const int room = static_cast<int>(std::ceil(distance + lineWidth));
-    const QRect place = QRect(target_->mapTo(&window_, QPoint(0, 0)), target_->size());
-    setGeometry(place.adjusted(-room, -room, room, room));
+    setGeometry(around().toAlignedRect());
+    update();
     raise();
     show();
 }
 
+QRectF FocusRing::around() const {
+    constexpr double room = distance + lineWidth;
+    const QRectF part = target_->property(partProperty).toRectF();
+    const QRectF framed = part.isEmpty() ? QRectF(target_->rect()) : part;
+    return framed.translated(target_->mapTo(&window_, QPoint(0, 0))).adjusted(-room, -room, room, room);
+}
+
 void FocusRing::paintEvent(QPaintEvent*) {
+    if (!target_) return;
     QPainter painter(this);
-    const double radius = target_ ? target_->property(radiusProperty).toDouble() : 0;
-    theme::drawBox(painter, rect(), radius + distance + lineWidth, {}, theme::text, lineWidth);
+    const double radius = target_->property(radiusProperty).toDouble();
+    theme::drawBox(painter, around().translated(-pos()), radius + distance + lineWidth, {}, theme::text, lineWidth);
 }
 
 } // namespace flowtide

@@ -24,12 +24,14 @@ private:
     void follow(QWidget* focused);
     void place();
 
+    QRectF around() const; ///< what it frames, pixels of the window
+
     QWidget& window_;
     QPointer<QWidget> target_;
     bool movesByKeyboard_ = false;
 };
 
-/// `radius`: the control's own.
-void setFocusRing(QWidget& control, double radius);
+/// `radius`: the control's own; `part`: of the control, what the ring goes around where that is not all of it.
+void setFocusRing(QWidget& control, double radius, const QRectF& part = {});
 
 } // namespace flowtide

@@ -33,7 +33,6 @@ ValueSlider::ValueSlider(const QString& name, QColor color, int minimum, int max
     setValue(defaultValue);
     setFixedHeight(20);
     setFocusPolicy(Qt::TabFocus);
-    setFocusRing(*this, theme::laneRadius);
     // The accessibility tree changes values too.
     connect(this, &QSlider::valueChanged, this, [this](int value) {
         if (isDragged_) return;
@@ -119,14 +118,28 @@ void ValueSlider::wheelEvent(QWheelEvent* event) {
     event->ignore();
 }
 
+QRectF ValueSlider::thumb() const {
+    const double share = maximum() > minimum() ? double(value() - minimum()) / (maximum() - minimum()) : 0;
+    return {share * (width() - thumbSize), (height() - thumbSize) / 2, thumbSize, thumbSize};
+}
+
+void ValueSlider::resizeEvent(QResizeEvent* event) {
+    QSlider::resizeEvent(event);
+    setFocusRing(*this, thumbSize / 2, thumb());
+}
+
+void ValueSlider::sliderChange(SliderChange change) {
+    QSlider::sliderChange(change);
+    setFocusRing(*this, thumbSize / 2, thumb());
+}
+
 void ValueSlider::paintEvent(QPaintEvent*) {
     using namespace theme;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     if (!isEnabled()) painter.setOpacity(0.45);
     const double middle = height() / 2.0;
-    const double share = maximum() > minimum() ? double(value() - minimum()) / (maximum() - minimum()) : 0;
-    const double x = thumbSize / 2 + share * (width() - thumbSize);
+    const double x = thumb().center().x();
     drawBox(painter, QRectF(0, middle - trackHeight / 2, width(), trackHeight), trackHeight / 2, border);
     drawBox(painter, QRectF(0, middle - trackHeight / 2, x, trackHeight), trackHeight / 2, color_);
     painter.setPen(Qt::NoPen);

@@ -38,11 +38,14 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void sliderChange(SliderChange change) override;
 
 private:
     void change(int value);
     void changeAtOnce(int value);
     int valueAt(double x) const;
+    QRectF thumb() const;
     void endGesture();
 
     QColor color_;
