@@ -1,5 +1,7 @@
 #include "ui/accessible_role.h"
 
+#include "ui/accessible_items.h"
+
 #include <QAccessibleWidget>
 #include <QVariant>
 
@@ -12,6 +14,7 @@ constexpr const char* roleProperty = "flowtide.accessibleRole";
 QAccessibleInterface* interfaceOf(const QString&, QObject* object) {
     auto* widget = qobject_cast<QWidget*>(object);
     if (!widget) return nullptr;
+    if (QAccessibleInterface* made = makeItemsInterface(*widget)) return made;
     const QVariant role = widget->property(roleProperty);
     if (!role.isValid()) return nullptr;
     // Owned by Qt's cache of interfaces.
@@ -22,6 +25,10 @@ QAccessibleInterface* interfaceOf(const QString&, QObject* object) {
 
 void setAccessibleRole(QWidget& widget, QAccessible::Role role) {
     widget.setProperty(roleProperty, static_cast<int>(role));
+}
+
+void setSpokenName(QWidget& widget, const QString& name) {
+    if (widget.accessibleName() != name) widget.setAccessibleName(name);
 }
 
 void installAccessibleRoles() {

@@ -10,6 +10,9 @@ namespace flowtide {
 /// from Qt's own controls have their roles already.
 void setAccessibleRole(QWidget& widget, QAccessible::Role role);
 
+/// Tells of a name only where it is another one; Qt tells of every name that is set.
+void setSpokenName(QWidget& widget, const QString& name);
+
 /// To be called once, before the first widget is shown.
 void installAccessibleRoles();
 

@@ -112,7 +112,8 @@ MainWindow::MainWindow(SessionHost& host)
     nameIt(*inspector, tr("Inspector"));
     nameIt(*start_, tr("Start screen"));
     nameIt(*workspace_, tr("Workspace"));
-    panes_ = {topBar_, sidebar, viewer_, transport, timeline_, inspector};
+    // The graph for itself, then what else the timeline has.
+    panes_ = {topBar_, sidebar, viewer_, transport, timeline_->graph(), timeline_, inspector};
 
     const auto openProject = [this](const RecentProject& project) {
         if (const auto file = project.projectURL.filePath()) model_.openProject(*file);
@@ -334,7 +335,7 @@ void MainWindow::walkPanes(int direction) {
         at = (at + direction + count) % count;
         QWidget* pane = panes_[static_cast<std::size_t>(at)];
         if (!pane->isVisibleTo(this)) continue;
-        QWidget* first = pane == timeline_ ? timeline_->graph() : pane;
+        QWidget* first = pane == timeline_ ? timeline_->firstLane() : pane;
         // The first in the pane that takes the focus.
         for (QWidget* next = first; next && (next == pane || pane->isAncestorOf(next)); next = next->nextInFocusChain())
             if (next->focusPolicy() & Qt::TabFocus && next->isVisibleTo(this) && next->isEnabled()) {

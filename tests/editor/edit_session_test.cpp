@@ -79,7 +79,7 @@ TEST_F(EditSessionTest, ACancelledGestureNeverWas) {
     EXPECT_EQ(model->currentSnapshot(), before);
     EXPECT_EQ(steps(), stepsBefore);
     rest();
-    EXPECT_EQ(storedProject().keyframes, before.speed);
+    EXPECT_EQ(storedProject().edits.keyframes, before.speed);
 
     model->setTimelineZoom(3);
     model->scrub(0.45);

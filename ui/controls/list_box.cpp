@@ -1,5 +1,6 @@
 #include "ui/controls/list_box.h"
 
+#include "ui/accessible_role.h"
 #include "ui/controls/focus_ring.h"
 #include "ui/icons.h"
 #include "ui/theme.h"
@@ -31,7 +32,7 @@ ListBox::ListBox(const QString& name, QStringList items, QWidget* parent)
 
 void ListBox::setChosen(int index) {
     chosen_ = index;
-    setAccessibleName(QStringLiteral("%1: %2").arg(name_, items_[index]));
+    setSpokenName(*this, QStringLiteral("%1: %2").arg(name_, items_[index]));
     update();
 }
 

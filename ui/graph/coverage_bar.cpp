@@ -1,13 +1,16 @@
 #include "ui/graph/coverage_bar.h"
 
-#include "ui/accessible_role.h"
+#include "ui/controls/focus_ring.h"
+#include "ui/graph/item_steps.h"
 #include "ui/graph/timeline_layout.h"
 #include "ui/theme.h"
 
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QToolTip>
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 
 namespace flowtide {
 
@@ -16,11 +19,19 @@ namespace {
 constexpr double flagWidth = 12;
 constexpr double flagHeight = 10;
 constexpr double flagRise = 7; ///< above the lane
+constexpr double flagRoom = 5; ///< for a flag's ring
 constexpr double poleWidth = 2;
 constexpr double swallowtail = 3;
 constexpr double hitWidth = 20;
 constexpr double hitHeight = 24;
 constexpr int laneTop = CoverageBar::overlap + TimelineLayout::laneAir - TimelineLayout::groundBelowPlot;
+
+Uuid idOf(const CoverageFlag& flag) {
+    Uuid id;
+    std::memcpy(id.bytes.data(), &flag.time, sizeof flag.time);
+    id.bytes.back() = flag.isAfter ? 1 : 0;
+    return id;
+}
 
 } // namespace
 
@@ -37,7 +48,7 @@ std::vector<CoverageFlag> coverageFlags(const std::vector<SubjectTrackingRange>&
 
 CoverageBar::CoverageBar(TimelineContext& context, QWidget* parent)
     : TimelineLane(context, laneTop, TimelineLayout::thinLane, parent) {
-    setAccessibleRole(*this, QAccessible::List);
+    takeFocus(flagRise + flagRoom);
     setAccessibleName(tr("Subject tracking coverage"));
     changes_ = context.model().subscribe(properties({Property::clip, Property::trackedRanges, Property::trimRange,
                                                      Property::isTracking, Property::selectingSubject}),
@@ -48,8 +59,8 @@ CoverageBar::CoverageBar(TimelineContext& context, QWidget* parent)
 void CoverageBar::refresh() {
     hovered_ = nullptr;
     flags_ = coverageFlags(context_.model().trackedRanges());
-    setAccessibleDescription(tr("Teal: tracked frames. Orange flags: subject lost. Click a flag to go to the last "
-                                "tracked frame. Uncoloured sections have not been tracked."));
+    if (current_ && !current()) current_.reset();
+    tree_.changed();
     update();
 }
 
@@ -71,6 +82,10 @@ void CoverageBar::paintFlag(QPainter& painter, const CoverageFlag& flag) const {
     painter.drawPolygon(QPolygonF{
         {x, top}, {end, top}, {end - direction * swallowtail, (top + bottom) / 2}, {end, bottom}, {x, bottom}});
     painter.restore();
+    if (!hasFocus() || current_ != flag) return;
+    const QRectF whole(std::min(x, end), lane.top() - flagRise, flagWidth, lane.height() + flagRise);
+    constexpr double out = FocusRing::distance + FocusRing::lineWidth;
+    theme::drawBox(painter, whole.adjusted(-out, -out, out, out), out, {}, theme::text, FocusRing::lineWidth);
 }
 
 void CoverageBar::paintEvent(QPaintEvent*) {
@@ -105,14 +120,27 @@ void CoverageBar::paintEvent(QPaintEvent*) {
 }
 
 const CoverageFlag* CoverageBar::flagAt(QPointF place) const {
+    const auto hit = std::find_if(flags_.begin(), flags_.end(),
+                                  [&](const CoverageFlag& flag) { return hitBox(flag).contains(place); });
+    return hit == flags_.end() ? nullptr : &*hit;
+}
+
+QRectF CoverageBar::hitBox(const CoverageFlag& flag) const {
+    if (!context_.axis().shows(flag.time)) return {};
     const double middle = ground().top() + TimelineLayout::thinLane / 2.0 - flagRise / 2;
-    for (const CoverageFlag& flag : flags_) {
-        const double center = context_.axis().xOf(flag.time) + (flag.isAfter ? flagWidth : -flagWidth) / 2;
-        if (context_.axis().shows(flag.time) && std::abs(place.x() - center) <= hitWidth / 2 &&
-            std::abs(place.y() - middle) <= hitHeight / 2)
-            return &flag;
-    }
-    return nullptr;
+    const double center = context_.axis().xOf(flag.time) + (flag.isAfter ? flagWidth : -flagWidth) / 2;
+    return {center - hitWidth / 2, middle - hitHeight / 2, hitWidth, hitHeight};
+}
+
+const CoverageFlag* CoverageBar::current() const {
+    const auto found = current_ ? std::find(flags_.begin(), flags_.end(), *current_) : flags_.end();
+    return found == flags_.end() ? nullptr : &*found;
+}
+
+QString CoverageBar::sentence(const CoverageFlag& flag) {
+    const QString side = flag.isAfter ? tr("Subject lost after %1s. Click to review this frame.")
+                                      : tr("Subject lost before %1s. Click to review this frame.");
+    return side.arg(flag.time, 0, 'f', 2);
 }
 
 void CoverageBar::mousePressEvent(QMouseEvent* event) {
@@ -122,7 +150,7 @@ void CoverageBar::mousePressEvent(QMouseEvent* event) {
 
 void CoverageBar::mouseMoveEvent(QMouseEvent* event) {
     const CoverageFlag* flag = flagAt(event->position());
-    context_.setHint(accessibleDescription());
+    context_.setHint(itemSummary());
     if (flag == hovered_) return;
     hovered_ = flag;
     if (flag)
@@ -139,14 +167,72 @@ void CoverageBar::leaveEvent(QEvent*) {
     update();
 }
 
+void CoverageBar::keyPressEvent(QKeyEvent* event) {
+    const CoverageFlag* flag = current();
+    if (const int step = itemStep(*event)) {
+        std::vector<double> times;
+        for (const CoverageFlag& each : flags_)
+            times.push_back(each.time);
+        const auto at = flag ? std::optional(static_cast<std::size_t>(flag - flags_.data())) : std::nullopt;
+        const auto to = steppedItem(times, at, context_.model().playheadSeconds(), step);
+        if (!to) return;
+        current_ = flags_[*to];
+        context_.reveal(current_->time);
+        tree_.currentChanged();
+        return update();
+    }
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (!isEnter || event->modifiers() & ~Qt::KeypadModifier || !flag) return event->ignore();
+    context_.scrubTo(flag->lastFrameTime);
+}
+
+void CoverageBar::focusInEvent(QFocusEvent*) {
+    tree_.focused();
+    update();
+}
+
+void CoverageBar::focusOutEvent(QFocusEvent*) {
+    update();
+}
+
+std::vector<Uuid> CoverageBar::itemIds() const {
+    std::vector<Uuid> ids;
+    for (const CoverageFlag& flag : flags_)
+        ids.push_back(idOf(flag));
+    return ids;
+}
+
+std::optional<AccessibleItem> CoverageBar::accessibleItem(const Uuid& id, std::size_t index) const {
+    if (index >= flags_.size() || idOf(flags_[index]) != id) return {};
+    const CoverageFlag& flag = flags_[index];
+    return AccessibleItem{sentence(flag), hitBox(flag), current_ == flag, {}};
+}
+
+std::optional<Uuid> CoverageBar::currentItem() const {
+    return current_ ? std::optional(idOf(*current_)) : std::nullopt;
+}
+
+std::optional<Uuid> CoverageBar::itemUnder(QPointF place) const {
+    const CoverageFlag* flag = flagAt(place);
+    return flag ? std::optional(idOf(*flag)) : std::nullopt;
+}
+
+QString CoverageBar::itemSummary() const {
+    return tr("Teal: tracked frames. Orange flags: subject lost. Click a flag to go to the last tracked frame. "
+              "Uncoloured sections have not been tracked.");
+}
+
+void CoverageBar::pressItem(const Uuid& id) {
+    for (const CoverageFlag& flag : flags_)
+        if (idOf(flag) == id) return context_.scrubTo(flag.lastFrameTime);
+}
+
 bool CoverageBar::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return TimelineLane::event(event);
     const auto* help = static_cast<QHelpEvent*>(event);
     QString tip;
     if (const CoverageFlag* flag = flagAt(help->pos())) {
-        const QString side = flag->isAfter ? tr("Subject lost after %1s. Click to review this frame.")
-                                           : tr("Subject lost before %1s. Click to review this frame.");
-        tip = side.arg(flag->time, 0, 'f', 2);
+        tip = sentence(*flag);
     } else {
         const double seconds = context_.timeAt(help->pos().x());
         for (const SubjectTrackingRange& range : context_.model().trackedRanges())

@@ -5,8 +5,8 @@
 #include "ui/accessible_role.h"
 #include "ui/graph/curve_graph_menu.h"
 #include "ui/graph/graph_cursors.h"
+#include "ui/graph/item_steps.h"
 #include "ui/keys_owner.h"
-#include "ui/value_text.h"
 
 #include <QContextMenuEvent>
 #include <QGuiApplication>
@@ -39,20 +39,23 @@ CurveGraph::CurveGraph(TimelineContext& context, QWidget* parent)
               window_ = windowBetween(windowFrom_, windowTo_, settle_.value(), input_.axis().isLogScale);
               curveChanged();
           },
-          1) {
+          1)
+    , items_(*this, context, input_, [this] { return geometry(); }) {
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
     setKeysOwner(*this, KeysOwner::editor);
-    setAccessibleRole(*this, QAccessible::Chart);
     connect(&context, &TimelineContext::axisChanged, this, &CurveGraph::axisMoved);
-    connect(&context.points(), &PointSelection::changed, this, &CurveGraph::curveChanged);
+    connect(&context.points(), &PointSelection::changed, this, [this] {
+        curveChanged();
+        items_.tree().changed();
+    });
     changes_ = context.model().subscribe(
         properties({Property::clip, Property::keyframes, Property::curveSmoothing, Property::trimRange,
                     Property::centerKeyframes, Property::centerSmoothing, Property::editorMode,
                     Property::opticalFlowRanges, Property::originalFrameSpans, Property::frameInterpolation,
                     Property::smoothMotionFrameRate, Property::scrubPosition, Property::isCropDragActive}),
         [this](const PropertySet& changed) { refresh(changed); });
-    describe();
+    setAccessibleName(tr("Speed curve"));
 }
 
 void CurveGraph::setPlot(int top, int height) {
@@ -75,6 +78,8 @@ void CurveGraph::refresh(const PropertySet& changed) {
         isStale_ = true;
         followValues(!has(Property::clip) && !has(Property::editorMode));
         curveChanged();
+        setSpokenName(*this, context_.isFraming() ? tr("Framing curve") : tr("Speed curve"));
+        items_.tree().changed();
     } else {
         updateCurveHeight();
     }
@@ -119,7 +124,6 @@ void CurveGraph::curveChanged() {
     // At the end of a drag the window goes back to what the points ask for.
     if (!input_.isMovingPoints() && windowTo_ != wantedWindow()) followValues(true);
     updateCurveHeight();
-    describe();
     update();
 }
 
@@ -335,16 +339,15 @@ bool CurveGraph::event(QEvent* event) {
 }
 
 void CurveGraph::keyPressEvent(QKeyEvent* event) {
-    const bool isUpDown = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
-    const bool isArrow = isUpDown || event->key() == Qt::Key_Left || event->key() == Qt::Key_Right;
+    const bool isArrow = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down || event->key() == Qt::Key_Left ||
+                         event->key() == Qt::Key_Right;
     showsKeyboard_ = true;
     if (isArrow && event->modifiers() & Qt::AltModifier) {
         nudge(event->key(), event->modifiers() & Qt::ShiftModifier);
-    } else if (isUpDown && event->modifiers() == Qt::ShiftModifier) {
+    } else if (const int step = itemStep(*event)) {
         const auto id = curvePointEdits::steppedSelection(input_.points(), context_.points().ids(),
-                                                          context_.model().playheadSeconds(),
-                                                          event->key() == Qt::Key_Up ? -1 : 1, input_.span());
-        if (id) context_.points().select({*id});
+                                                          context_.model().playheadSeconds(), step, input_.span());
+        if (id) items_.pressItem(*id);
     } else {
         event->ignore();
     }
@@ -389,28 +392,13 @@ void CurveGraph::keyReleaseEvent(QKeyEvent* event) {
 
 void CurveGraph::focusInEvent(QFocusEvent* event) {
     showsKeyboard_ = event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    items_.tree().focused();
     update();
 }
 
 void CurveGraph::focusOutEvent(QFocusEvent*) {
     endNudges();
     update();
-}
-
-void CurveGraph::describe() {
-    setAccessibleName(context_.isFraming() ? tr("Framing curve") : tr("Speed curve"));
-    const SpeedKeyframes played = playedPoints(input_.points(), context_.trim(), context_.duration());
-    const auto single = context_.points().single();
-    QString value = context_.points().ids().empty() ? tr("%1 points").arg(played.size())
-                                                    : tr("%1 points selected").arg(context_.points().ids().size());
-    for (std::size_t i = 0; i < played.size() && single; ++i)
-        if (played[i].id == *single)
-            value = tr("Point %1 of %2, %3 seconds, %4")
-                        .arg(i + 1)
-                        .arg(played.size())
-                        .arg(played[i].time, 0, 'f', 3)
-                        .arg(input_.axis().format(played[i].speed));
-    setAccessibleDescription(value);
 }
 
 } // namespace flowtide

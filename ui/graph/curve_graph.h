@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ui/graph/curve_graph_input.h"
+#include "ui/graph/curve_graph_items.h"
 #include "ui/graph/curve_graph_painter.h"
 #include "ui/shortcuts.h"
 
@@ -52,7 +53,6 @@ private:
     void setPointer(Pointer pointer);
     void nudge(int key, bool isTenfold);
     void endNudges();
-    void describe();
     ValueRange wantedWindow() const;
     double guideSpeed() const;
 
@@ -72,6 +72,7 @@ private:
     SpeedKeyframes copied_;
     bool copiedFraming_ = false;
     Subscription changes_;
+    CurveGraphItems items_;
 };
 
 } // namespace flowtide

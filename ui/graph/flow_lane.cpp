@@ -1,6 +1,7 @@
 #include "ui/graph/flow_lane.h"
 
 #include "ui/accessible_role.h"
+#include "ui/graph/item_steps.h"
 #include "ui/graph/timeline_layout.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
@@ -43,7 +44,7 @@ void hatch(QPainter& painter, const QRectF& rect) {
 
 FlowLane::FlowLane(TimelineContext& context, QWidget* parent)
     : TimelineLane(context, laneTop, TimelineLayout::thinLane, parent) {
-    setAccessibleRole(*this, QAccessible::List);
+    takeFocus();
     setAccessibleName(tr("Optical Flow ranges"));
     render_ = new IconButton(QStringLiteral("render"), tr("Render"), {}, this, buttonSize);
     connect(render_, &QAbstractButton::clicked, this, &FlowLane::render);
@@ -80,12 +81,11 @@ void FlowLane::refresh() {
     render_->setEnabled(isMissing && !isBusy);
     render_->setVisible(!items.empty());
     const QString name = selected ? tr("Render this range") : tr("Render all ranges");
-    render_->setAccessibleName(name);
+    setSpokenName(*render_, name);
     render_->setToolTip(name);
     if (items == items_) return;
     items_ = std::move(items);
-    setAccessibleDescription(items_.empty() ? tr("The curve never runs slow enough to need new frames.")
-                                            : tr("%1 ranges").arg(items_.size()));
+    tree_.changed();
     update();
 }
 
@@ -188,8 +188,15 @@ void FlowLane::leaveEvent(QEvent*) {
 }
 
 void FlowLane::contextMenuEvent(QContextMenuEvent* event) {
-    const FlowLaneItem* item = itemAt(event->pos());
+    const bool isByKeys = event->reason() == QContextMenuEvent::Keyboard;
+    const FlowLaneItem* item = isByKeys ? selected() : itemAt(event->pos());
     if (!item) return;
+    const QRectF box = stretch(item->range.lower, item->range.upper);
+    openMenu(*item, isByKeys ? mapToGlobal(box.bottomLeft().toPoint()) : event->globalPos());
+}
+
+void FlowLane::openMenu(const FlowLaneItem& shown, QPoint globalPlace) {
+    const FlowLaneItem* item = &shown;
     FlowtideViewModel& model = context_.model();
     model.selectOpticalFlowRange(item->id);
     auto* menu = new QMenu(this);
@@ -204,7 +211,77 @@ void FlowLane::contextMenuEvent(QContextMenuEvent* event) {
     menu->addAction(item->isOn || !usesFlow ? tr("Use Original Frames") : tr("Use Optical Flow"), this,
                     [&model, id = item->id, enabled = !item->isOn] { model.setOpticalFlow(enabled, id); })
         ->setEnabled(usesFlow && !model.exporting().isExporting());
-    menu->popup(event->globalPos());
+    menu->popup(globalPlace);
+}
+
+const FlowLaneItem* FlowLane::selected() const {
+    const auto found = std::find_if(items_.begin(), items_.end(), [](const auto& item) { return item.isSelected; });
+    return found == items_.end() ? nullptr : &*found;
+}
+
+void FlowLane::keyPressEvent(QKeyEvent* event) {
+    if (const int step = itemStep(*event)) {
+        std::vector<double> starts;
+        for (const FlowLaneItem& item : items_)
+            starts.push_back(item.range.lower);
+        const FlowLaneItem* from = selected();
+        const auto at = from ? std::optional(static_cast<std::size_t>(from - items_.data())) : std::nullopt;
+        if (const auto to = steppedItem(starts, at, context_.model().playheadSeconds(), step))
+            pressItem(items_[*to].id);
+        return;
+    }
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isEnter && !(event->modifiers() & ~Qt::KeypadModifier) && render_->isEnabled()) return render();
+    event->ignore();
+}
+
+void FlowLane::focusInEvent(QFocusEvent*) {
+    tree_.focused();
+}
+
+std::vector<Uuid> FlowLane::itemIds() const {
+    std::vector<Uuid> ids;
+    for (const FlowLaneItem& item : items_)
+        ids.push_back(item.id);
+    return ids;
+}
+
+std::optional<AccessibleItem> FlowLane::accessibleItem(const Uuid& id, std::size_t index) const {
+    if (index >= items_.size() || items_[index].id != id) return {};
+    const FlowLaneItem& item = items_[index];
+    const QString state = !item.isOn        ? tr("original frames")
+                          : item.isRendered ? tr("rendered")
+                          : item.rendering  ? tr("rendering")
+                                            : tr("not rendered");
+    AccessibleItem told;
+    told.name = tr("Optical Flow range %1–%2 seconds, %3")
+                    .arg(item.range.lower, 0, 'f', 2)
+                    .arg(item.range.upper, 0, 'f', 2)
+                    .arg(state);
+    told.place = stretch(item.range.lower, item.range.upper);
+    told.isSelected = item.isSelected;
+    return told;
+}
+
+std::optional<Uuid> FlowLane::currentItem() const {
+    const FlowLaneItem* item = selected();
+    return item ? std::optional(item->id) : std::nullopt;
+}
+
+std::optional<Uuid> FlowLane::itemUnder(QPointF place) const {
+    const FlowLaneItem* item = itemAt(place);
+    return item ? std::optional(item->id) : std::nullopt;
+}
+
+QString FlowLane::itemSummary() const {
+    return items_.empty() ? tr("The curve never runs slow enough to need new frames.")
+                          : tr("%1 ranges").arg(items_.size());
+}
+
+void FlowLane::pressItem(const Uuid& id) {
+    for (const FlowLaneItem& item : items_)
+        if (item.id == id) context_.reveal(item.range.lower);
+    context_.model().selectOpticalFlowRange(id);
 }
 
 } // namespace flowtide

@@ -1,6 +1,7 @@
 // The lane of in-between frames: where they are made, and what of them is rendered.
 #pragma once
 
+#include "ui/accessible_items.h"
 #include "ui/controls/buttons.h"
 #include "ui/graph/flow_lane_items.h"
 #include "ui/graph/timeline_lane.h"
@@ -9,7 +10,8 @@
 
 namespace flowtide {
 
-class FlowLane final : public TimelineLane {
+/// Ranges are selected here; Enter renders what the lane's button would.
+class FlowLane final : public TimelineLane, private AccessibleSource {
     Q_OBJECT
 
 public:
@@ -22,11 +24,22 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
 
 private:
+    std::vector<Uuid> itemIds() const override;
+    std::optional<AccessibleItem> accessibleItem(const Uuid& id, std::size_t index) const override;
+    std::optional<Uuid> currentItem() const override;
+    std::optional<Uuid> itemUnder(QPointF place) const override;
+    QString itemSummary() const override;
+    void pressItem(const Uuid& id) override;
+
     void refresh();
     void paintItem(QPainter& painter, const FlowLaneItem& item) const;
     const FlowLaneItem* itemAt(QPointF place) const;
+    const FlowLaneItem* selected() const;
+    void openMenu(const FlowLaneItem& item, QPoint globalPlace);
     void render();
     void setHovered(const FlowLaneItem* item);
 
@@ -37,6 +50,7 @@ private:
     bool isStale_ = false;
     Subscription changes_;
     Subscription progress_;
+    AccessibleItems tree_{*this, *this, QAccessible::List};
 };
 
 } // namespace flowtide

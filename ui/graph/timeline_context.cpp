@@ -73,6 +73,11 @@ void TimelineContext::pan(double seconds, bool animated) {
     if (duration() > 0) setView(target().panned(seconds), animated);
 }
 
+void TimelineContext::reveal(double seconds) {
+    const TimeAxis now = target();
+    if (!now.shows(seconds)) pan(seconds - now.start - now.span / 2, true);
+}
+
 void TimelineContext::holdAxis(bool holds) {
     if (isHeld_ == holds) return;
     isHeld_ = holds;

@@ -65,6 +65,8 @@ public:
     void zoom(Step step);
     void zoomAround(double x, double factor);
     void pan(double seconds, bool animated);
+    /// Pans so far that a time is in the middle, unless it is in sight.
+    void reveal(double seconds);
     /// While it is held the axis stays as it is, whatever the session says.
     void holdAxis(bool holds);
 

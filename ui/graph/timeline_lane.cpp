@@ -1,7 +1,9 @@
 #include "ui/graph/timeline_lane.h"
 
 #include "core/keyframe_rules.h"
+#include "ui/controls/focus_ring.h"
 #include "ui/icons.h"
+#include "ui/keys_owner.h"
 #include "ui/theme.h"
 
 #include <algorithm>
@@ -20,6 +22,17 @@ TimelineLane::TimelineLane(TimelineContext& context, int top, int laneHeight, QW
     , laneHeight_(laneHeight) {
     setMouseTracking(true);
     connect(&context, &TimelineContext::axisChanged, this, qOverload<>(&QWidget::update));
+}
+
+void TimelineLane::takeFocus(double drawnAbove) {
+    setFocusPolicy(Qt::TabFocus);
+    setKeysOwner(*this, KeysOwner::lane);
+    const auto placeRing = [this, drawnAbove] {
+        setFocusRing(*this, theme::laneRadius + ringRoom,
+                     ground().adjusted(-ringRoom, -drawnAbove, ringRoom, ringRoom));
+    };
+    connect(&context_, &TimelineContext::axisChanged, this, placeRing);
+    placeRing();
 }
 
 QRectF TimelineLane::ground() const {

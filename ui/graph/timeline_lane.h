@@ -17,6 +17,8 @@ public:
     TimelineLane(TimelineContext& context, int top, int laneHeight, QWidget* parent);
 
 protected:
+    /// By Tab. The ring goes around the ground and what is drawn beside it.
+    void takeFocus(double drawnAbove = ringRoom);
     QRectF ground() const;
     void setGround(int top, int laneHeight);
     /// A stretch of source time on the ground, cut at its edges; empty when it is out of sight.
@@ -31,6 +33,8 @@ protected:
     TimelineContext& context_;
 
 private:
+    static constexpr double ringRoom = 4; ///< pixels: for the ring of a selected item
+
     int top_;
     int laneHeight_;
 };

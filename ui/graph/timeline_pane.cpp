@@ -88,6 +88,11 @@ QWidget* TimelinePane::graph() const {
     return graph_;
 }
 
+QWidget* TimelinePane::firstLane() const {
+    if (context_.isFraming()) return coverage_;
+    return flow_;
+}
+
 void TimelinePane::showHint() {
     const QString ofGraph = keyNames::local(tr("Drag empty graph space to scrub. Shift-drag to select points. Pinch or "
                                                "⌥-scroll to zoom the timeline; scroll sideways to pan."));

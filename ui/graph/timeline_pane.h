@@ -33,6 +33,8 @@ public:
     void setPictureHint(const QString& hint);
     /// What has the focus when the window opens.
     QWidget* graph() const;
+    /// The first of the lanes below it that takes the focus.
+    QWidget* firstLane() const;
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 

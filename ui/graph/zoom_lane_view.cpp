@@ -1,12 +1,10 @@
 #include "ui/graph/zoom_lane_view.h"
 
 #include "core/zoom_engine.h"
-#include "ui/accessible_role.h"
-#include "ui/controls/focus_ring.h"
 #include "ui/graph/curve_graph_geometry.h"
+#include "ui/graph/item_steps.h"
 #include "ui/graph/timeline_layout.h"
 #include "ui/key_names.h"
-#include "ui/keys_owner.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
 
@@ -33,15 +31,13 @@ constexpr double ringWidth = 1.5;
 constexpr double ringDistance = 1;
 constexpr double dotSize = 3;
 constexpr int tenfold = 10;
+constexpr double amountStep = 0.1;
 
 } // namespace
 
 ZoomLaneView::ZoomLaneView(TimelineContext& context, QWidget* parent)
     : TimelineLane(context, overlap, TimelineLayout::zoomHeight, parent) {
-    setFocusPolicy(Qt::TabFocus);
-    setFocusRing(*this, theme::laneRadius);
-    setKeysOwner(*this, KeysOwner::lane);
-    setAccessibleRole(*this, QAccessible::List);
+    takeFocus();
     setAccessibleName(tr("Zoom blocks"));
     add_ = new IconButton(QStringLiteral("plus"), tr("Add zoom at playhead"), {}, this, buttonSize);
     connect(add_, &QAbstractButton::clicked, this, [this] { context_.model().addOrSelectZoomBlock(); });
@@ -52,7 +48,9 @@ ZoomLaneView::ZoomLaneView(TimelineContext& context, QWidget* parent)
             PropertySet others = changed;
             others.reset(static_cast<std::size_t>(Property::scrubPosition));
             refresh();
-            if (others.any()) update();
+            if (others.none()) return;
+            tree_.changed();
+            update();
         });
     refresh();
 }
@@ -65,12 +63,6 @@ void ZoomLaneView::refresh() {
     const bool hasRoom = context_.model().canAddOrSelectZoomBlock();
     add_->setEnabled(hasRoom);
     add_->setToolTip(hasRoom ? tr("Add zoom at playhead (Z)") : tr("No room for 0.25 s here."));
-    const ZoomBlock* block = selected();
-    setAccessibleDescription(block ? tr("%1–%2 seconds, %3")
-                                         .arg(block->startTime, 0, 'f', 2)
-                                         .arg(block->endTime, 0, 'f', 2)
-                                         .arg(valueText::speed(block->amount))
-                                   : tr("No zoom block selected."));
 }
 
 const ZoomBlock* ZoomLaneView::selected() const {
@@ -273,21 +265,34 @@ void ZoomLaneView::endEdit() {
 }
 
 void ZoomLaneView::contextMenuEvent(QContextMenuEvent* event) {
-    const auto hit = hitAt(event->pos());
-    if (!hit) return;
+    const bool isByKeys = event->reason() == QContextMenuEvent::Keyboard;
+    const auto id = isByKeys ? currentItem() : itemUnder(event->pos());
+    if (!id) return;
     FlowtideViewModel& model = context_.model();
-    model.selectZoomBlock(hit->block);
+    model.selectZoomBlock(id);
+    const ZoomBlock& block = *model.zoom().block(*id);
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->addAction(tr("Remove focal keyframes"), this, [&model, id = hit->block] { model.removeFocalKeyframes(id); })
-        ->setEnabled(!model.zoom().block(hit->block)->focalKeyframes.empty());
+    menu->addAction(tr("Remove focal keyframes"), this, [&model, id = *id] { model.removeFocalKeyframes(id); })
+        ->setEnabled(!block.focalKeyframes.empty());
     menu->addSeparator();
     menu->addAction(tr("Delete this zoom block") + u'\t' + keyNames::local(QStringLiteral("⌫")), this,
-                    [&model, id = hit->block] { model.removeZoomBlock(id); });
-    menu->popup(event->globalPos());
+                    [&model, id = *id] { model.removeZoomBlock(id); });
+    const QPointF below = stretch(block.startTime, block.endTime).bottomLeft();
+    menu->popup(isByKeys ? mapToGlobal(below.toPoint()) : event->globalPos());
 }
 
 void ZoomLaneView::keyPressEvent(QKeyEvent* event) {
+    if (const int step = itemStep(*event)) {
+        const auto& blocks = context_.model().zoom().zoomBlocks();
+        std::vector<double> starts;
+        for (const ZoomBlock& each : blocks)
+            starts.push_back(each.startTime);
+        const auto at = selected() ? std::optional(static_cast<std::size_t>(selected() - blocks.data())) : std::nullopt;
+        const auto to = steppedItem(starts, at, context_.model().playheadSeconds(), step);
+        if (to) pressItem(Uuid(blocks[*to].id));
+        return;
+    }
     const ZoomBlock* block = selected();
     const auto& clip = context_.model().clip();
     if (!block || !clip || !(event->modifiers() & Qt::AltModifier)) return event->ignore();
@@ -315,8 +320,62 @@ void ZoomLaneView::keyReleaseEvent(QKeyEvent* event) {
     event->ignore();
 }
 
+void ZoomLaneView::focusInEvent(QFocusEvent*) {
+    tree_.focused();
+}
+
 void ZoomLaneView::focusOutEvent(QFocusEvent*) {
     if (!held_) endEdit();
+}
+
+std::vector<Uuid> ZoomLaneView::itemIds() const {
+    std::vector<Uuid> ids;
+    for (const ZoomBlock& block : context_.model().zoom().zoomBlocks())
+        ids.push_back(block.id);
+    return ids;
+}
+
+std::optional<AccessibleItem> ZoomLaneView::accessibleItem(const Uuid& id, std::size_t) const {
+    const ZoomBlock* block = context_.model().zoom().block(id);
+    if (!block) return {};
+    AccessibleItem item;
+    item.name = tr("Zoom block %1–%2 seconds, %3")
+                    .arg(block->startTime, 0, 'f', 2)
+                    .arg(block->endTime, 0, 'f', 2)
+                    .arg(valueText::speed(block->amount));
+    item.place = stretch(block->startTime, block->endTime);
+    item.isSelected = currentItem() == id;
+    item.value = {block->amount, lowestZoomAmount, highestZoomAmount, amountStep};
+    return item;
+}
+
+std::optional<Uuid> ZoomLaneView::currentItem() const {
+    return context_.model().zoom().selectedZoomBlockID();
+}
+
+std::optional<Uuid> ZoomLaneView::itemUnder(QPointF place) const {
+    const auto hit = hitAt(place);
+    return hit ? std::optional(hit->block) : std::nullopt;
+}
+
+QString ZoomLaneView::itemSummary() const {
+    const auto current = currentItem();
+    const auto item = current ? accessibleItem(*current, 0) : std::nullopt;
+    return item ? item->name : tr("No zoom block selected.");
+}
+
+void ZoomLaneView::pressItem(const Uuid& id) {
+    FlowtideViewModel& model = context_.model();
+    if (const ZoomBlock* block = model.zoom().block(id)) context_.reveal(block->startTime);
+    model.selectZoomBlock(id);
+}
+
+void ZoomLaneView::setItemValue(const Uuid& id, double value) {
+    const ZoomBlock* block = context_.model().zoom().block(id);
+    if (!block) return;
+    ZoomBlock changed = *block;
+    changed.amount = value;
+    context_.model().updateZoomBlock(changed);
 }
 
 } // namespace flowtide

@@ -1,6 +1,7 @@
 // The lane of zoom blocks.
 #pragma once
 
+#include "ui/accessible_items.h"
 #include "ui/controls/buttons.h"
 #include "ui/controls/drag_escape.h"
 #include "ui/graph/timeline_lane.h"
@@ -9,7 +10,7 @@
 namespace flowtide {
 
 /// Blocks are drawn, moved, resized and selected here; each drag is one step of history.
-class ZoomLaneView final : public TimelineLane {
+class ZoomLaneView final : public TimelineLane, private AccessibleSource {
     Q_OBJECT
 
 public:
@@ -28,9 +29,18 @@ protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    std::vector<Uuid> itemIds() const override;
+    std::optional<AccessibleItem> accessibleItem(const Uuid& id, std::size_t index) const override;
+    std::optional<Uuid> currentItem() const override;
+    std::optional<Uuid> itemUnder(QPointF place) const override;
+    QString itemSummary() const override;
+    void pressItem(const Uuid& id) override;
+    void setItemValue(const Uuid& id, double value) override;
+
     void refresh();
     void paintBlock(QPainter& painter, const ZoomBlock& block) const;
     void paintRamp(QPainter& painter, const ZoomBlock& block, const QRectF& box) const;
@@ -56,6 +66,7 @@ private:
     std::optional<Uuid> selectedBefore_;
     DragEscape escape_{[this] { cancelDrag(); }};
     Subscription changes_;
+    AccessibleItems tree_{*this, *this, QAccessible::List};
 };
 
 } // namespace flowtide

@@ -1024,6 +1024,26 @@
         <source>Use Optical Flow</source>
         <translation>Optical Flow verwenden</translation>
     </message>
+    <message>
+        <source>original frames</source>
+        <translation>Originalbilder</translation>
+    </message>
+    <message>
+        <source>rendered</source>
+        <translation>berechnet</translation>
+    </message>
+    <message>
+        <source>rendering</source>
+        <translation>wird berechnet</translation>
+    </message>
+    <message>
+        <source>not rendered</source>
+        <translation>nicht berechnet</translation>
+    </message>
+    <message>
+        <source>Optical Flow range %1–%2 seconds, %3</source>
+        <translation>Optical-Flow-Bereich %1–%2 Sekunden, %3</translation>
+    </message>
 </context>
 <context>
     <name>flowtide::FlowRangeRow</name>
@@ -2016,10 +2036,6 @@
         <translation>Hier ist kein Platz für 0,25 s.</translation>
     </message>
     <message>
-        <source>%1–%2 seconds, %3</source>
-        <translation>%1–%2 Sekunden, %3</translation>
-    </message>
-    <message>
         <source>No zoom block selected.</source>
         <translation>Kein Zoom-Block gewählt.</translation>
     </message>
@@ -2038,6 +2054,10 @@
     <message>
         <source>Delete this zoom block</source>
         <translation>Diesen Zoom-Block löschen</translation>
+    </message>
+    <message>
+        <source>Zoom block %1–%2 seconds, %3</source>
+        <translation>Zoom-Block %1–%2 Sekunden, %3</translation>
     </message>
 </context>
 <context>

@@ -1,5 +1,6 @@
 #include "ui/viewer/full_screen_controls.h"
 
+#include "ui/accessible_role.h"
 #include "ui/key_names.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
@@ -73,7 +74,7 @@ bool FullScreenControls::isHeld() const {
 void FullScreenControls::refresh() {
     const bool isPlaying = model_.transport().isPlaying() || model_.transport().isStartingPlayback();
     play_->setIconName(isPlaying ? QStringLiteral("pause") : QStringLiteral("play"));
-    play_->setAccessibleName(isPlaying ? tr("Pause") : tr("Play"));
+    setSpokenName(*play_, isPlaying ? tr("Pause") : tr("Play"));
     loop_->setEnabled(model_.clip() && model_.renders().selectedPreviewRange());
     loop_->setChecked(model_.timeline().loopPreview());
     if (!isVisible()) return;

@@ -1,5 +1,6 @@
 #include "ui/viewer/transport_bar.h"
 
+#include "ui/accessible_role.h"
 #include "ui/key_names.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
@@ -96,7 +97,7 @@ void TransportBar::refreshButtons() {
             button->setEnabled(isOpen);
     const bool isPlaying = model_.transport().isPlaying() || model_.transport().isStartingPlayback();
     play_->setIconName(isPlaying ? QStringLiteral("pause") : QStringLiteral("play"));
-    play_->setAccessibleName(isPlaying ? tr("Pause") : tr("Play"));
+    setSpokenName(*play_, isPlaying ? tr("Pause") : tr("Play"));
     loop_->setEnabled(isOpen && model_.renders().selectedPreviewRange());
     loop_->setChecked(model_.timeline().loopPreview());
     crop_->setChecked(model_.framing().isVerticalCropEnabled());

@@ -1,72 +1,22 @@
-#include "tests/support/session_stage.h"
+#include "tests/ui/graph/timeline_stage.h"
 #include "ui/graph/clip_lane.h"
 #include "ui/graph/curve_graph.h"
 #include "ui/graph/ruler.h"
 #include "ui/graph/timeline_layout.h"
-#include "ui/graph/timeline_pane.h"
 #include "ui/graph/trim_handle.h"
 #include "ui/graph/zoom_lane_view.h"
 
 #include <gmock/gmock.h>
 
-#include <QTest>
+#include <QAccessible>
 #include <QWheelEvent>
-#include <algorithm>
 #include <cmath>
-#include <functional>
 #include <tuple>
 
 namespace flowtide {
 namespace {
 
-/// A timeline of 1088 pixels: 100 for each of the clip's ten seconds.
-class Timeline : public test::SessionStage {
-protected:
-    void SetUp() override {
-        motion::setReduced(true);
-        open();
-        window = std::make_unique<QWidget>();
-        window->resize(1088, 900);
-        pane =
-            new TimelinePane(TimelineServices{*model, points, scheduler, nullptr, [] { return 30.0; }}, window.get());
-        pane->setGeometry(0, 466, 1088, 434);
-        window->show();
-        settle();
-    }
-    void TearDown() override { window.reset(); }
-
-    void settle() {
-        scheduler.settle();
-        QCoreApplication::processEvents();
-    }
-    template <typename Part>
-    Part* part() const {
-        return pane->findChild<Part*>();
-    }
-    /// In the graph.
-    static QPoint place(double seconds, double speed) {
-        const double height = (std::log10(speed) + 1) / (std::log10(4.0) + 1);
-        return {static_cast<int>(44 + seconds * 100), static_cast<int>(std::lround(216 - height * 200))};
-    }
-    void drag(QWidget* widget, QPoint from, QPoint to, Qt::KeyboardModifiers modifiers = {},
-              const std::function<void()>& meanwhile = {}) {
-        QTest::mousePress(widget, Qt::LeftButton, modifiers, from);
-        settle();
-        for (const QPoint& at : {(from + to) / 2, to}) {
-            QMouseEvent move(QEvent::MouseMove, at, widget->mapToGlobal(at), Qt::NoButton, Qt::LeftButton, modifiers);
-            QCoreApplication::sendEvent(widget, &move);
-            settle();
-        }
-        if (meanwhile) meanwhile();
-        QTest::mouseRelease(widget, Qt::LeftButton, modifiers, to);
-        settle();
-    }
-    const SpeedKeyframes& keyframes() const { return model->curve().keyframes(); }
-
-    PointSelection points;
-    std::unique_ptr<QWidget> window;
-    TimelinePane* pane = nullptr; ///< in the window
-};
+using Timeline = test::TimelineStage;
 
 TEST_F(Timeline, APressOnTheCurveMakesAPointAndHoldsIt) {
     QWidget* graph = pane->graph();
@@ -123,7 +73,8 @@ TEST_F(Timeline, KeysMoveThePoints) {
     pane->perform(Command::pastePoints);
     EXPECT_EQ(keyframes()[1].time, 3);
     settle();
-    EXPECT_EQ(pane->graph()->accessibleDescription(), "Point 2 of 4, 3.000 seconds, 1x");
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(pane->graph())->text(QAccessible::Description),
+              "Point 2 of 4, 3.000 seconds, 1x");
 }
 
 TEST_F(Timeline, TheHandlesTrimAndTheAxisWaits) {
