@@ -157,6 +157,7 @@ public:
     void pausePlayback() { preview_.transport().pausePlayback(); }
     void shuttleForward() { preview_.transport().shuttleForward(); }
     void shuttleBackward() { preview_.transport().shuttleBackward(); }
+    void setMuted(bool muted) { preview_.transport().setMuted(muted); }
     void nudgePlayhead(int frames) { preview_.transport().nudgePlayhead(frames); }
     void scrub(double position, bool preservePlayback = false) {
         preview_.transport().scrub(position, preservePlayback);

@@ -48,6 +48,7 @@ enum class Property {
     isStartingPlayback,
     shuttleRate,
     loopSeekPending,
+    isMuted,
     clipSound,
     comparisonEnabled,
     comparisonMessage,

@@ -365,12 +365,16 @@ QMenu* MainWindow::makeMenu() {
     forClip << menu->addAction(tr("Reset trim"), this, [this] { model_.resetTrimRange(); });
     menu->addSeparator();
     forClip << add(tr("Full-screen preview"), QStringLiteral("⌘F"), Command::fullScreen);
+    QAction* mute = menu->addAction(tr("Mute"), this, [this] { model_.setMuted(!model_.transport().isMuted()); });
+    mute->setCheckable(true);
+    forClip << mute;
     menu->addSeparator();
     add(tr("Keyboard Shortcuts"), QStringLiteral("?"), Command::showShortcuts);
     menu->addAction(tr("What's New"), this, [this] { messages_->showWhatsNew(); });
     menu->addAction(tr("Check for Updates…"), this, [this] { messages_->showUpdates(); });
     menu->addAction(tr("About"), this, [this] { messages_->showAbout(); });
-    connect(menu, &QMenu::aboutToShow, this, [this, forClip] {
+    connect(menu, &QMenu::aboutToShow, this, [this, forClip, mute] {
+        mute->setChecked(model_.transport().isMuted());
         for (QAction* action : forClip)
             action->setEnabled(model_.clip() != nullptr);
     });

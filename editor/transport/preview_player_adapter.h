@@ -31,6 +31,7 @@ public:
         player_.play(rate);
         call(onActivity);
     }
+    void setMuted(bool muted) override { player_.setMuted(muted); }
     double requestedRate() const override { return player_.requestedRate(); }
     double rate() const override { return player_.rate(); }
     OutputSeconds currentTime() override { return player_.currentTime(); }

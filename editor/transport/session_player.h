@@ -29,6 +29,8 @@ public:
     /// Plays at a rate of -8 to 8; 0 pauses.
     virtual void play(double rate) = 0;
     void pause() { play(0); }
+    /// Of all that it plays. Nothing to do for players without sound.
+    virtual void setMuted(bool) {}
     virtual double requestedRate() const = 0;
     /// 0 while play still waits for its first frames, and at the ends.
     virtual double rate() const = 0;

@@ -28,7 +28,8 @@ Transport::Transport(EditSession& session, PreviewRefresh& refresh, SessionPlaye
     , isPlaying_(notifier, Property::isPlaying)
     , isStartingPlayback_(notifier, Property::isStartingPlayback)
     , shuttleRate_(notifier, Property::shuttleRate)
-    , loopSeekPending_(notifier, Property::loopSeekPending) {}
+    , loopSeekPending_(notifier, Property::loopSeekPending)
+    , isMuted_(notifier, Property::isMuted) {}
 
 void Transport::togglePlayback() {
     if (isPlaying() || isStartingPlayback())
@@ -112,6 +113,11 @@ void Transport::stop() {
     loopSeekPending_.set(false);
     isPlaying_.set(false);
     shuttleRate_.set(0);
+}
+
+void Transport::setMuted(bool muted) {
+    isMuted_.set(muted);
+    player_.setMuted(muted);
 }
 
 void Transport::reset() {

@@ -37,6 +37,7 @@ public:
     bool isStartingPlayback() const { return isStartingPlayback_.get(); }
     /// 0 when stopped; negative backward.
     float shuttleRate() const { return shuttleRate_.get(); }
+    bool isMuted() const { return isMuted_.get(); }
     /// A jump of the loop is not done yet.
     bool loopSeekPending() const { return loopSeekPending_.get(); }
 
@@ -51,6 +52,9 @@ public:
     void nudgePlayhead(int frames);
     /// Moves the playhead to a fraction of the clip, limited to the trim. Pauses, unless `preservePlayback`.
     void scrub(double position, bool preservePlayback);
+
+    /// For all clips until the session ends.
+    void setMuted(bool muted);
 
     /// Another clip, or none: stops where it is.
     void reset();
@@ -98,6 +102,7 @@ private:
     Observed<bool> isStartingPlayback_;
     Observed<float> shuttleRate_;
     Observed<bool> loopSeekPending_;
+    Observed<bool> isMuted_;
     std::shared_ptr<const Intent> playbackIntentToken_ = std::make_shared<const Intent>();
     float startingRate_ = 0;
     OutputSeconds playedFrom_; ///< where this play began, or was moved to

@@ -110,6 +110,7 @@ void PreviewPlayer::openSound() {
     }
     output_.reset();
     feed_ = std::make_shared<SoundFeed>(format);
+    feed_->setMuted(isMuted_);
     feed_->setSound(std::move(sound));
     const AudioPull pull = [feed = feed_](std::span<float> interleaved) { feed->pull(interleaved); };
     if (platform_.openAudio) output_ = platform_.openAudio(format, pull);
@@ -119,6 +120,11 @@ void PreviewPlayer::openSound() {
     output_->start();
     heardFrames_ = 0;
     heardClock_ = platform_.clock->seconds();
+}
+
+void PreviewPlayer::setMuted(bool muted) {
+    isMuted_ = muted;
+    if (feed_) feed_->setMuted(muted);
 }
 
 void PreviewPlayer::play(double rate) {

@@ -60,6 +60,8 @@ public:
     void pause() { play(0); }
     /// From the end in the direction of play on from the other one. Off at first.
     void setLooping(bool loops) { loops_ = loops; }
+    /// Of this item and all that follow. Off at first.
+    void setMuted(bool muted);
     double requestedRate() const { return requestedRate_; }
     /// 0 while play still waits for its first frames, and at the ends.
     double rate() const { return timeline_.rate(); }
@@ -123,6 +125,7 @@ private:
     PlaybackTimeline timeline_;
     double requestedRate_ = 0;
     bool loops_ = false;
+    bool isMuted_ = false;
     bool begins_ = false;   ///< play waits for its first frames
     double beginClock_ = 0; ///< since when
     double restClock_ = 0;  ///< when the playhead was last moved or stopped

@@ -70,6 +70,11 @@ void SoundFeed::setRate(double rate) {
     stretches_[stretchCount_++] = next;
 }
 
+void SoundFeed::setMuted(bool muted) {
+    const std::scoped_lock guard(lock_);
+    isMuted_ = muted;
+}
+
 void SoundFeed::pull(std::span<float> interleaved) {
     const std::scoped_lock guard(lock_);
     render(interleaved);
@@ -78,7 +83,7 @@ void SoundFeed::pull(std::span<float> interleaved) {
 
 void SoundFeed::render(std::span<float> interleaved) {
     const Stretch& stretch = stretches_[stretchCount_ - 1];
-    if (!retimer_ || stretch.rate == 0) {
+    if (!retimer_ || stretch.rate == 0 || isMuted_) {
         std::ranges::fill(interleaved, 0.0F);
         return;
     }

@@ -43,6 +43,9 @@ public:
     /// Goes on from what was pulled last, at another rate.
     void setRate(double rate);
 
+    /// Muted, all goes on, unheard.
+    void setMuted(bool muted);
+
     /// Called by the device.
     void pull(std::span<float> interleaved);
 
@@ -69,6 +72,7 @@ private:
     std::array<Stretch, 16> stretches_{}; ///< oldest first; more rate changes than these in one latency are forgotten
     std::size_t stretchCount_ = 1;
     std::int64_t pulledFrames_ = 0;
+    bool isMuted_ = false;
 };
 
 } // namespace flowtide

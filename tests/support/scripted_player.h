@@ -29,6 +29,7 @@ public:
         place(currentTime().value);
         rate_ = rate;
     }
+    void setMuted(bool muted) override { isMuted = muted; }
     double requestedRate() const override { return rate_; }
     double rate() const override { return isStalled ? 0 : rate_; }
     OutputSeconds currentTime() override {
@@ -50,6 +51,7 @@ public:
     bool completesSeeks = true;
     bool arrivesLate = false; ///< seeks are without effect
     bool isStalled = false;
+    bool isMuted = false; ///< as it was told
     void moveTo(double time) { place(std::clamp(time, 0.0, duration())); }
     void setStatus(PlayerStatus status, std::string failure = {}) {
         status_ = status;

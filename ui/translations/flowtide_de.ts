@@ -1252,6 +1252,18 @@
         <source>Pause</source>
         <translation>Anhalten</translation>
     </message>
+    <message>
+        <source>Mute</source>
+        <translation>Stumm</translation>
+    </message>
+    <message>
+        <source>Turn the sound on</source>
+        <translation>Ton einschalten</translation>
+    </message>
+    <message>
+        <source>Turn the sound off</source>
+        <translation>Ton ausschalten</translation>
+    </message>
 </context>
 <context>
     <name>flowtide::FullScreenPreview</name>
@@ -1451,6 +1463,10 @@
     <message>
         <source>Cancel export and close</source>
         <translation>Export abbrechen und schließen</translation>
+    </message>
+    <message>
+        <source>Mute</source>
+        <translation>Stumm</translation>
     </message>
 </context>
 <context>

@@ -43,15 +43,18 @@ FullScreenControls::FullScreenControls(FlowtideViewModel& model, std::function<v
     play_->setRound(playDiameter);
     loop_ = add(QStringLiteral("loop"), tr("Loop"), tr("Loop this range"),
                 [this] { model_.setLoopPreview(!model_.timeline().loopPreview()); });
-    loop_->setCheckable(true);
-    right_ = {loop_, add(QStringLiteral("full-screen-exit"), tr("Leave full screen"),
-                         keyNames::local(tr("Leave full screen (⌘F)")), command(Command::fullScreen))};
+    mute_ = add(QStringLiteral("sound"), tr("Mute"), {}, [this] { model_.setMuted(!model_.transport().isMuted()); });
+    for (IconButton* toggle : {loop_, mute_})
+        toggle->setCheckable(true);
+    right_ = {mute_, loop_,
+              add(QStringLiteral("full-screen-exit"), tr("Leave full screen"),
+                  keyNames::local(tr("Leave full screen (⌘F)")), command(Command::fullScreen))};
     scrub_->installEventFilter(this);
     changes_ = model_.subscribe(
         properties({Property::clip, Property::scrubPosition, Property::keyframes, Property::curveSmoothing,
-                    Property::trimRange, Property::isPlaying, Property::isStartingPlayback, Property::loopPreview,
-                    Property::selectedOpticalFlowRangeID, Property::opticalFlowRanges, Property::originalFrameSpans,
-                    Property::frameInterpolation, Property::renderedPreviews}),
+                    Property::trimRange, Property::isPlaying, Property::isStartingPlayback, Property::isMuted,
+                    Property::loopPreview, Property::selectedOpticalFlowRangeID, Property::opticalFlowRanges,
+                    Property::originalFrameSpans, Property::frameInterpolation, Property::renderedPreviews}),
         [this](const PropertySet&) { refresh(); });
     refresh();
 }
@@ -77,6 +80,11 @@ void FullScreenControls::refresh() {
     setSpokenName(*play_, isPlaying ? tr("Pause") : tr("Play"));
     loop_->setEnabled(model_.clip() && model_.renders().selectedPreviewRange());
     loop_->setChecked(model_.timeline().loopPreview());
+    const bool isMuted = model_.transport().isMuted();
+    mute_->setEnabled(model_.clip() && model_.clip()->audio);
+    mute_->setChecked(isMuted);
+    mute_->setIconName(isMuted ? QStringLiteral("mute") : QStringLiteral("sound"));
+    mute_->setToolTip(isMuted ? tr("Turn the sound on") : tr("Turn the sound off"));
     if (!isVisible()) return;
     scrub_->refresh();
     update(0, height() - bottomMargin - rowHeight, width() / 2, rowHeight);

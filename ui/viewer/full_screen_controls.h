@@ -42,6 +42,7 @@ private:
     std::vector<IconButton*> right_;
     IconButton* play_;
     IconButton* loop_;
+    IconButton* mute_;
     Subscription changes_;
 };
 

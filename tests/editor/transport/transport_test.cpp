@@ -60,6 +60,16 @@ TEST_F(TransportTest, ShuttlesInPowersOfTwo) {
     EXPECT_TRUE(transport().isPlaying());
 }
 
+TEST_F(TransportTest, StaysMutedForOtherClips) {
+    model->setMuted(true);
+    open();
+    open("other.mov");
+    EXPECT_TRUE(player.isMuted);
+    EXPECT_TRUE(model->transport().isMuted());
+    model->setMuted(false);
+    EXPECT_FALSE(player.isMuted);
+}
+
 TEST_F(TransportTest, APlayFromAnEndBeginsAtTheOther) {
     open();
     model->applyTrimRange(1, 9);

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace flowtide::test {
@@ -135,6 +136,24 @@ TEST(SoundFeed, FitsTheDevice) {
     empty.pull(out);
     EXPECT_EQ(out, std::vector<float>(64, 0));
     EXPECT_NEAR(empty.positionAt(32).value, 0.032, 1e-12) << "silence takes its time too";
+}
+
+TEST(SoundFeed, GoesOnWhileItIsMuted) {
+    const PlayableSound sound = sweep(2);
+    const auto pulled = [&](bool mutesAtFirst) {
+        SoundFeed feed({static_cast<int>(rate), 2});
+        feed.setSound(sound);
+        feed.playFrom({0.25}, 1);
+        feed.setMuted(mutesAtFirst);
+        std::vector<float> out(2 * 1000);
+        feed.pull(std::span(out).first(2 * 400));
+        feed.setMuted(false);
+        feed.pull(std::span(out).subspan(2 * 400));
+        return out;
+    };
+    std::vector<float> expected = pulled(false);
+    std::fill_n(expected.begin(), 2 * 400, 0.0F);
+    EXPECT_EQ(pulled(true), expected);
 }
 
 } // namespace
