@@ -38,9 +38,11 @@ def main(program, folder):
     window.find("demo.mov")
     left, top, width, height = window.plot()
     window.drag(left + width * 0.5, top + height * ONE_X, left + width * 0.5, top + height * 0.7)
+    window.find("Point 2 of 3, ", "list item")
     # A zoom block at the playhead, and a crop to 9:16.
     window.press(left + width * 0.2, top + height * 0.95)
     window.key("z", "v")
+    window.find("Zoom block ", "list item")
     # The subject.
     window.click("Framing", "radio button")
     window.click("Track subject", "push button")
