@@ -59,6 +59,8 @@ enum class Property {
     isTracking,
     trackingProgress,
     trackingPreview,
+    trackingCoverage,
+    chosenSubject,
     trackingMessage,
     trackingStoppedAt,
     isExporting,

@@ -84,7 +84,8 @@ void FramingEdits::applySubjectTrackingResult(const SubjectTrackResult& result) 
     const ImportedClip& clip = *session_.clip();
     SpeedKeyframes keyframes = session_.framing.centerKeyframes();
     const double first = result.samples.front().time - spanTolerance;
-    const double last = result.samples.back().time + spanTolerance;
+    // The last frame is shown to its end: a point left there would draw the crop away from the subject.
+    const double last = result.samples.back().time + clip.frameDuration.seconds() + spanTolerance;
     std::erase_if(keyframes, [&](const SpeedKeyframe& each) { return each.time >= first && each.time <= last; });
     const SpeedKeyframes tracked = trackedKeyframes(result);
     keyframes.insert(keyframes.end(), tracked.begin(), tracked.end());

@@ -1,11 +1,13 @@
 // Hands the operations on.
 #include "editor/jobs/engine_session_media.h"
 
+#include "editor/jobs/tracking_reporter.h"
 #include "media/export/export_engine.h"
 #include "media/preview/proxy_engine.h"
 #include "media/tracking/subject_tracking_engine.h"
 #include "project/clip_fingerprint.h"
 
+#include <chrono>
 #include <string_view>
 #include <utility>
 
@@ -21,6 +23,10 @@ std::function<void(double)> listening(Engine& engine, const std::function<void(d
         if (isCancelled()) engine.cancel();
         onProgress(fraction);
     };
+}
+
+double steadySeconds() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 } // namespace
@@ -97,20 +103,8 @@ SubjectTrackResult EngineSessionMedia::track(const ImportedClip& clip, SourceSec
                                              const SubjectBox& seedBox, SourceRange range,
                                              const std::function<void(TrackingProgress)>& onProgress,
                                              const CancelCheck& isCancelled) {
-    TrackingProgress latest{0, seedTime.value, seedBox, false};
-    SubjectTrackingCallbacks callbacks;
-    callbacks.progress = [&](double fraction) {
-        latest.fraction = fraction;
-        onProgress(latest);
-    };
-    callbacks.sighted = [&](const tracking::Sighting& sighting) {
-        latest.time = sighting.time;
-        latest.box = sighting.box;
-    };
-    callbacks.looking = [&](bool isLooking) {
-        latest.isLooking = isLooking;
-        onProgress(latest);
-    };
+    TrackingReporter reporter(clip, onProgress, steadySeconds);
+    SubjectTrackingCallbacks callbacks = reporter.callbacks();
     callbacks.isCancelled = isCancelled;
     return SubjectTrackingEngine(backend_).track(clip, seedTime, seedBox, range, callbacks);
 }

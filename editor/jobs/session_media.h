@@ -15,16 +15,25 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace flowtide {
 
-/// Progress of a track: its share, and where the subject was seen last.
+/// A subject in one frame, to be looked at.
+struct SubjectView {
+    double time = 0;               ///< source seconds
+    std::optional<SubjectBox> box; ///< nothing while it is looked for
+    DisplayFrame picture;          ///< of the whole frame, perhaps smaller; may be null
+};
+
+/// Progress of a track.
 struct TrackingProgress {
-    double fraction = 0; ///< 0...0.99
-    double time = 0;     ///< source seconds
-    SubjectBox box;
-    bool isLooking = false; ///< the subject is lost and looked for
+    double fraction = 0;                             ///< 0...0.99
+    bool isLooking = false;                          ///< the subject is lost and looked for
+    std::vector<SubjectTrackResult::Sample> samples; ///< found since the last progress, away from the chosen frame
+    std::shared_ptr<const SubjectView> view;         ///< the frame that was looked at last; null: none to be shown
 };
 
 /// The long operations, each a call that blocks until it is done. Called off the main thread, several at a time; they

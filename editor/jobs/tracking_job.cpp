@@ -24,6 +24,8 @@ TrackingJob::TrackingJob(EditSession& session, SessionJobs& jobs, ChangeNotifier
     , isTracking_(notifier, Property::isTracking)
     , trackingProgress_(notifier, Property::trackingProgress)
     , trackingPreview_(notifier, Property::trackingPreview)
+    , trackingCoverage_(notifier, Property::trackingCoverage)
+    , chosenSubject_(notifier, Property::chosenSubject)
     , trackingMessage_(notifier, Property::trackingMessage)
     , trackingStoppedAt_(notifier, Property::trackingStoppedAt) {}
 
@@ -58,19 +60,20 @@ void TrackingJob::receiveFrame(Outcome<SourceFrame>& outcome) {
 
 void TrackingJob::startTracking(const SubjectBox& box) {
     if (!session_.clip() || isTracking()) return;
+    SubjectView chosen{session_.playheadSeconds(), box, {}};
+    if (subjectSelectionBuffer()) chosen.picture = *subjectSelectionBuffer();
+    chosenSubject_.set(std::make_shared<const SubjectView>(std::move(chosen)));
+    trackingPreview_.set(chosenSubject());
+    soFar_ = {};
     selectingSubject_.set(false);
     subjectSelectionBuffer_.set(nullptr);
     isTracking_.set(true);
     trackingProgress_.set(0);
-    trackingPreview_.set(box);
     trackingStoppedAt_.set({});
     trackingMessage_.set("Following the subject…");
     const std::uint64_t id = ++trackingID_;
     const auto onProgress = jobs_.home<TrackingProgress>([this, id](const TrackingProgress& progress) {
-        if (id != trackingID_ || !isTracking()) return;
-        trackingProgress_.set(progress.fraction);
-        trackingPreview_.set(progress.box);
-        trackingMessage_.set(progress.isLooking ? "Looking for the subject…" : "Following the subject…");
+        if (id == trackingID_ && isTracking()) receiveProgress(progress);
     });
     jobs_.start(
         BackgroundQueue::jobs,
@@ -83,13 +86,35 @@ void TrackingJob::startTracking(const SubjectBox& box) {
         });
 }
 
+void TrackingJob::receiveProgress(const TrackingProgress& progress) {
+    trackingProgress_.set(progress.fraction);
+    trackingMessage_.set(progress.isLooking ? "Looking for the subject…" : "Following the subject…");
+    if (progress.view) trackingPreview_.set(progress.view);
+    if (progress.samples.empty()) return;
+    auto& samples = soFar_.samples; // each new one belongs at one of its ends
+    for (const SubjectTrackResult::Sample& sample : progress.samples)
+        samples.insert(!samples.empty() && sample.time < samples.front().time ? samples.begin() : samples.end(),
+                       sample);
+    SourceRanges covered;
+    for (const SubjectTrackingRange& range :
+         soFar_.trackedRanges(session_.clip()->frameDuration.seconds(), session_.curve.trimRange()))
+        covered.push_back({range.start, range.end});
+    trackingCoverage_.set(std::move(covered));
+}
+
+void TrackingJob::stopFollowing() {
+    isTracking_.set(false);
+    trackingPreview_.set(nullptr);
+    trackingCoverage_.set({});
+    chosenSubject_.set(nullptr);
+}
+
 void TrackingJob::cancelTracking() {
     ++trackingID_;
     cancelFlag_.raise();
     selectingSubject_.set(false);
     subjectSelectionBuffer_.set(nullptr);
-    isTracking_.set(false);
-    trackingPreview_.set({});
+    stopFollowing();
     trackingMessage_.set({});
     session_.preview().scheduleSmartPreview();
 }
@@ -99,8 +124,7 @@ TrackingJob::Basis TrackingJob::basis() const {
 }
 
 void TrackingJob::finish(Outcome<SubjectTrackResult>& outcome, const Basis& before) {
-    isTracking_.set(false);
-    trackingPreview_.set({});
+    stopFollowing();
     try {
         const SubjectTrackResult& result = outcome.get();
         if (basis() != before) {

@@ -24,8 +24,12 @@ public:
     const std::shared_ptr<const DisplayFrame>& subjectSelectionBuffer() const { return subjectSelectionBuffer_.get(); }
     bool isTracking() const { return isTracking_.get(); }
     double trackingProgress() const { return trackingProgress_.get(); } ///< 0...1
-    /// Where the subject was seen last while it is followed.
-    const std::optional<SubjectBox>& trackingPreview() const { return trackingPreview_.get(); }
+    /// The frame that was looked at last while the subject is followed; else null.
+    const std::shared_ptr<const SubjectView>& trackingPreview() const { return trackingPreview_.get(); }
+    /// What is covered so far while the subject is followed.
+    const SourceRanges& trackingCoverage() const { return trackingCoverage_.get(); }
+    /// The frame from which the subject is being followed, and what was drawn on it; else null.
+    const std::shared_ptr<const SubjectView>& chosenSubject() const { return chosenSubject_.get(); }
     const std::optional<std::string>& trackingMessage() const { return trackingMessage_.get(); }
     /// The last tracked frame before a loss that ended the tracking, source seconds.
     const std::optional<double>& trackingStoppedAt() const { return trackingStoppedAt_.get(); }
@@ -48,6 +52,8 @@ private:
     };
     Basis basis() const;
     void receiveFrame(Outcome<SourceFrame>& outcome);
+    void receiveProgress(const TrackingProgress& progress);
+    void stopFollowing();
     void finish(Outcome<SubjectTrackResult>& outcome, const Basis& before);
     std::string closingSentence(const SubjectTrackResult& result) const;
 
@@ -60,9 +66,12 @@ private:
     Observed<std::shared_ptr<const DisplayFrame>> subjectSelectionBuffer_;
     Observed<bool> isTracking_;
     Observed<double> trackingProgress_;
-    Observed<std::optional<SubjectBox>> trackingPreview_;
+    Observed<std::shared_ptr<const SubjectView>> trackingPreview_;
+    Observed<SourceRanges> trackingCoverage_;
+    Observed<std::shared_ptr<const SubjectView>> chosenSubject_;
     Observed<std::optional<std::string>> trackingMessage_;
     Observed<std::optional<double>> trackingStoppedAt_;
+    SubjectTrackResult soFar_;     ///< its samples
     std::uint64_t trackingID_ = 0; ///< a result of another one is late
     CancelFlag cancelFlag_;
 };

@@ -39,6 +39,12 @@ private:
     std::int64_t done_ = 0;
 };
 
+std::optional<SubjectBox> boxAt(const DirectionTracking& direction, double time) {
+    const auto& sightings = direction.sightings();
+    if (sightings.empty() || sightings.back().time != time) return std::nullopt;
+    return sightings.back().box;
+}
+
 /// Follows one direction to its end. True when it was given up.
 bool followAll(DirectionTracking& direction, PictureWalk& walk, Progress& progress,
                const SubjectTrackingCallbacks& callbacks) {
@@ -50,6 +56,7 @@ bool followAll(DirectionTracking& direction, PictureWalk& walk, Progress& progre
             callbacks.sighted(direction.sightings()[told]);
         if (callbacks.looking && wasLooking != direction.isLooking()) callbacks.looking(direction.isLooking());
         wasLooking = direction.isLooking();
+        if (callbacks.looked) callbacks.looked(*picture, boxAt(direction, picture->time));
         progress.frameDone();
         if (!goesOn) return true;
     }
@@ -82,6 +89,7 @@ SubjectTrackResult SubjectTrackingEngine::track(const ImportedClip& clip, Source
     DirectionTracking forward(tracker->copy(), seedBox, seed->time);
     DirectionTracking backward(tracker->copy(), seedBox, seed->time);
     if (callbacks.sighted) callbacks.sighted({seed->time, seedBox});
+    if (callbacks.looked) callbacks.looked(*seed, seedBox);
     progress.frameDone();
 
     const bool gaveUpForward = followAll(forward, *forwardWalk, progress, callbacks);

@@ -9,11 +9,15 @@
 #include "media/tracking/kernels.h"
 
 #include <functional>
+#include <optional>
 
 namespace flowtide {
 
 class MediaBackend;
 struct ImportedClip;
+namespace tracking {
+struct TimedPicture;
+}
 
 /// What a tracking job tells while it runs, on its own thread. Any may be empty; none may block.
 struct SubjectTrackingCallbacks {
@@ -21,6 +25,8 @@ struct SubjectTrackingCallbacks {
     std::function<void(double)> progress;
     /// The subject in a frame, as soon as it is sure. Some frames are told of together, when it was lost before.
     std::function<void(const tracking::Sighting&)> sighted;
+    /// Every picture once it has been looked at, and where the subject is in it as far as that is sure by then.
+    std::function<void(const tracking::TimedPicture&, const std::optional<SubjectBox>&)> looked;
     /// Whether it is being looked for, when that changes.
     std::function<void(bool)> looking;
     CancelCheck isCancelled;

@@ -90,8 +90,8 @@ public:
     SubjectTrackResult track(const ImportedClip&, SourceSeconds, const SubjectBox&, SourceRange,
                              const std::function<void(TrackingProgress)>& onProgress,
                              const CancelCheck& isCancelled) override {
-        onProgress({0.4, 2, {0.1, 0.2, 0.3, 0.4}, true});
-        if (whileTracking) whileTracking();
+        onProgress({0.4, true, {}, {}});
+        if (whileTracking) whileTracking(onProgress);
         throwIfCancelled(isCancelled);
         ++uncancelled;
         if (failure) throw FlowtideError::readerFailed(*failure);
@@ -112,7 +112,7 @@ public:
     std::vector<ExportRequest> rendered; ///< previews
     std::set<std::filesystem::path> previewFiles;
     std::function<void(const std::function<void(double)>&)> whileExporting;
-    std::function<void()> whileTracking;
+    std::function<void(const std::function<void(TrackingProgress)>&)> whileTracking;
 };
 
 class SessionStage : public testing::Test {

@@ -24,6 +24,9 @@ constexpr double poleWidth = 2;
 constexpr double swallowtail = 3;
 constexpr double hitWidth = 20;
 constexpr double hitHeight = 24;
+constexpr double chevronGap = 6; ///< from the end of what is covered
+constexpr double chevronSize = 4;
+constexpr double chevronStroke = 1.75;
 constexpr int laneTop = CoverageBar::overlap + TimelineLayout::laneAir - TimelineLayout::groundBelowPlot;
 
 Uuid idOf(const CoverageFlag& flag) {
@@ -50,9 +53,10 @@ CoverageBar::CoverageBar(TimelineContext& context, QWidget* parent)
     : TimelineLane(context, laneTop, TimelineLayout::thinLane, parent) {
     takeFocus(flagRise + flagRoom);
     setAccessibleName(tr("Subject tracking coverage"));
-    changes_ = context.model().subscribe(properties({Property::clip, Property::trackedRanges, Property::trimRange,
-                                                     Property::isTracking, Property::selectingSubject}),
-                                         [this](const PropertySet&) { refresh(); });
+    changes_ = context.model().subscribe(
+        properties({Property::clip, Property::trackedRanges, Property::trimRange, Property::isTracking,
+                    Property::selectingSubject, Property::trackingCoverage, Property::chosenSubject}),
+        [this](const PropertySet&) { refresh(); });
     refresh();
 }
 
@@ -88,6 +92,36 @@ void CoverageBar::paintFlag(QPainter& painter, const CoverageFlag& flag) const {
     theme::drawBox(painter, whole.adjusted(-out, -out, out, out), out, {}, theme::text, FocusRing::lineWidth);
 }
 
+void CoverageBar::paintTracked(QPainter& painter, const SourceRange& range) const {
+    const QRectF box = stretch(range.lower, range.upper);
+    if (!box.isEmpty())
+        theme::drawBox(painter, theme::onPixels(painter, box), theme::laneRadius, theme::faded(theme::framing, 0.85));
+}
+
+/// Where tracking goes on: forward first, then back from the chosen frame.
+void CoverageBar::paintGrowth(QPainter& painter) const {
+    const auto& model = context_.model();
+    const TrackingJob& tracking = model.tracking();
+    const SourceRanges& covered = tracking.trackingCoverage();
+    if (covered.empty() || !tracking.chosenSubject() || !tracking.trackingPreview()) return;
+    const double frame = model.clip()->frameDuration.seconds();
+    const SourceRange trim = model.curve().trimRange();
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(theme::framing, chevronStroke, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    const auto draw = [&](double time, double direction) {
+        if (!context_.axis().shows(time)) return;
+        const double base = context_.axis().xOf(time) + direction * chevronGap;
+        const double middle = ground().center().y();
+        painter.drawPolyline(QPolygonF{
+            {base, middle - chevronSize}, {base + direction * chevronSize, middle}, {base, middle + chevronSize}});
+    };
+    if (covered.front().lower > trim.lower + frame) draw(covered.front().lower, -1);
+    const bool goesForward = tracking.trackingPreview()->time > tracking.chosenSubject()->time - frame;
+    if (goesForward && covered.back().upper < trim.upper - frame) draw(covered.back().upper, 1);
+    painter.restore();
+}
+
 void CoverageBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect().adjusted(0, overlap, 0, 0), theme::pane);
@@ -95,20 +129,21 @@ void CoverageBar::paintEvent(QPaintEvent*) {
     paintSign(painter, QStringLiteral("track"), ground());
     const auto& model = context_.model();
     const auto& ranges = model.trackedRanges();
-    for (const SubjectTrackingRange& range : ranges) {
-        const QRectF box = stretch(range.start, range.end);
-        if (!box.isEmpty())
-            theme::drawBox(painter, theme::onPixels(painter, box), theme::laneRadius,
-                           theme::faded(theme::framing, 0.85));
-    }
-    const bool isChoosing = model.tracking().isTracking() || model.tracking().selectingSubject();
+    for (const SubjectTrackingRange& range : ranges)
+        paintTracked(painter, {range.start, range.end});
+    const TrackingJob& tracking = model.tracking();
+    for (const SourceRange& range : tracking.trackingCoverage())
+        paintTracked(painter, range);
+    paintGrowth(painter);
+    const bool isChoosing = tracking.isTracking() || tracking.selectingSubject();
     if (ranges.empty() && !isChoosing && model.clip())
         theme::drawLine(painter, ground().adjusted(8, 0, -8, 0), Qt::AlignLeft, theme::Type::small, theme::text2,
                         tr("No tracked frames yet. Use Track subject in the Framing inspector."));
-    if (isChoosing && context_.axis().shows(model.playheadSeconds())) {
-        QPen pen(theme::framing, theme::hairlineWidth(painter), Qt::DashLine, Qt::FlatCap);
+    const double chosen = tracking.chosenSubject() ? tracking.chosenSubject()->time : model.playheadSeconds();
+    if (isChoosing && context_.axis().shows(chosen)) {
+        QPen pen(theme::text, theme::hairlineWidth(painter), Qt::DashLine, Qt::FlatCap);
         painter.setPen(pen);
-        const double x = std::round(context_.axis().xOf(model.playheadSeconds())) + theme::hairlineWidth(painter) / 2;
+        const double x = std::round(context_.axis().xOf(chosen)) + theme::hairlineWidth(painter) / 2;
         painter.drawLine(QPointF(x, ground().top()), QPointF(x, ground().bottom()));
     }
     painter.save();

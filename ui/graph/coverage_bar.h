@@ -53,6 +53,8 @@ private:
     QRectF hitBox(const CoverageFlag& flag) const;
     static QString sentence(const CoverageFlag& flag);
     void paintFlag(QPainter& painter, const CoverageFlag& flag) const;
+    void paintTracked(QPainter& painter, const SourceRange& range) const;
+    void paintGrowth(QPainter& painter) const;
 
     std::vector<CoverageFlag> flags_;
     const CoverageFlag* hovered_ = nullptr; ///< in flags_

@@ -710,6 +710,13 @@
     </message>
 </context>
 <context>
+    <name>flowtide::ChosenFrame</name>
+    <message>
+        <source>Chosen frame</source>
+        <translation>Gewähltes Bild</translation>
+    </message>
+</context>
+<context>
     <name>flowtide::ClipLane</name>
     <message>
         <source>Clip</source>

@@ -1,11 +1,14 @@
 #include "ui/viewer/subject_overlay.h"
 
 #include "ui/theme.h"
+#include "ui/value_text.h"
+#include "ui/viewer/picture_painter.h"
 #include "ui/viewer/viewer_geometry.h"
 
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 namespace flowtide {
 
@@ -33,6 +36,16 @@ void drawCorners(QPainter& painter, const QRectF& box) {
             }
     }
     painter.restore();
+}
+
+/// Over the box, or in it where there is no room above.
+void drawTime(QPainter& painter, const QRectF& box, double time, const QRectF& picture) {
+    const std::vector<picturePainter::ChipPart> parts{
+        {valueText::timeCode(time), theme::Type::codeSmall, theme::framing}};
+    const double above = box.top() - picturePainter::chipMargin - picturePainter::chipHeight;
+    const double left = std::min(box.left(), picture.right() - picturePainter::chipWidth(parts));
+    picturePainter::drawChip(painter, {left, above >= picture.top() ? above : box.top() + picturePainter::chipMargin},
+                             parts);
 }
 
 } // namespace
@@ -65,8 +78,11 @@ void SubjectOverlay::paint(QPainter& painter, const PicturePlace& place) const {
         painter.drawRect(box);
         painter.restore();
     }
-    if (model_.tracking().isTracking() && model_.tracking().trackingPreview())
-        drawCorners(painter, placed(place.picture, *model_.tracking().trackingPreview()));
+    const auto& followed = model_.tracking().trackingPreview();
+    if (!followed || !followed->box) return;
+    const QRectF box = placed(place.picture, *followed->box);
+    drawCorners(painter, box);
+    drawTime(painter, box, followed->time, place.picture);
 }
 
 bool SubjectOverlay::takes(QPointF at, const PicturePlace& place) const {

@@ -152,6 +152,8 @@ void VideoSurface::paintPicture(QPainter& painter, const PicturePlace& place) co
     if (model_.tracking().selectingSubject() && model_.tracking().subjectSelectionBuffer())
         return picturePainter::draw(painter, place.picture, imageOf(*model_.tracking().subjectSelectionBuffer()),
                                     wholePicture);
+    if (const auto& followed = model_.tracking().trackingPreview(); followed && followed->picture)
+        return picturePainter::draw(painter, place.picture, imageOf(followed->picture), wholePicture);
     const auto shown = feed_.shown();
     if (!shown) return;
     const QRectF zoomed = zoomWindow(zoomOf(*shown));

@@ -1,5 +1,6 @@
 #include "ui/viewer/viewer_pane.h"
 
+#include "ui/viewer/chosen_frame.h"
 #include "ui/viewer/comparison_view.h"
 #include "ui/viewer/magnifier.h"
 #include "ui/viewer/state_chip.h"
@@ -20,12 +21,13 @@ ViewerPane::ViewerPane(FlowtideViewModel& model, PictureFeed& feed, QWidget* par
     , comparison_(new ComparisonView(model, feed, this))
     , state_(new StateChip(model, feed, this))
     , magnifier_(new Magnifier(this))
-    , subject_(new SubjectPanel(model, this)) {
+    , subject_(new SubjectPanel(model, this))
+    , chosen_(new ChosenFrame(model, this)) {
     surface_->onHint = [this](const QString& hint) {
         if (onHint) onHint(hint);
     };
     surface_->onDrawingBox = [this](bool isDrawing) { subject_->setHiddenForDrawing(isDrawing); };
-    state_->onResized = subject_->onResized = [this] { place(); };
+    state_->onResized = subject_->onResized = chosen_->onResized = [this] { place(); };
     magnifier_->onChoice = [this](std::optional<double> magnification) { surface_->magnify(magnification); };
     magnifier_->canMagnify = [this](double magnification) { return surface_->canMagnify(magnification); };
     changes_ = model_.subscribe(properties({Property::clip, Property::comparisonEnabled, Property::inspectionScale,
@@ -72,10 +74,12 @@ void ViewerPane::place() {
     magnifier_->move(width() - margin + Magnifier::padding - magnifier_->width(), margin);
     state_->setOnPicture(picture.intersects(state_->geometry()));
     magnifier_->setOnPicture(picture.intersects(magnifier_->geometry()));
+    chosen_->move(margin - ChosenFrame::padding, margin - ChosenFrame::padding);
+    chosen_->setOnPicture(picture.intersects(chosen_->geometry()));
     const int bottom = std::min(static_cast<int>(picture.bottom()), height() - margin) - margin;
     subject_->move((width() - subject_->width()) / 2, std::max(bottom - subject_->height(), margin));
-    for (QWidget* above :
-         {static_cast<QWidget*>(state_), static_cast<QWidget*>(magnifier_), static_cast<QWidget*>(subject_)})
+    for (QWidget* above : {static_cast<QWidget*>(chosen_), static_cast<QWidget*>(state_),
+                           static_cast<QWidget*>(magnifier_), static_cast<QWidget*>(subject_)})
         above->raise();
 }
 

@@ -8,6 +8,7 @@
 
 namespace flowtide {
 
+class ChosenFrame;
 class ComparisonView;
 class Magnifier;
 class StateChip;
@@ -42,6 +43,7 @@ private:
     StateChip* state_;
     Magnifier* magnifier_;
     SubjectPanel* subject_;
+    ChosenFrame* chosen_;
     Subscription changes_;
 };
 

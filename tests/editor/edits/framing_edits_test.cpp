@@ -23,7 +23,7 @@ TEST_F(FramingEditsTest, ACropDragKeysThePlayhead) {
     ASSERT_EQ(model->framing().centerKeyframes().size(), 3U);
     EXPECT_EQ(model->framing().centerKeyframes()[1].time, 4);
     EXPECT_EQ(model->framing().centerKeyframes()[1].speed, 1);
-    for (const auto& [time, count] : {std::pair{4.009, 3U}, {4.02, 4U}, {0.005, 4U}}) {
+    for (const auto& [time, count] : {std::pair{4.009, 3U}, {4.02, 4U}, {0.01, 4U}}) {
         model->scrub(time / 10);
         model->beginCropDrag();
         model->updateCropDrag(0.25);
@@ -56,7 +56,8 @@ TEST_F(FramingEditsTest, TheGlideIsTheExportsOwn) {
 TEST_F(FramingEditsTest, ATrackReplacesTheFramingOfItsSpan) {
     open();
     model->replaceCenterKeyframes({point(0, 0.1), point(3.998, 0.9), point(3.9995, 0.9), point(5, 0.9),
-                                   point(7.0005, 0.3), point(7.002, 0.3), point(10, 0.3)});
+                                   point(7 + 1 / 30.0 + 0.0005, 0.3), point(7 + 1 / 30.0 + 0.002, 0.3),
+                                   point(10, 0.3)});
     SubjectTrackResult result;
     for (int frame = 120; frame <= 210; ++frame) // 4 s to 7 s, from left to right
         result.samples.push_back({frame / 30.0, 0.2 + 0.6 * (frame - 120) / 90});

@@ -1,5 +1,5 @@
 // Exports, proxies and tracking: their course, their ends, and results that come too late.
-#include "tests/support/session_stage.h"
+#include "tests/editor/preview/render_ahead_stage.h"
 
 namespace flowtide::test {
 namespace {
@@ -163,23 +163,39 @@ TEST_F(JobsTest, TrackingTellsHowFarItIs) {
                  model->tracking().trackingMessage());
 
     const SubjectBox drawn{0.1, 0.1, 0.2, 0.2};
+    model->scrub(0.4);
     model->startTracking(drawn);
+    model->scrub(0.6);                          // which leaves the chosen frame
     model->startTracking({0.3, 0.1, 0.2, 0.2}); // one at a time
     model->beginSubjectSelection();
     EXPECT_FALSE(model->tracking().selectingSubject());
     EXPECT_EQ(model->tracking().trackingProgress(), 0);
-    EXPECT_EQ(model->tracking().trackingPreview(), drawn);
-    bool isHeard = false;
-    media->whileTracking = [&] {
+    EXPECT_EQ(model->tracking().chosenSubject()->time, 4);
+    EXPECT_EQ(model->tracking().trackingPreview()->box, drawn);
+    constexpr double frame = 1.0 / 30;
+    std::vector<SourceRanges> covered;
+    media->whileTracking = [&](const std::function<void(TrackingProgress)>& onProgress) {
         scheduler.turn();
-        isHeard = true;
         EXPECT_EQ(model->tracking().trackingProgress(), 0.4);
-        EXPECT_EQ(model->tracking().trackingPreview(), (SubjectBox{0.1, 0.2, 0.3, 0.4}));
         EXPECT_EQ(model->tracking().trackingMessage(), "Looking for the subject…");
+        const auto view = std::make_shared<const SubjectView>(SubjectView{4.2, SubjectBox{0.1, 0.2, 0.3, 0.4}, {}});
+        onProgress({0.5, false, {{4, 0.5}, {4 + frame, 0.5}, {4 + 5 * frame, 0.5}}, view});
+        onProgress({0.6, false, {}, {}});
+        scheduler.turn();
+        EXPECT_EQ(model->tracking().trackingPreview(), view); // until there is another
+        EXPECT_EQ(model->tracking().trackingMessage(), "Following the subject…");
+        covered.push_back(model->tracking().trackingCoverage());
+        onProgress({0.7, false, {{4 - frame, 0.5}, {4 - 2 * frame, 0.5}}, {}});
+        scheduler.turn();
+        covered.push_back(model->tracking().trackingCoverage());
     };
     scheduler.settle();
-    EXPECT_TRUE(isHeard);
-    EXPECT_FALSE(model->tracking().trackingPreview());
+    ASSERT_EQ(covered.size(), 2U);
+    expectRanges(covered[0], {{4, 4 + 2 * frame}, {4 + 5 * frame, 4 + 6 * frame}});
+    expectRanges(covered[1], {{4 - 2 * frame, 4 + 2 * frame}, {4 + 5 * frame, 4 + 6 * frame}});
+    EXPECT_FALSE(model->tracking().trackingPreview() || model->tracking().chosenSubject());
+    EXPECT_TRUE(model->tracking().trackingCoverage().empty());
+    media->whileTracking = {};
 
     // Another shape of the crop would need other framing.
     media->tracked = straightTrack();

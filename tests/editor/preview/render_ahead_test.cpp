@@ -52,7 +52,12 @@ TEST_F(RenderAheadTest, AnIdleRenderBeginsASecondAfterTheLastActivity) {
     model->scrub(0.9);
     scheduler.advance(1.1);
     EXPECT_TRUE(isRendering());
-    model->beginCurveEdit(); // ends it
+    model->beginSubjectSelection(); // ends it
+    EXPECT_FALSE(isRendering());
+    model->cancelTracking();
+    scheduler.advance(1.1);
+    EXPECT_TRUE(isRendering());
+    model->beginCurveEdit(); // likewise
     EXPECT_FALSE(isRendering());
     model->scrub(0.9);
     scheduler.advance(1.1);

@@ -1,4 +1,5 @@
 // Whole tracking jobs on drawn clips: what comes out, and how they end.
+#include "media/tracking/picture_walk.h"
 #include "media/tracking/subject_tracking_engine.h"
 #include "tests/media/tracking/drawn_subject.h"
 
@@ -89,7 +90,15 @@ TEST(SubjectTrackingEngineTest, WhatIsHiddenForAWhileIsPickedUpAgain) {
     SubjectTrackingCallbacks callbacks;
     callbacks.looking = [&](bool looking) { looks.push_back(looking); };
     callbacks.sighted = [&](const tracking::Sighting& sighting) { told.push_back(sighting.time); };
+    std::size_t looked = 0;
+    callbacks.looked = [&](const tracking::TimedPicture& picture, const std::optional<SubjectBox>& box) {
+        ++looked;
+        if (!box) return;
+        EXPECT_FALSE(isHidden(picture.time)) << picture.time;
+        EXPECT_NEAR(box->midX(), swaying(picture.time).midX(), 0.02) << picture.time;
+    };
     const SubjectTrackResult result = job.run(callbacks);
+    EXPECT_EQ(looked, 75u);
     expectFollows(result, job, "hidden twice");
     EXPECT_EQ(result.samples.size() + result.lostFrames.size(), 75u);
     for (const auto& sample : result.samples)

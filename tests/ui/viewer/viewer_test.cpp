@@ -121,8 +121,8 @@ TEST_F(ViewerTest, ABoxAroundTheSubjectBeginsItsTracking) {
     QTest::mouseMove(&surface(), {12 + 192, 12 + 108});
     QTest::mouseRelease(&surface(), Qt::LeftButton, {}, {12 + 192, 12 + 108});
     ASSERT_TRUE(model->tracking().isTracking());
-    EXPECT_NEAR(model->tracking().trackingPreview()->x, 0.1, 1e-9);
-    EXPECT_NEAR(model->tracking().trackingPreview()->height, 0.2, 1e-9);
+    EXPECT_NEAR(model->tracking().trackingPreview()->box->x, 0.1, 1e-9);
+    EXPECT_NEAR(model->tracking().trackingPreview()->box->height, 0.2, 1e-9);
     EXPECT_TRUE(pane.endTopmost());
     EXPECT_FALSE(model->tracking().isTracking());
     EXPECT_FALSE(pane.endTopmost());
@@ -134,7 +134,7 @@ TEST_F(ViewerTest, ABoxAroundTheSubjectBeginsItsTracking) {
     QTest::keyClick(&surface(), Qt::Key_Right, Qt::AltModifier);
     QTest::keyClick(&surface(), Qt::Key_Return);
     ASSERT_TRUE(model->tracking().isTracking());
-    EXPECT_NEAR(model->tracking().trackingPreview()->x, SubjectOverlay::firstBox.x + 0.01, 1e-9);
+    EXPECT_NEAR(model->tracking().trackingPreview()->box->x, SubjectOverlay::firstBox.x + 0.01, 1e-9);
     scheduler.settle();
     ASSERT_TRUE(model->tracking().trackingMessage()); // the closing sentence
     EXPECT_TRUE(pane.endTopmost());
