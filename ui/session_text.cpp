@@ -2,19 +2,18 @@
 
 #include <QCoreApplication>
 #include <QRegularExpression>
-#include <QStringList>
-#include <algorithm>
 #include <array>
 
 namespace flowtide {
 
 namespace {
 
-/// With a place for each number, and for what follows a colon.
+/// With a place for each number, and for what is named.
 constexpr std::array sentences{
     QT_TRANSLATE_NOOP("Session", "Saving…"),
     QT_TRANSLATE_NOOP("Session", "Saved"),
     QT_TRANSLATE_NOOP("Session", "Saved as a copy: this project was changed elsewhere."),
+    QT_TRANSLATE_NOOP("Session", "Could not save: %1"),
     QT_TRANSLATE_NOOP("Session", "Could not save your project"),
     QT_TRANSLATE_NOOP("Session", "Could not change the list of projects"),
     QT_TRANSLATE_NOOP("Session", "Preview not rendered"),
@@ -33,6 +32,7 @@ constexpr std::array sentences{
     QT_TRANSLATE_NOOP("Session", "Following the subject…"),
     QT_TRANSLATE_NOOP("Session", "Looking for the subject…"),
     QT_TRANSLATE_NOOP("Session", "Framing changed while tracking. Track again to keep your new edits."),
+    QT_TRANSLATE_NOOP("Session", "Tracking complete: %1 framing points across the retained clip. %2 to undo."),
     QT_TRANSLATE_NOOP("Session", "Tracking finished with gaps. Review the orange flags where the subject was lost."),
     QT_TRANSLATE_NOOP("Session", "Tracking stopped — subject lost. Choose a clearer frame and try again."),
     QT_TRANSLATE_NOOP("Session", "Tracking stopped — subject lost. Tracked %1 keyframes. Review the orange flags."),
@@ -40,26 +40,27 @@ constexpr std::array sentences{
                                  "relink it."),
 };
 
+/// Each place stands for some text.
+QRegularExpression patternOf(const char* sentence) {
+    QString pattern = QRegularExpression::escape(QString::fromUtf8(sentence));
+    for (const char* place : {"\\%1", "\\%2"})
+        pattern.replace(QLatin1String(place), QStringLiteral("(.+)"));
+    return QRegularExpression(QRegularExpression::anchoredPattern(pattern));
+}
+
 } // namespace
 
 QString sessionText(const std::string& sentence) {
     const QString said = QString::fromStdString(sentence);
-    QString pattern = said;
-    QStringList numbers;
-    static const QRegularExpression number(QStringLiteral("\\d+"));
-    for (auto found = number.match(said); found.hasMatch(); found = number.match(said, found.capturedEnd())) {
-        numbers << found.captured();
-        pattern.replace(pattern.indexOf(found.captured()), found.capturedLength(),
-                        QStringLiteral("%%1").arg(numbers.size()));
+    for (const char* known : sentences) {
+        const auto found = patternOf(known).match(said);
+        if (!found.hasMatch()) continue;
+        QString translated = QCoreApplication::translate("Session", known);
+        for (int place = 1; place <= found.lastCapturedIndex(); ++place)
+            translated.replace(QStringLiteral("%%1").arg(place), found.captured(place));
+        return translated;
     }
-    const QByteArray wanted = pattern.toUtf8();
-    const bool isKnown =
-        std::any_of(sentences.begin(), sentences.end(), [&](const char* known) { return wanted == known; });
-    if (!isKnown) return said;
-    QString translated = QCoreApplication::translate("Session", wanted.constData());
-    for (qsizetype index = 0; index < numbers.size(); ++index)
-        translated.replace(QStringLiteral("%%1").arg(index + 1), numbers[index]);
-    return translated;
+    return said;
 }
 
 } // namespace flowtide

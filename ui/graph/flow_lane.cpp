@@ -134,9 +134,9 @@ void FlowLane::paintItem(QPainter& painter, const FlowLaneItem& item) const {
         drawBox(painter, box.adjusted(-away - ring, -away - ring, away + ring, away + ring), laneRadius + away + ring,
                 {}, theme::text, ring);
     }
-    const auto words = [&](const QString& text, const QRectF& solid) {
-        if (textWidth(Type::smallBold, text) + 2 * textRoom <= solid.width())
-            drawLine(painter, solid.adjusted(textRoom, 0, 0, 0), Qt::AlignLeft, Type::smallBold, well, text);
+    const auto words = [&](const QString& sentence, const QRectF& solid) {
+        if (textWidth(Type::smallBold, sentence) + 2 * textRoom <= solid.width())
+            drawLine(painter, solid.adjusted(textRoom, 0, 0, 0), Qt::AlignLeft, Type::smallBold, well, sentence);
     };
     if (item.isRendered) words(tr("Rendered"), box);
     if (item.rendering) words(valueText::percent(item.share), stretch(item.rendering->lower, item.renderedUntil));

@@ -5,8 +5,8 @@
 #include "ui/icons.h"
 #include "ui/theme.h"
 
-#include <QHBoxLayout>
 #include <QPainter>
+#include <utility>
 
 namespace flowtide {
 
@@ -29,20 +29,13 @@ MessageSheet::MessageSheet(QWidget* parent)
         if (onClose) onClose();
     });
     ok_->setDefault(true);
-    action_ = new Button(ButtonKind::secondary, {}, {}, this);
-    connect(action_, &Button::clicked, this, [this] {
-        const std::function<void()> perform = perform_;
-        if (onClose) onClose();
-        if (perform) perform();
-    });
     setFocusProxy(ok_);
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(8);
-    buttons->addStretch(1);
-    buttons->addWidget(action_);
-    buttons->addWidget(ok_);
+    buttons_ = new QHBoxLayout;
+    buttons_->setSpacing(8);
+    buttons_->addStretch(1);
+    buttons_->addWidget(ok_);
     rows_->addSpacing(16);
-    rows_->addLayout(buttons);
+    rows_->addLayout(buttons_);
 }
 
 void MessageSheet::setContent(const Content& content) {
@@ -58,9 +51,16 @@ void MessageSheet::setContent(const Content& content) {
         column->addWidget(new Paragraph(theme::Type::body, theme::text2, content.paragraphs[index], words_));
     }
     rows_->insertWidget(0, words_);
-    action_->setVisible(content.question.has_value());
-    if (content.question) action_->setText(content.question->action);
-    perform_ = content.question ? content.question->perform : nullptr;
+    delete std::exchange(action_, nullptr);
+    if (content.question) {
+        action_ = new Button(ButtonKind::secondary, content.question->action, {}, this);
+        connect(action_, &Button::clicked, this, [this, perform = content.question->perform] {
+            if (onClose) onClose();
+            perform();
+        });
+        buttons_->insertWidget(1, action_);
+        setTabOrder(action_, ok_);
+    }
     ok_->setText(content.question ? content.question->decline : tr("OK"));
     setAccessibleName(content.title);
     setAccessibleDescription(content.paragraphs.join(u' '));

@@ -3,6 +3,7 @@
 
 #include "ui/controls/buttons.h"
 
+#include <QHBoxLayout>
 #include <QString>
 #include <QVBoxLayout>
 #include <QWidget>
@@ -42,9 +43,9 @@ protected:
 private:
     QVBoxLayout* rows_;
     QWidget* words_ = nullptr;
-    Button* action_;
+    QHBoxLayout* buttons_;
+    Button* action_ = nullptr; ///< while something is asked
     Button* ok_;
-    std::function<void()> perform_;
     QString icon_;
 };
 

@@ -378,6 +378,14 @@
         <source>This video does not match the project&apos;s original clip. Choose the original file to relink it.</source>
         <translation>Dieses Video ist nicht der Original-Clip des Projekts. Wählen Sie die Originaldatei.</translation>
     </message>
+    <message>
+        <source>Could not save: %1</source>
+        <translation>Nicht gesichert: %1</translation>
+    </message>
+    <message>
+        <source>Tracking complete: %1 framing points across the retained clip. %2 to undo.</source>
+        <translation>Verfolgung abgeschlossen: %1 Ausschnittpunkte im beibehaltenen Clip. %2 macht sie rückgängig.</translation>
+    </message>
 </context>
 <context>
     <name>Shortcuts</name>
@@ -1444,36 +1452,12 @@
         <translation>Den Original-Clip suchen</translation>
     </message>
     <message>
-        <source>What’s new in Loftwell Video %1</source>
-        <translation>Neu in Loftwell Video %1</translation>
-    </message>
-    <message>
-        <source>Loftwell Video %1</source>
-        <translation>Loftwell Video %1</translation>
-    </message>
-    <message>
-        <source>Smooth speed curves for one clip.</source>
-        <translation>Weiche Geschwindigkeitskurven für einen Clip.</translation>
-    </message>
-    <message>
-        <source>An export is running.</source>
-        <translation>Ein Export läuft.</translation>
-    </message>
-    <message>
-        <source>Closing the window cancels it. Nothing that is on the disk already is changed.</source>
-        <translation>Schließen bricht ihn ab. Was schon auf der Festplatte liegt, bleibt, wie es ist.</translation>
-    </message>
-    <message>
-        <source>Keep exporting</source>
-        <translation>Weiter exportieren</translation>
-    </message>
-    <message>
-        <source>Cancel export and close</source>
-        <translation>Export abbrechen und schließen</translation>
-    </message>
-    <message>
         <source>Mute</source>
         <translation>Stumm</translation>
+    </message>
+    <message>
+        <source>Check for Updates…</source>
+        <translation>Nach Updates suchen …</translation>
     </message>
 </context>
 <context>
@@ -2027,6 +2011,41 @@
     <message>
         <source>Zoom target %1, %2</source>
         <translation>Zoom-Ziel %1, %2</translation>
+    </message>
+</context>
+<context>
+    <name>flowtide::WindowMessages</name>
+    <message>
+        <source>What’s new in Loftwell Video %1</source>
+        <translation>Neu in Loftwell Video %1</translation>
+    </message>
+    <message>
+        <source>Loftwell Video %1</source>
+        <translation>Loftwell Video %1</translation>
+    </message>
+    <message>
+        <source>Smooth speed curves for one clip.</source>
+        <translation>Weiche Geschwindigkeitskurven für einen Clip.</translation>
+    </message>
+    <message>
+        <source>Updates come from where this copy was installed: your system&apos;s software manager, or the source code that it was built from. Loftwell Video itself never connects to the internet.</source>
+        <translation>Updates kommen daher, woher diese Kopie stammt: aus der Softwareverwaltung des Systems oder aus dem Quelltext, aus dem sie gebaut wurde. Loftwell Video selbst verbindet sich nie mit dem Internet.</translation>
+    </message>
+    <message>
+        <source>An export is running.</source>
+        <translation>Ein Export läuft.</translation>
+    </message>
+    <message>
+        <source>Closing the window cancels it. Nothing that is on the disk already is changed.</source>
+        <translation>Schließen bricht ihn ab. Was schon auf der Festplatte liegt, bleibt, wie es ist.</translation>
+    </message>
+    <message>
+        <source>Cancel export and close</source>
+        <translation>Export abbrechen und schließen</translation>
+    </message>
+    <message>
+        <source>Keep exporting</source>
+        <translation>Weiter exportieren</translation>
     </message>
 </context>
 <context>

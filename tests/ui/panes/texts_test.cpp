@@ -171,6 +171,9 @@ TEST(SessionTextTest, SpeaksGermanWithTheSessionsNumbers) {
     QCoreApplication::installTranslator(&german);
     EXPECT_EQ(sessionText("Rendering all ranges 62%"), "Alle werden berechnet 62 %");
     EXPECT_EQ(sessionText("Saved"), "Gesichert");
+    EXPECT_EQ(sessionText("Could not save: No space (28)."), "Nicht gesichert: No space (28).");
+    EXPECT_EQ(sessionText("Tracking complete: 11 framing points across the retained clip. Ctrl+Z to undo."),
+              "Verfolgung abgeschlossen: 11 Ausschnittpunkte im beibehaltenen Clip. Ctrl+Z macht sie rückgängig.");
     EXPECT_EQ(sessionText("The file of 12 bytes is no movie."), "The file of 12 bytes is no movie.");
     EXPECT_EQ(Shortcuts::sheet()[0].items[0].keys, "Strg+O");
     EXPECT_EQ(keycaps::pieces("Strg+Leertaste").size(), 2U);
