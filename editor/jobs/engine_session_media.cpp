@@ -38,6 +38,7 @@ EngineSessionMedia::EngineSessionMedia(const MediaBackend& backend, TemporaryIte
     , exportFrames_(backend) {}
 
 ImportedClip EngineSessionMedia::loadClip(const std::filesystem::path& path) {
+    isFileNew_ = true;
     return ImportedClip::load(backend_, path);
 }
 
@@ -96,6 +97,7 @@ SourceFrame EngineSessionMedia::sourceFrame(const std::shared_ptr<const Imported
 ExportPicture EngineSessionMedia::exportPicture(const ExportRequest& request, OutputSeconds time,
                                                 OutputSize maximumSize, const CancelCheck& isCancelled) {
     const std::scoped_lock guard(exportFramesLock_);
+    if (isFileNew_.exchange(false)) exportFrames_.closeClip();
     return exportFrames_.picture(request, time, maximumSize, isCancelled);
 }
 

@@ -5,6 +5,7 @@
 #include "media/log.h"
 #include "media/preview/preview_cache_files.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -58,6 +59,7 @@ private:
     Frames frames_;
     std::mutex exportFramesLock_; ///< guards exportFrames_
     ExportFrameEngine exportFrames_;
+    std::atomic<bool> isFileNew_ = false; ///< a file has been opened since the last picture of an export
 };
 
 } // namespace flowtide

@@ -5,12 +5,12 @@
 #include "media/export/output_frames.h"
 #include "media/flow/frame_renderer.h"
 #include "media/flowtide_error.h"
-#include "media/frames/context_reader.h"
 
 #include <algorithm>
 #include <cmath>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace flowtide {
 
@@ -23,6 +23,23 @@ std::int64_t indexAt(OutputSeconds time, const ExportPlan& plan) {
     const double place = time.value / plan.video.frameDuration.seconds() + startTolerance;
     return static_cast<std::int64_t>(std::clamp(std::floor(place), 0.0, static_cast<double>(plan.frameCount - 1)));
 }
+
+/// Hands out frames that are decoded already.
+class GivenFrames : public VideoReader {
+public:
+    explicit GivenFrames(std::vector<TimedFrame> frames)
+        : frames_(std::move(frames)) {}
+
+    std::optional<TimedFrame> next() override {
+        if (next_ == frames_.size()) return std::nullopt;
+        return std::move(frames_[next_++]);
+    }
+    int concealedFrameCount() const override { return 0; }
+
+private:
+    std::vector<TimedFrame> frames_;
+    std::size_t next_ = 0;
+};
 
 } // namespace
 
@@ -37,10 +54,8 @@ ExportFrame ExportFrameEngine::frame(const ExportRequest& request, OutputSeconds
     FrameInterpolating* renderer = isScoped ? &rendererFor(static_cast<int>(clip.encodedWidth()),
                                                            static_cast<int>(clip.encodedHeight()), plan.video.layout)
                                             : nullptr;
-    const SourceRange range{result.sourceTime.value, result.sourceTime.value};
-    const auto reader = renderer ? openWithContext(backend_, clip, plan.video.layout, range, isCancelled)
-                                 : backend_.openVideo(clip, plan.video.layout, range, isCancelled);
-    OutputFrames frames(plan, *reader, renderer, result.index);
+    GivenFrames reader(framesOf(clip, plan.video.layout).at(result.sourceTime, isCancelled));
+    OutputFrames frames(plan, reader, renderer, result.index);
     auto drawn = frames.next();
     if (!drawn) throw FlowtideError::readerFailed("There is no frame at this time.");
     throwIfCancelled(isCancelled);
@@ -58,6 +73,12 @@ ExportPicture ExportFrameEngine::picture(const ExportRequest& request, OutputSec
     return {converter_.convert(drawn.frame, pictureColor(clip), clip.preferredTransform,
                                shrunkSize(displayed, maximumSize)),
             OutputSeconds{clip.frameDuration.secondsTimes(drawn.index)}, drawn.sourceTime, drawn.isInBetween};
+}
+
+FramesAround& ExportFrameEngine::framesOf(const ImportedClip& clip, PixelLayout layout) {
+    if (!around_ || around_->clip().url != clip.url || around_->layout() != layout)
+        around_ = std::make_unique<FramesAround>(backend_, clip, layout);
+    return *around_;
 }
 
 FrameInterpolating& ExportFrameEngine::rendererFor(int width, int height, PixelLayout layout) {

@@ -5,6 +5,7 @@
 #include "media/export/export_request.h"
 #include "media/frames/display_frame.h"
 #include "media/frames/frame_interpolation.h"
+#include "media/frames/frames_around.h"
 #include "media/media_io.h"
 
 #include <cstdint>
@@ -30,7 +31,8 @@ struct ExportPicture {
 };
 
 /// Draws what an export would contain, by the same steps and from the same neighbours, so that the pixels are the same.
-/// Keeps the renderer and the display's tables from call to call. One thread at a time. The backend must outlive it.
+/// Keeps the renderer, the display's tables and the clip's decoder from call to call. One thread at a time. The backend
+/// must outlive it.
 class ExportFrameEngine {
 public:
     explicit ExportFrameEngine(const MediaBackend& backend)
@@ -44,10 +46,15 @@ public:
     ExportPicture picture(const ExportRequest& request, OutputSeconds time, OutputSize maximumSize,
                           const CancelCheck& isCancelled = {});
 
+    /// What is read next is another file, even if it has the same name.
+    void closeClip() { around_.reset(); }
+
 private:
+    FramesAround& framesOf(const ImportedClip& clip, PixelLayout layout);
     FrameInterpolating& rendererFor(int width, int height, PixelLayout layout);
 
     const MediaBackend& backend_;
+    std::unique_ptr<FramesAround> around_;
     std::unique_ptr<FrameInterpolating> renderer_;
     int width_ = 0; ///< what the renderer is for
     int height_ = 0;

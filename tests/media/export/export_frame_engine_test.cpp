@@ -11,7 +11,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string_view>
+#include <vector>
 
 namespace flowtide::test {
 namespace {
@@ -41,19 +43,31 @@ TEST(ExportFrameEngine, EveryFrameIsTheExportsOwn) {
     const auto renderer = makeRenderer(FrameInterpolation::opticalFlow, 96, 64, plan.video.layout);
     const auto reader = openWithContext(*backend, request.clip, plan.video.layout, plan.timeMap.sourceRange());
     OutputFrames all(plan, *reader, renderer.get());
+    std::vector<VideoFrame> wanted;
+    std::vector<bool> isMade;
+    while (const auto frame = all.next()) {
+        wanted.push_back(*frame);
+        isMade.push_back(all.isInBetween());
+    }
+    ASSERT_EQ(wanted.size(), static_cast<std::size_t>(plan.frameCount));
     ExportFrameEngine engine(*backend);
-    int made = 0;
-    for (std::int64_t i = 0; i < plan.frameCount; ++i) {
-        const auto wanted = all.next();
-        ASSERT_TRUE(wanted);
+    const auto expectExports = [&](std::int64_t i) {
         const double start = plan.video.frameDuration.secondsTimes(i);
         const double within = i % 2 == 0 ? 0 : 0.99; // shown until the next one
         const ExportFrame got = engine.frame(request, {start + within * plan.video.frameDuration.seconds()});
         EXPECT_EQ(got.index, i);
-        EXPECT_EQ(got.isInBetween, all.isInBetween()) << i;
-        EXPECT_TRUE(samePixels(got.frame, *wanted)) << i;
-        made += all.isInBetween() ? 1 : 0;
-    }
+        EXPECT_EQ(got.isInBetween, isMade[static_cast<std::size_t>(i)]) << i;
+        EXPECT_TRUE(samePixels(got.frame, wanted[static_cast<std::size_t>(i)])) << i;
+    };
+    for (std::int64_t i = 0; i < plan.frameCount; ++i)
+        expectExports(i);
+    for (std::int64_t i = 0; i < plan.frameCount; ++i) // here and there
+        expectExports(i * 23 % plan.frameCount);
+    request.clip.video.constantSampleInterval.reset(); // as of a clip whose frames come unevenly
+    engine.closeClip();
+    for (std::int64_t i = 0; i < plan.frameCount; ++i)
+        expectExports(i * 17 % plan.frameCount);
+    const auto made = std::count(isMade.begin(), isMade.end(), true);
     EXPECT_GT(made, 10);
     EXPECT_LT(made, plan.frameCount);
     EXPECT_EQ(engine.frame(request, {-1}).index, 0);
