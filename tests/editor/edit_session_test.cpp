@@ -107,6 +107,22 @@ TEST_F(EditSessionTest, FramingAndZoomLeavePreviewsValid) {
     EXPECT_EQ(model->history().undoStack().size(), 1U);
 }
 
+TEST_F(EditSessionTest, ADocumentsZoomBlocksComeInOrder) {
+    open();
+    ProjectEdits edits = model->projectSnapshot().edits;
+    for (const double start : {5.0, 1.0, 3.0}) {
+        ZoomBlock& block = edits.zoomBlocks.emplace_back();
+        block.id = Uuid::random();
+        block.startTime = start;
+        block.endTime = start + 1;
+    }
+    model->applyProjectEdits(edits);
+    const auto& blocks = model->zoom().zoomBlocks();
+    ASSERT_EQ(blocks.size(), 3);
+    for (std::size_t i = 0; i < blocks.size(); ++i)
+        EXPECT_EQ(blocks[i].startTime, 1 + 2 * static_cast<double>(i));
+}
+
 TEST_F(EditSessionTest, HistoryKeepsTwoHundredEditsAndAllThatIsUndone) {
     open();
     std::vector<CurveSnapshot> states;
