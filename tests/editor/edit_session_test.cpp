@@ -152,6 +152,8 @@ TEST_F(EditSessionTest, AnotherClipBeginsAnew) {
     };
     open("one.mov");
     const ProjectEdits fresh = edits();
+    EXPECT_EQ(fresh.timelineZoom, 1);
+    EXPECT_EQ(fresh.timelineCenter, 0.5);
     model->replaceKeyframes(slowBetween(2, 5));
     model->setCurveSmoothing(0.1);
     model->applyTrimRange(1, 9);
