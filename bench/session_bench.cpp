@@ -46,6 +46,7 @@ public:
     double rate() const override { return 0; }
     OutputSeconds currentTime() override { return {}; }
     void seek(OutputSeconds, SeekCompletion) override {}
+    void setMuted(bool) override {}
     PlayerStatus status() const override { return PlayerStatus::unknown; }
     std::string failure() const override { return {}; }
 };

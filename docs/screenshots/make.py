@@ -45,7 +45,8 @@ class Photographer:
         time.sleep(1.5)  # for what fades in, and for pictures on their way
         end = "" if float(self.scale) == 1 else "@" + self.scale
         file = os.path.join(self.folder, name + end + ".png")
-        subprocess.run(["import", "-window", "root" if whole else self.id, "-resize", share, "-colors", "255", file], check=True)
+        subprocess.run(["import", "-window", "root" if whole else self.id, "-resize", share, "-depth", "8",
+                        "-colors", "255", "PNG8:" + file], check=True)
         if name == self.last:
             self.end()
             sys.exit()

@@ -30,7 +30,7 @@ public:
     virtual void play(double rate) = 0;
     void pause() { play(0); }
     /// Of all that it plays. Nothing to do for players without sound.
-    virtual void setMuted(bool) {}
+    virtual void setMuted(bool muted) = 0;
     virtual double requestedRate() const = 0;
     /// 0 while play still waits for its first frames, and at the ends.
     virtual double rate() const = 0;
