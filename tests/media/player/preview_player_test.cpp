@@ -212,7 +212,9 @@ TEST(PreviewPlayer, EditsKeepPlaceAndDecodedFrames) {
     ASSERT_TRUE(stage.playAndWait(1));
     stage.tick(0.1);
     const int before = decoded;
+    EXPECT_EQ(stage.player->status(), PlayerStatus::ready);
     stage.setItem(stageItem(10, 0.5)); // twice as fast: the same output time is another frame
+    EXPECT_EQ(stage.player->status(), PlayerStatus::ready) << "an edit is no new clip";
     EXPECT_NEAR(stage.player->currentTime().value, 4.1, 1e-9);
     EXPECT_EQ(stage.player->rate(), 1);
     ASSERT_TRUE(stage.waitForDueFrame());

@@ -54,6 +54,22 @@ TEST(PreviewAudio, HoldsTheRetimedSoundToTheSample) {
     }
 }
 
+TEST(PreviewAudio, KeepsWhatIsTooQuietForFewerBitsAndWhatIsTooLoud) {
+    const auto backend = makeFFmpegBackend();
+    const test::TemporaryFolder folder;
+    TemporaryItems items(folder.path());
+    for (const float level : {1e-6F, 3.0F}) {
+        const AudioData sound{std::vector<float>(4'800, level), 48'000, 1, 0, 0};
+        ImportedClip file;
+        file.url = PreviewAudio(*backend, items).render(sound, TimeMap({{0, 0}, {0.1, 0.1}}, {0, 0.1}, 0.1));
+        file.duration = 0.1;
+        file.audio = AudioTrack{48'000, 1, "", linearPCM, false, 32, {}};
+        const AudioData heard = AudioDecoding::readAll(*backend, file, {0, file.duration});
+        ASSERT_EQ(heard.frameCount(), 4'800);
+        EXPECT_FLOAT_EQ(heard.samples[2'400], level);
+    }
+}
+
 TEST(PreviewAudio, IsWrittenInBuffersOfItsSize) {
     const test::TemporaryFolder folder;
     TemporaryItems items(folder.path());

@@ -190,6 +190,24 @@ TEST_F(ProxyEngineTest, SoundThatStartsLateOrHasGapsIsFilledWithSilence) {
     }
 }
 
+TEST_F(ProxyEngineTest, DamageInTheSourceIsToldWithItsCount) {
+    const auto clip = ImportedClip::load(*backend_, made(*backend_, sources_ / "a.mov", unevenSource()));
+    const std::pair<int, std::vector<std::string>> cases[] = {
+        {0, {}},
+        {1, {"1 damaged source frame was decoded approximately."}},
+        {3, {"3 damaged source frames were decoded approximately."}},
+    };
+    for (const auto& [frames, expected] : cases) {
+        test::MediaScript script;
+        script.source = test::plainProbe();
+        script.concealedFrames = frames;
+        const test::ScriptedBackend backend(script);
+        std::vector<std::string> said;
+        ProxyEngine(backend, items_, [&](std::string_view line) { said.emplace_back(line); }).makeProxy(clip);
+        EXPECT_EQ(said, expected);
+    }
+}
+
 TEST_F(ProxyEngineTest, SaysWhatWentWrongAndLeavesNothing) {
     const auto sourcePath = made(*backend_, sources_ / "a.mov", unevenSource());
     const auto fail = [](auto&&...) { throw FlowtideError::writerFailed("No space left on device (error 28)"); };

@@ -72,8 +72,11 @@ TEST(ProxyPlan, CarriesWhatPicturesNeedAndNothingOfTheRecording) {
 }
 
 TEST(ProxyPlan, SoundIsAACAtTheSourcesRateWhereThatExists) {
-    for (const auto& [source, expected] : std::vector<std::pair<double, double>>{
-             {44'100, 44'100}, {48'000, 48'000}, {96'000, 96'000}, {8'000, 8'000}, {0, 48'000}, {192'000, 48'000}}) {
+    std::vector<std::pair<double, double>> rates{{0, 48'000}, {192'000, 48'000}, {44'000, 48'000}};
+    for (const double rate :
+         {7'350, 8'000, 11'025, 12'000, 16'000, 22'050, 24'000, 32'000, 44'100, 48'000, 64'000, 88'200, 96'000})
+        rates.emplace_back(rate, rate);
+    for (const auto& [source, expected] : rates) {
         ImportedClip sounding = clip(640, 360);
         sounding.audio = AudioTrack{source, 6, "5.1", linearPCM, false, 24, {}};
         const ProxyPlan plan = planProxy(sounding);
