@@ -104,6 +104,25 @@ TEST(FrameDecoder, FrameTimesMayBeIrregular) {
     }
 }
 
+TEST(FrameDecoder, TheFirstFrameStandsInForWhatATrackLacksBeforeIt) {
+    PlaybackScript script{.keyInterval = 10};
+    script.frameTime = [](std::int64_t i) { return 0.3 + static_cast<double>(i) * stageFrameSeconds; };
+    for (const double rate : {0.0, 1.0, -1.0}) {
+        PlayerStage stage(script);
+        stage.setItem(stageItem(4));
+        ASSERT_TRUE(stage.seekAndWait(rate < 0 ? 0.6 : 0.0));
+        EXPECT_EQ(stage.number(), rate < 0 ? 7 : 0);
+        if (rate == 0) continue;
+        ASSERT_TRUE(stage.playAndWait(rate));
+        for (int i = 0; i < 30; ++i) {
+            stage.tick();
+            ASSERT_TRUE(stage.waitForDueFrame());
+            const double time = stage.player->currentTime().value;
+            ASSERT_EQ(stage.number(), time < 0.3 ? 0 : frameAt(time - 0.3, 100)) << time;
+        }
+    }
+}
+
 TEST(FrameDecoder, StaysInsideItsBudget) {
     const std::size_t frameBytes = byteCount(numberedFrame({}, 48, 32, 0));
     for (const std::size_t frames : {1U, 4U, 12U}) {
