@@ -40,9 +40,9 @@ class Photographer:
         self.process.terminate()
         self.process.wait()
 
-    def take(self, name, share="50%", whole=False):
-        """A picture; ends the session after the last one that is wanted."""
-        time.sleep(1.5)  # for what fades in, and for pictures on their way
+    def take(self, name, share="50%", whole=False, after=1.5):
+        """A picture `after` seconds for what fades in; ends the session after the last one that is wanted."""
+        time.sleep(after)
         end = "" if float(self.scale) == 1 else "@" + self.scale
         file = os.path.join(self.folder, name + end + ".png")
         subprocess.run(["import", "-window", "root" if whole else self.id, "-resize", share, "-depth", "8",
@@ -92,9 +92,10 @@ def main(program, clip, scale, folder, *last_and_work):
     window.click("Track subject", "push button")
     window.find("Draw a tight box")
     px, py, pwidth, pheight = window.place("Picture")
-    window.drag(px + pwidth * 0.68, py + pheight * 0.3, px + pwidth * 0.8, py + pheight * 0.85)
-    window.find("Following the subject")
-    camera.take("tracking")
+    window.drag(px + pwidth * 0.25, py + pheight * 0.25, px + pwidth * 0.62, py + pheight * 0.8)
+    camera.take("tracking", after=0.2)  # of a few seconds' clip it takes less than one
+    window.find("Tracking complete")
+    camera.take("tracked")
     window.key("Escape", "Escape")
     window.click("Speed", "radio button")
     window.key("Tab", "v", "ctrl+f")

@@ -150,9 +150,15 @@ TEST_F(EditSessionTest, AnotherClipBeginsAnew) {
                 each.id = {};
         return all;
     };
+    ProjectEdits unopened = edits();
     open("one.mov");
     const ProjectEdits fresh = edits();
+    unopened.keyframes = fresh.keyframes;
+    unopened.centerKeyframes = fresh.centerKeyframes;
+    unopened.trimEnd = fresh.trimEnd;
+    EXPECT_TRUE(unopened == fresh) << "but for what has a duration";
     EXPECT_EQ(fresh.timelineZoom, 1);
+    EXPECT_TRUE(fresh.lockCropCenter);
     EXPECT_EQ(fresh.timelineCenter, 0.5);
     model->replaceKeyframes(slowBetween(2, 5));
     model->setCurveSmoothing(0.1);

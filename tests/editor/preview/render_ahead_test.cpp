@@ -217,6 +217,18 @@ TEST_F(RenderAheadTest, WhatComesTooLateIsDropped) {
     EXPECT_FALSE(isKept([&] { open("two.mov"); }));
 }
 
+TEST_F(RenderAheadTest, AnEditInsideEndsARenderAtOnce) {
+    model->renderSelectedPreview(SourceRange{1, 4});
+    playAt(0.4);
+    EXPECT_FALSE(isRendering());
+    EXPECT_FALSE(ahead().render().renderingPreviewRange());
+    model->renderSelectedPreview(SourceRange{1, 4}); // need not wait for the other
+    EXPECT_TRUE(isRendering());
+    scheduler.settle();
+    EXPECT_EQ(rendered(), (SourceRanges{{1, 4}}));
+    EXPECT_EQ(media->previewFiles.size(), 1U);
+}
+
 TEST_F(RenderAheadTest, OneRenderAtATimeAndFailuresWithTheirSentence) {
     model->renderSelectedPreview(); // nothing is selected
     EXPECT_FALSE(isRendering());

@@ -170,6 +170,26 @@ TEST_F(ProjectBindingTest, TwoWindowsGoSeparateWaysWithoutOverwriting) {
     EXPECT_EQ(other->binding().projectSaveMessage(), "Saved");
 }
 
+TEST_F(ProjectBindingTest, ASaveBehindTheOneThatBecameACopyGoesToTheCopy) {
+    open();
+    auto other = newModel();
+    other->importClip(folder / "clip.mov");
+    scheduler.settle();
+    other->setCurveSmoothing(0.2);
+    rest();
+    model->setCurveSmoothing(0.9);
+    model->saveProjectNow();
+    model->setCurveSmoothing(0.8);
+    model->saveProjectNow(); // the first has not begun yet
+    scheduler.settle();
+    EXPECT_EQ(message(), "Saved");
+    EXPECT_EQ(storedProject().edits.smoothing, 0.8);
+    EXPECT_EQ(ProjectStore(folder / "state").recent().size(), 2U);
+    EXPECT_EQ(
+        ProjectStore::load(ProjectStore(folder / "state").projectFile(other->binding().projectID())).edits.smoothing,
+        0.2);
+}
+
 TEST_F(ProjectBindingTest, AMovedClipIsAskedForAndAnotherRefused) {
     open();
     model->setCurveSmoothing(0.3);
