@@ -33,8 +33,15 @@ class Photographer:
             ["xdotool", "search", "--onlyvisible", "--class", "Flowtide"], capture_output=True, text=True).stdout.split())
         self.id = found[-1]
         pixels = [round(length * float(self.scale)) for length in size]
-        self.window.do("windowsize", "--sync", self.id, *pixels)
-        eventually("the window's size", lambda: self.window.place("Top bar")[2] == pixels[0])
+
+        self.window.pixels_per_unit = 1
+
+        def width_in_tree():
+            self.window.do("windowsize", self.id, *pixels)
+            width = self.window.place("Top bar")[2]
+            return width if width in (pixels[0], size[0]) else None
+
+        self.window.pixels_per_unit = pixels[0] / eventually("the window's size", width_in_tree)
 
     def end(self):
         self.process.terminate()

@@ -33,7 +33,8 @@ class Window:
 
     def __init__(self, name, scale=1):
         self.name = name
-        self.scale = scale  # of the display: places are in its pixels
+        self.scale = scale  # of the display
+        self.pixels_per_unit = 1  # of the tree, which measures in pixels or in units of the scale
 
     def nodes(self):
         def below(node):
@@ -61,7 +62,8 @@ class Window:
 
     def place(self, name, role=None):
         extents = self.find(name, role).queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
-        return extents.x, extents.y, extents.width, extents.height
+        lengths = extents.x, extents.y, extents.width, extents.height
+        return tuple(length * self.pixels_per_unit for length in lengths)
 
     def click(self, name, role=None):
         x, y, width, height = self.place(name, role)
@@ -85,8 +87,11 @@ class Window:
         self.do("mouseup", 1)
 
     def plot(self, name="Speed curve"):
-        """Left, top, width and height of the graph's plot."""
-        x, y, width, height = self.place(name)
+        """Left, top, width and height of the graph's plot, once it no longer moves."""
+        last = None
+        while last != (last := self.place(name)):
+            time.sleep(0.5)
+        x, y, width, height = last
         return x + 44 * self.scale, y + 16 * self.scale, width - 88 * self.scale, height - 24 * self.scale
 
     def key(self, *keys):

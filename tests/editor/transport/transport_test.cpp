@@ -323,6 +323,13 @@ TEST_F(TransportTest, AStepIsOneOutputFrame) {
     EXPECT_EQ(rebuilds(), 0U); // and not again
 }
 
+TEST_F(TransportTest, AClipOfAMomentHasSteps) {
+    media->duration = 0.2;
+    open();
+    model->nudgePlayhead(2);
+    EXPECT_NEAR(model->playheadSeconds(), 2.0 / 30, 1e-9);
+}
+
 TEST_F(TransportTest, AScrubPausesOrPlaysOn) {
     open();
     model->applyTrimRange(2, 8);
