@@ -330,7 +330,7 @@ private:
                               isSilent ? 0 : textWidth(isSelected ? Type::smallBold : Type::small, words.back()),
                               isSelected, isSilent});
         }
-        for (const PointLabel& label : placedLabels(points, plot_.bottom()))
+        for (const PointLabel& label : placedLabels(points, plot_.left(), plot_.bottom()))
             if (label.box.adjusted(-3, -3, 3, 3).intersects(clip_))
                 drawPointLabel(painter_, label.baseline, words[label.point], points[label.point].isSelected);
     }

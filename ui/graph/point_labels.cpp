@@ -52,7 +52,7 @@ bool isCrowded(double before, double place, double after) {
     return place - before < crowded && after - place < crowded;
 }
 
-std::vector<PointLabel> placedLabels(const std::vector<LabelledPoint>& points, double plotBottom) {
+std::vector<PointLabel> placedLabels(const std::vector<LabelledPoint>& points, double plotLeft, double plotBottom) {
     std::vector<PointLabel> wanted;
     for (std::size_t i = 0; i < points.size(); ++i) {
         const LabelledPoint& point = points[i];
@@ -63,6 +63,7 @@ std::vector<PointLabel> placedLabels(const std::vector<LabelledPoint>& points, d
         double left = point.place.x() + place.dx;
         if (place.side == Side::center) left -= point.textWidth / 2;
         if (place.side == Side::left) left -= point.textWidth;
+        left = std::max(left, plotLeft);
         const double base = point.place.y() + place.dy;
         wanted.push_back({i, {left, base}, QRectF(left, base - ascent, point.textWidth, ascent + descent)});
     }

@@ -25,7 +25,8 @@ struct PointLabel {
 /// from left to right.
 bool isCrowded(double before, double place, double after);
 
-/// `points` from left to right. Labels that would touch another one are left out, those of selected points never.
-std::vector<PointLabel> placedLabels(const std::vector<LabelledPoint>& points, double plotBottom);
+/// `points` from left to right. None reaches left of the plot, where its axis is; labels that would touch another one
+/// are left out, those of selected points never.
+std::vector<PointLabel> placedLabels(const std::vector<LabelledPoint>& points, double plotLeft, double plotBottom);
 
 } // namespace flowtide

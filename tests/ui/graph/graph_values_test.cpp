@@ -193,13 +193,14 @@ TEST_F(Points, AskForAWindowWithGridLinesAtItsEdges) {
 TEST(PointLabels, KeepOffTheCurveAndEachOther) {
     // A valley, a rise, a peak: below, to the left, above.
     const auto labels =
-        placedLabels({{{0, 50}, 20}, {{100, 90}, 20}, {{200, 60}, 20}, {{300, 20}, 20}, {{400, 80}, 20}}, 200);
+        placedLabels({{{0, 50}, 20}, {{100, 90}, 20}, {{200, 60}, 20}, {{300, 20}, 20}, {{400, 80}, 20}}, -100, 200);
     ASSERT_EQ(labels.size(), 5);
     EXPECT_GT(labels[1].baseline.y(), 90);
     EXPECT_LT(labels[2].box.right(), 200);
     EXPECT_LT(labels[3].baseline.y(), 20);
-    EXPECT_LT(placedLabels({{{0, 50}, 20}, {{100, 190}, 20}, {{200, 60}, 20}}, 200)[1].baseline.y(), 190);
-    const auto crowded = placedLabels({{{100, 50}, 30}, {{105, 50}, 30, true}, {{110, 50}, 30}}, 200);
+    EXPECT_LT(placedLabels({{{0, 50}, 20}, {{100, 190}, 20}, {{200, 60}, 20}}, -100, 200)[1].baseline.y(), 190);
+    EXPECT_EQ(placedLabels({{{44, 50}, 20}, {{100, 90}, 20}}, 44, 200)[0].baseline.x(), 44) << "the axis is there";
+    const auto crowded = placedLabels({{{100, 50}, 30}, {{105, 50}, 30, true}, {{110, 50}, 30}}, -100, 200);
     EXPECT_THAT(crowded, ElementsAre(testing::Field(&PointLabel::point, 1)));
     EXPECT_TRUE(isCrowded(91, 100, 109));
     EXPECT_FALSE(isCrowded(90, 100, 109));
