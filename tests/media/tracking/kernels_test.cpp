@@ -121,6 +121,44 @@ TEST(TrackingKernelsTest, FeaturesTellDirectionAndForgetContrast) {
     EXPECT_LT(*std::max_element(flat.begin(), flat.end()), 0.05F) << "noise is no texture";
 }
 
+TEST(TrackingKernelsTest, FeaturesOfAMirroredPatchAreMirrored) {
+    constexpr int count = 8;
+    constexpr int side = patchSide(count);
+    const auto patch = randomValues(side * side, 8, 255);
+    std::vector<float> across(patch.size());
+    std::vector<float> down(patch.size());
+    for (std::size_t y = 0; y < side; ++y)
+        for (std::size_t x = 0; x < side; ++x) {
+            across[y * side + side - 1 - x] = patch[y * side + x];
+            down[(side - 1 - y) * side + x] = patch[y * side + x];
+        }
+    const auto featuresOf = [&](const std::vector<float>& pixels) {
+        std::vector<float> features(count * count * channelCount);
+        sets().back()->features(pixels.data(), count, features.data());
+        return features;
+    };
+    const auto straight = featuresOf(patch);
+    const auto mirroredAcross = featuresOf(across);
+    const auto mirroredDown = featuresOf(down);
+    for (int y = 0; y < count; ++y)
+        for (int x = 0; x < count; ++x) {
+            const auto at = [&](const std::vector<float>& features, int column, int row) {
+                return features.data() + (row * count + column) * channelCount;
+            };
+            const float* here = at(straight, x, y);
+            const float* left = at(mirroredAcross, count - 1 - x, y);
+            const float* below = at(mirroredDown, x, count - 1 - y);
+            for (int bin = 0; bin < 18; ++bin) {
+                ASSERT_NEAR(here[bin], left[(27 - bin) % 18], 1e-4) << bin;
+                ASSERT_NEAR(here[bin], below[(18 - bin) % 18], 1e-4) << bin;
+            }
+            for (int block = 0; block < 4; ++block) {
+                ASSERT_NEAR(here[27 + block], left[27 + (block ^ 1)], 1e-4) << x << ", " << y;
+                ASSERT_NEAR(here[27 + block], below[27 + (block ^ 2)], 1e-4) << x << ", " << y;
+            }
+        }
+}
+
 TEST(TrackingKernelsTest, TransformsAreFouriers) {
     const auto features = randomValues(cells * channelCount, 1);
     const auto window = randomValues(cells, 2);
