@@ -95,6 +95,7 @@ TEST_F(RenderAheadTest, AnIdleRenderWaitsForTheEndOfAllActivity) {
              model->pausePlayback();
              model->scrub(0.5);
          }},
+        {"pause", [&] { model->startPlayback(0.1F); }, [&] { model->pausePlayback(); }},
         {"play to an end", [&] { model->startPlayback(-8); }, [] {}},
         {"export", [&] { model->exportClip(folder / "out.mov"); }, [] {}},
         {"selection", [&] { model->beginSubjectSelection(); }, [&] { model->cancelTracking(); }},
@@ -152,8 +153,13 @@ TEST_F(RenderAheadTest, AllRangesAreRenderedInPieces) {
     model->stopRenderingAll();
     EXPECT_FALSE(isRendering());
     EXPECT_EQ(ahead().renderAllProgress(), 0);
-    // A render that was asked for by itself goes on.
     media->failure.reset();
+    model->renderAllRanges();
+    model->clearPreviewCache();
+    scheduler.settle();
+    EXPECT_FALSE(ahead().isRenderingAllRanges());
+    EXPECT_TRUE(rendered().empty());
+    // A render that was asked for by itself goes on.
     model->renderSelectedPreview(SourceRange{2, 3});
     model->renderAllRanges();
     model->stopRenderingAll();

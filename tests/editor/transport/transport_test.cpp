@@ -56,6 +56,10 @@ TEST_F(TransportTest, ShuttlesInPowersOfTwo) {
     EXPECT_THAT(rates, ElementsAre(1, 2, 4, 8, 8, -1, -2, -4, -8, -8, 1));
     model->togglePlayback();
     expectStopped();
+    model->shuttleBackward();
+    EXPECT_EQ(transport().shuttleRate(), -1);
+    model->togglePlayback();
+    expectStopped();
     model->togglePlayback();
     EXPECT_TRUE(transport().isPlaying());
 }
