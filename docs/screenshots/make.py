@@ -97,7 +97,7 @@ def main(program, clip, scale, folder, *last_and_work):
     camera.take("framing")
     window.click("Framing", "radio button")
     window.click("Track subject", "push button")
-    window.find("Draw a tight box")
+    window.wait_for("Draw a tight box", 2)  # the hint beside it says so all the time
     px, py, pwidth, pheight = window.place("Picture")
     window.drag(px + pwidth * 0.25, py + pheight * 0.25, px + pwidth * 0.62, py + pheight * 0.8)
     camera.take("tracking", after=0.2)  # of a few seconds' clip it takes less than one

@@ -60,6 +60,14 @@ class Window:
 
         return eventually(f"“{name}”", look)
 
+    def wait_for(self, name, count):
+        """Until so many things of a name are shown."""
+        def are_there():
+            return sum(node.name.startswith(name) and node.getState().contains(pyatspi.STATE_SHOWING)
+                       for node in self.nodes()) == count
+
+        eventually(f"{count} of “{name}”", are_there)
+
     def place(self, name, role=None):
         extents = self.find(name, role).queryComponent().getExtents(pyatspi.DESKTOP_COORDS)
         lengths = extents.x, extents.y, extents.width, extents.height

@@ -46,7 +46,7 @@ def main(program, folder):
     # The subject.
     window.click("Framing", "radio button")
     window.click("Track subject", "push button")
-    window.find("Draw a tight box")
+    window.wait_for("Draw a tight box", 2)  # the hint beside it says so all the time
     px, py, pwidth, pheight = window.place("Picture")
     window.drag(px + pwidth * 0.4, py + pheight * 0.35, px + pwidth * 0.55, py + pheight * 0.6)
     window.find("Tracking ")
