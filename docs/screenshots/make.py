@@ -85,6 +85,7 @@ def main(program, clip, scale, folder, *last_and_work):
         window.drag(left + width * at, line, left + width * at, top + height * value)
     for at in (0.2, 0.6):
         window.press(left + width * at, top + height * 0.02)
+        time.sleep(0.5)  # the window manager holds a click back for a moment, but no key
         window.key("z")
     window.click("Render all ranges", "push button")
     time.sleep(2)

@@ -169,7 +169,11 @@ TEST_F(RenderAheadTest, AllRangesAreRenderedInPieces) {
     render({4, 5});
     EXPECT_TRUE(ahead().render().previewRenderError());
     media->failure.reset();
+    open("one.mov");
+    EXPECT_FALSE(ahead().render().previewRenderError());
+    playAt(0.5);
     model->renderSelectedPreview(SourceRange{6, 7});
+    EXPECT_TRUE(isRendering());
     open("two.mov");
     EXPECT_FALSE(isRendering() || ahead().render().previewRenderError());
     EXPECT_EQ(ahead().playheadLabel(), "No rendered previews");

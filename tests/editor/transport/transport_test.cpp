@@ -212,6 +212,7 @@ TEST_F(TransportTest, ALoopJumpsOnceUntilItIsThere) {
     run(2 * player.duration());
     EXPECT_EQ(player.requestedRate(), 1);
     EXPECT_TRUE(transport().isPlaying() && !player.seeks.empty());
+    EXPECT_THAT(player.seeks, testing::Each(testing::DoubleNear(outputTime(range.lower), 1e-6)));
 }
 
 TEST_F(TransportTest, AStartWaitsForThePlayer) {
