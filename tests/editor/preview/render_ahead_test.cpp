@@ -155,6 +155,10 @@ TEST_F(RenderAheadTest, AllRangesAreRenderedInPieces) {
     EXPECT_EQ(ahead().renderAllProgress(), 0);
     media->failure.reset();
     model->renderAllRanges();
+    while (rendered().empty()) {
+        scheduler.runJob(BackgroundQueue::renders);
+        scheduler.turn();
+    }
     model->clearPreviewCache();
     scheduler.settle();
     EXPECT_FALSE(ahead().isRenderingAllRanges());

@@ -82,6 +82,7 @@ TEST_F(PreviewRefreshTest, SoundAndProxyArriveWhenTheyAreThere) {
     scheduler.settle();
     ASSERT_TRUE(player.item()->proxy);
     EXPECT_EQ(player.item()->proxy->url, "proxy.mov");
+    EXPECT_EQ(player.item()->proxy->startOffset, 0) << "a proxy has its frames at the times of the clip";
     model->setCurveSmoothing(0);
     rebuilds();
     EXPECT_TRUE(player.item()->sound && player.item()->proxy);
