@@ -30,6 +30,7 @@ CurveGraph::CurveGraph(TimelineContext& context, QWidget* parent)
     , input_(context,
              {[this] { return geometry(); }, [this]() -> const std::vector<QPointF>& { return picture().edited; },
               [this] { return QPointF(pos()); }, [this] { curveChanged(); }})
+    , isFraming_(context.isFraming())
     , window_(input_.axis().usualWindow())
     , windowFrom_(window_)
     , windowTo_(window_)
@@ -69,9 +70,19 @@ CurveGraphGeometry CurveGraph::geometry() const {
             static_cast<double>(plotHeight_)};
 }
 
+void CurveGraph::catchUp() {
+    if (context_.isFraming() == isFraming_) return;
+    isFraming_ = !isFraming_;
+    endNudges();
+    input_.finish();
+    followValues(false);
+    isStale_ = true;
+}
+
 void CurveGraph::refresh(const PropertySet& changed) {
+    catchUp();
     const auto has = [&](Property property) { return changed.test(static_cast<std::size_t>(property)); };
-    if (has(Property::clip) || has(Property::editorMode)) input_.finish();
+    if (has(Property::clip)) input_.finish();
     PropertySet others = changed;
     others.reset(static_cast<std::size_t>(Property::scrubPosition));
     if (others.any()) {
@@ -86,6 +97,7 @@ void CurveGraph::refresh(const PropertySet& changed) {
 }
 
 void CurveGraph::axisMoved() {
+    catchUp();
     followValues(true);
     curveChanged();
 }
@@ -120,6 +132,7 @@ void CurveGraph::followValues(bool animated) {
 }
 
 void CurveGraph::curveChanged() {
+    catchUp();
     isStale_ = true;
     // At the end of a drag the window goes back to what the points ask for.
     if (!input_.isMovingPoints() && windowTo_ != wantedWindow()) followValues(true);
@@ -145,6 +158,7 @@ double CurveGraph::guideSpeed() const {
 }
 
 const CurveGraphPicture& CurveGraph::picture() {
+    catchUp();
     if (!std::exchange(isStale_, false)) return picture_;
     picture_ = {};
     picture_.axis = input_.axis();
@@ -219,6 +233,7 @@ void CurveGraph::paintEvent(QPaintEvent* event) {
 }
 
 void CurveGraph::mousePressEvent(QMouseEvent* event) {
+    catchUp();
     showsKeyboard_ = false;
     if (event->button() != Qt::LeftButton) return;
     endNudges();
@@ -227,11 +242,13 @@ void CurveGraph::mousePressEvent(QMouseEvent* event) {
 }
 
 void CurveGraph::mouseMoveEvent(QMouseEvent* event) {
+    catchUp();
     if (event->buttons() & Qt::LeftButton) input_.move(event->position(), event->modifiers());
     showPointer(event->position(), event->modifiers());
 }
 
 void CurveGraph::mouseReleaseEvent(QMouseEvent* event) {
+    catchUp();
     if (event->button() != Qt::LeftButton) return;
     input_.release(event->position(), event->modifiers());
     showPointer(event->position(), event->modifiers());
@@ -339,6 +356,7 @@ bool CurveGraph::event(QEvent* event) {
 }
 
 void CurveGraph::keyPressEvent(QKeyEvent* event) {
+    catchUp();
     const bool isArrow = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down || event->key() == Qt::Key_Left ||
                          event->key() == Qt::Key_Right;
     showsKeyboard_ = true;

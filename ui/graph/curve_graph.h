@@ -39,6 +39,8 @@ protected:
 
 private:
     void refresh(const PropertySet& changed);
+    /// The session tells of another curve in its next turn; whatever happens here before is of that curve already.
+    void catchUp();
     void axisMoved();
     void followValues(bool animated);
     void curveChanged();
@@ -60,6 +62,7 @@ private:
     CurveGraphInput input_;
     CurveGraphPicture picture_;
     bool isStale_ = true; ///< the picture
+    bool isFraming_;      ///< the curve that the window and what is held are of
     Pointer pointer_ = Pointer::arrow;
     int plotTop_ = 0;
     int plotHeight_ = 1;

@@ -171,6 +171,39 @@ TEST_F(Timeline, EscapeBringsBackWhatWasDragged) {
     EXPECT_EQ(points.ids(), both);
 }
 
+TEST_F(Timeline, AnotherCurveIsShownFromTheMomentItIsChosen) {
+    model->setEditorMode(CurveEditorMode::cropCenter);
+    model->replaceCenterKeyframes({point(0, 0), point(5, 1), point(10, 0)});
+    model->replaceKeyframes({point(0, 1), point(5, 1), point(10, 1)});
+    settle();
+    std::vector<double> heights;
+    QObject::connect(part<CurveGraph>(), &CurveGraph::curveHeightChanged, [&](double y) { heights.push_back(y); });
+    // What happens before the views have heard of the change: the window gets another size, and is drawn.
+    model->setEditorMode(CurveEditorMode::speed);
+    pane->resize(1088, 380);
+    static_cast<void>(pane->grab());
+    settle();
+    ASSERT_FALSE(heights.empty());
+    for (const double y : heights)
+        EXPECT_TRUE(y >= -1 && y < 400) << y;
+
+    // A drag goes no further than to the end of its curve's time.
+    const SpeedKeyframes center = model->framing().centerKeyframes();
+    QWidget* graph = pane->graph();
+    pane->resize(1088, 434);
+    settle();
+    QTest::mousePress(graph, Qt::LeftButton, {}, place(5, 1));
+    settle();
+    model->setEditorMode(CurveEditorMode::cropCenter);
+    const QPoint to = place(6, 2);
+    QMouseEvent move(QEvent::MouseMove, to, graph->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(graph, &move);
+    QTest::mouseRelease(graph, Qt::LeftButton, {}, to);
+    settle();
+    EXPECT_EQ(model->framing().centerKeyframes(), center);
+    EXPECT_FALSE(model->history().pendingUndoSnapshot());
+}
+
 TEST_F(Timeline, TheWheelZoomsAroundThePointer) {
     const QPointF at(344, 150);
     QWheelEvent wheel(at, pane->mapToGlobal(at), {}, {0, 480}, Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase,
