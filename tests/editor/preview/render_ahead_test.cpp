@@ -159,6 +159,8 @@ TEST_F(RenderAheadTest, AllRangesAreRenderedInPieces) {
         scheduler.runJob(BackgroundQueue::renders);
         scheduler.turn();
     }
+    scheduler.turn();
+    EXPECT_TRUE(isRendering()) << "the second piece";
     model->clearPreviewCache();
     scheduler.settle();
     EXPECT_FALSE(ahead().isRenderingAllRanges());
