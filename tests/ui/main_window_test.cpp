@@ -21,8 +21,12 @@
 #include <QFileDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
+#include <QWindow>
+#include <cstdlib>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -278,6 +282,36 @@ TEST_F(MainWindowTest, TheLayoutOutlivesTheWindow) {
     turnDivider(Qt::Key_Up);
     ASSERT_TRUE(again());
     EXPECT_EQ(layout(), usual);
+}
+
+TEST_F(MainWindowTest, AnotherScaleRedrawsEverythingInItsPixels) {
+    auto* graph = part<CurveGraph>();
+    const auto move = [&](QScreen* screen) {
+        window->move(screen->geometry().topLeft());
+        window->windowHandle()->setScreen(screen);
+        QCoreApplication::processEvents();
+    };
+    const std::string before = state();
+    std::map<double, QImage> pictures; // of the graph, by the scale
+    for (int times = 0; times < 2; ++times)
+        for (QScreen* screen : QGuiApplication::screens()) {
+            move(screen);
+            const double scale = screen->devicePixelRatio();
+            EXPECT_EQ(window->grab().toImage().size(), scale * QSize(1440, 900));
+            const QImage picture = graph->grab().toImage();
+            EXPECT_TRUE(times == 0 || picture == pictures[scale]) << "it is as it was " << scale;
+            pictures[scale] = picture;
+            EXPECT_EQ(state(), before);
+        }
+    ASSERT_EQ(pictures.size(), 2U);
+    // The same picture, but for the edges of letters and lines.
+    const QImage& plain = pictures[1];
+    const QImage fine = pictures[2].scaled(plain.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    qint64 difference = 0;
+    for (int y = 0; y < plain.height(); ++y)
+        for (int x = 0; x < plain.width(); ++x)
+            difference += std::abs(qGray(fine.pixel(x, y)) - qGray(plain.pixel(x, y)));
+    EXPECT_LT(static_cast<double>(difference) / (plain.width() * plain.height()), 2);
 }
 
 TEST_F(MainWindowTest, F6WalksThePanes) {
