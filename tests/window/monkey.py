@@ -42,27 +42,37 @@ def step(chance, window):
         do("windowsize", window, *chance.choice(SIZES))
 
 
-def main(program, seconds, seed, clip, folder):
-    copy = os.path.join(folder, os.path.basename(clip))
-    shutil.copy(clip, copy)
-    process = subprocess.Popen([program, copy])
-    found = []
-    while not found and process.poll() is None:
+def start(program, clip):
+    """The program and its window."""
+    process = subprocess.Popen([program, clip])
+    while process.poll() is None:
         time.sleep(0.2)
         answer = subprocess.run(["xdotool", "search", "--onlyvisible", "--class", "Flowtide"], capture_output=True,
                                 text=True, check=False)
-        found = answer.stdout.split()
+        if found := answer.stdout.split():
+            return process, found[-1]
+    sys.exit(f"monkey: the program ended with {process.returncode} before its window came")
+
+
+def main(program, seconds, seed, clip, folder):
+    copy = os.path.join(folder, os.path.basename(clip))
+    shutil.copy(clip, copy)
+    process, window = start(program, copy)
     chance = random.Random(int(seed))
     end = time.monotonic() + float(seconds)
     steps = 0
+    closed = 0
     while time.monotonic() < end:
-        if process.poll() is not None:
+        if process.poll():
             sys.exit(f"monkey: the program ended with {process.returncode} after {steps} steps")
-        step(chance, found[-1])
+        if process.poll() == 0:  # it has found the way out
+            process, window = start(program, copy)
+            closed += 1
+        step(chance, window)
         steps += 1
     process.terminate()
     process.wait()
-    print(f"monkey: {steps} steps, and the window is still there")
+    print(f"monkey: {steps} steps, {closed} times it closed the window, and the window is still there")
 
 
 if __name__ == "__main__":
