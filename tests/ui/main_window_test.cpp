@@ -21,6 +21,7 @@
 #include <QFileDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QScreen>
 #include <QTest>
 #include <QTimer>
@@ -282,6 +283,44 @@ TEST_F(MainWindowTest, TheLayoutOutlivesTheWindow) {
     turnDivider(Qt::Key_Up);
     ASSERT_TRUE(again());
     EXPECT_EQ(layout(), usual);
+}
+
+TEST_F(MainWindowTest, WhatIsDroppedIsOpenedOrRefused) {
+    writeFile(folder / "other.MP4", "another clip");
+    writeFile(folder / "notes.txt", "no clip");
+    const auto dropped = [&](const QList<QUrl>& urls) {
+        QMimeData data;
+        if (urls.isEmpty())
+            data.setText("words");
+        else
+            data.setUrls(urls);
+        QDragEnterEvent enter({700, 300}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window.get(), &enter);
+        QDragMoveEvent move({710, 300}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(window.get(), &move);
+        static_cast<void>(window->grab()); // with what it says of the file
+        QDropEvent drop({710, 300}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        if (move.isAccepted()) QApplication::sendEvent(window.get(), &drop);
+        QCoreApplication::processEvents();
+        return move.isAccepted();
+    };
+    const auto file = [&](const char* name) {
+        return QUrl::fromLocalFile(QString::fromStdString((folder / name).string()));
+    };
+    const auto first = model().clip();
+    for (const QList<QUrl>& urls : {QList<QUrl>{},
+                                    {QUrl("https://example.org/clip.mov")},
+                                    {file("notes.txt")},
+                                    {file("")},
+                                    {file("notes.txt"), file("other.MP4")}})
+        EXPECT_FALSE(dropped(urls)) << urls.size();
+    QDragLeaveEvent leave;
+    QApplication::sendEvent(window.get(), &leave);
+    QTest::qWait(50);
+    EXPECT_EQ(model().clip(), first);
+    EXPECT_TRUE(dropped({file("other.MP4"), file("notes.txt")})) << "the first counts";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return model().clip() && model().clip() != first; }));
+    EXPECT_EQ(model().clip()->url.filename(), "other.MP4");
 }
 
 TEST_F(MainWindowTest, AnotherScaleRedrawsEverythingInItsPixels) {
