@@ -71,11 +71,16 @@ void Transport::startPlayback(float rate) {
 
 void Transport::prepare(float rate) {
     const OutputSeconds from = startOf(rate);
-    preparation_.preparePlayer(from, [this, rate, from](const std::optional<std::string>& failure) {
-        if (failure)
-            fail(*failure);
-        else
-            play(rate, from);
+    const TimeMap* const prepared = &refresh_.installedMap();
+    preparation_.preparePlayer(from, [this, rate, from, prepared](const std::optional<std::string>& failure) {
+        if (!failure) return play(rate, from);
+        // Sound, a proxy or a render that arrives brings an item of its own, which cuts the seek off: once it is in
+        // place the start goes on with it.
+        const bool isReplaced = refresh_.isInstalled() && &refresh_.installedMap() != prepared;
+        if (!isReplaced) return fail(*failure);
+        scheduler_.post([this, rate, intent = std::weak_ptr(playbackIntentToken_)] {
+            if (!intent.expired()) prepare(rate);
+        });
     });
 }
 

@@ -256,6 +256,32 @@ TEST_F(TransportTest, AStartWaitsForThePlayer) {
     EXPECT_NEAR(playerTime(), outputTime(8), 1e-3);
 }
 
+TEST_F(TransportTest, AStartOutlivesTheItemsThatArriveMeanwhile) {
+    open();
+    player.completesSeeks = false;
+    const std::function<void()> arrivals[] = {
+        [&] { model->makeProxy(); },
+        [&] {
+            model->renderSelectedPreview(SourceRange{3, 3.2});
+        },
+    };
+    for (const auto& arrive : arrivals) {
+        model->replaceKeyframes(slowBetween(2, 3 + 0.1 * static_cast<double>(player.items.size())));
+        arrive();
+        model->startPlayback(1); // the edit is shown first
+        EXPECT_TRUE(transport().isStartingPlayback());
+        const std::size_t items = player.items.size();
+        scheduler.settle();
+        EXPECT_GT(player.items.size(), items);
+        EXPECT_TRUE(transport().isStartingPlayback());
+        EXPECT_EQ(error(), std::nullopt);
+        player.completeSeek(true);
+        EXPECT_TRUE(transport().isPlaying());
+        model->pausePlayback();
+        player.completeSeek(true);
+    }
+}
+
 TEST_F(TransportTest, APlayerThatCannotBePreparedLeavesTheSessionStopped) {
     player.statusOfItems = PlayerStatus::unknown;
     player.completesSeeks = false;
