@@ -33,6 +33,7 @@ struct AccessibleItem {
 /// A widget that tells of what it paints.
 class AccessibleSource {
 public:
+    virtual ~AccessibleSource() = default;
     /// In order.
     virtual std::vector<Uuid> itemIds() const = 0;
     /// `index`: where the id was when itemIds() was last asked. Nothing once it is gone.
@@ -45,9 +46,6 @@ public:
     /// What a click on it does.
     virtual void pressItem(const Uuid& id) = 0;
     virtual void setItemValue(const Uuid&, double) {}
-
-protected:
-    ~AccessibleSource() = default;
 };
 
 /// The bridge between such a widget and the tree, to be the widget's last member. Interfaces are made when they are
