@@ -48,7 +48,7 @@ class Photographer:
         self.process.wait()
 
     def take(self, name, share="50%", whole=False, after=1.5):
-        """A picture `after` seconds for what fades in; ends the session after the last one that is wanted."""
+        """A picture, `after` so many seconds in which things fade in. After the last one that is wanted it ends all."""
         time.sleep(after)
         end = "" if float(self.scale) == 1 else "@" + self.scale
         file = os.path.join(self.folder, name + end + ".png")

@@ -74,8 +74,8 @@ void Transport::prepare(float rate) {
     const TimeMap* const prepared = &refresh_.installedMap();
     preparation_.preparePlayer(from, [this, rate, from, prepared](const std::optional<std::string>& failure) {
         if (!failure) return play(rate, from);
-        // Sound, a proxy or a render that arrives brings an item of its own, which cuts the seek off: once it is in
-        // place the start goes on with it.
+        // Sound, a proxy or a render that arrives brings an item of its own, with a map of its own, which cuts the
+        // seek off: once it is in place the start goes on with it.
         const bool isReplaced = refresh_.isInstalled() && &refresh_.installedMap() != prepared;
         if (!isReplaced) return fail(*failure);
         scheduler_.post([this, rate, intent = std::weak_ptr(playbackIntentToken_)] {
