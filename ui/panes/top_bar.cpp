@@ -112,7 +112,7 @@ void TopBar::resizeEvent(QResizeEvent*) {
 }
 
 void TopBar::place() {
-    const auto centred = [this](QWidget* widget, int left) {
+    const auto centred = [](QWidget* widget, int left) {
         widget->move(left, (barHeight - 1 - widget->height()) / 2);
         return left + widget->width();
     };
