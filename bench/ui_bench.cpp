@@ -10,7 +10,9 @@
 #include "ui/viewer/video_surface.h"
 
 #include <QApplication>
+#include <QEventLoop>
 #include <QMouseEvent>
+#include <QTimer>
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -136,11 +138,9 @@ void measureViewer(SessionHost& host, MainWindow& window) {
     settle();
     const double wallGoal = 1e3 / bench::playedFrameRate;
     host.model().togglePlayback();
-    const double cost = millisecondsOf([&] {
-        const auto start = std::chrono::steady_clock::now();
-        while (std::chrono::steady_clock::now() - start < std::chrono::duration<double>(3))
-            QApplication::processEvents(QEventLoop::WaitForMoreEvents, 10);
-    });
+    QEventLoop loop;
+    QTimer::singleShot(std::chrono::seconds(3), &loop, &QEventLoop::quit);
+    const double cost = millisecondsOf([&] { loop.exec(); });
     host.model().togglePlayback();
     printRow("main thread, per frame of playback", {cost / playedFrames}, wallGoal);
 }
