@@ -2,7 +2,10 @@
 
 #include <QCoreApplication>
 #include <QRegularExpression>
+#include <QStringList>
 #include <array>
+#include <optional>
+#include <vector>
 
 namespace flowtide {
 
@@ -40,24 +43,46 @@ constexpr std::array sentences{
                                  "relink it."),
 };
 
-/// Each place stands for some text.
-QRegularExpression patternOf(const char* sentence) {
-    QString pattern = QRegularExpression::escape(QString::fromUtf8(sentence));
-    for (const char* place : {"\\%1", "\\%2"})
-        pattern.replace(QLatin1String(place), QStringLiteral("(.+)"));
-    return QRegularExpression(QRegularExpression::anchoredPattern(pattern));
+/// A sentence and the texts between its places.
+struct Sentence {
+    const char* words;
+    QStringList texts;
+};
+
+std::vector<Sentence> split() {
+    std::vector<Sentence> all;
+    for (const char* words : sentences)
+        all.push_back({words, QString::fromUtf8(words).split(QRegularExpression(QStringLiteral("%[12]")))});
+    return all;
+}
+
+/// What stands at the places of a sentence, at each one something; nothing where another sentence is said.
+std::optional<QStringList> named(const QString& said, const QStringList& texts) {
+    if (texts.size() == 1) return said == texts.front() ? std::optional<QStringList>(QStringList()) : std::nullopt;
+    if (!said.startsWith(texts.front()) || !said.endsWith(texts.back())) return {};
+    QStringList names;
+    qsizetype from = texts.front().size();
+    for (qsizetype place = 1; place < texts.size(); ++place) {
+        const bool isLast = place + 1 == texts.size();
+        const qsizetype to = isLast ? said.size() - texts.back().size() : said.indexOf(texts[place], from + 1);
+        if (to <= from) return {};
+        names.append(said.mid(from, to - from));
+        from = to + texts[place].size();
+    }
+    return names;
 }
 
 } // namespace
 
 QString sessionText(const std::string& sentence) {
+    static const std::vector<Sentence> known = split();
     const QString said = QString::fromStdString(sentence);
-    for (const char* known : sentences) {
-        const auto found = patternOf(known).match(said);
-        if (!found.hasMatch()) continue;
-        QString translated = QCoreApplication::translate("Session", known);
-        for (int place = 1; place <= found.lastCapturedIndex(); ++place)
-            translated.replace(QStringLiteral("%%1").arg(place), found.captured(place));
+    for (const auto& [words, texts] : known) {
+        const auto names = named(said, texts);
+        if (!names) continue;
+        QString translated = QCoreApplication::translate("Session", words);
+        for (qsizetype place = 0; place < names->size(); ++place)
+            translated.replace(QStringLiteral("%%1").arg(place + 1), names->at(place));
         return translated;
     }
     return said;
