@@ -132,7 +132,9 @@ void drawLine(QPainter& painter, const QRectF& rect, Qt::Alignment horizontal, T
     painter.setFont(font(type));
     painter.setPen(color);
     const QFontMetricsF metrics(font(type));
-    const double left = leftOf(rect, horizontal, metrics.horizontalAdvance(words));
+    // Words are laid out to be measured, which costs as much as to draw them.
+    const bool isMeasured = horizontal & (Qt::AlignRight | Qt::AlignHCenter);
+    const double left = leftOf(rect, horizontal, isMeasured ? metrics.horizontalAdvance(words) : 0);
     painter.drawText(QPointF(left, baseline(rect, metrics)), words);
 }
 

@@ -134,8 +134,11 @@ void CurveGraph::followValues(bool animated) {
 void CurveGraph::curveChanged() {
     catchUp();
     isStale_ = true;
-    // At the end of a drag the window goes back to what the points ask for.
-    if (!input_.isMovingPoints() && windowTo_ != wantedWindow()) followValues(true);
+    if (!input_.isMovingPoints()) {
+        picture_.drag.reset();
+        // The window goes back to what the points ask for.
+        if (windowTo_ != wantedWindow()) followValues(true);
+    }
     updateCurveHeight();
     update();
 }
@@ -160,19 +163,19 @@ double CurveGraph::guideSpeed() const {
 const CurveGraphPicture& CurveGraph::picture() {
     catchUp();
     if (!std::exchange(isStale_, false)) return picture_;
-    picture_ = {};
+    const CurveGraphPicture former = std::exchange(picture_, {});
     picture_.axis = input_.axis();
     picture_.geometry = geometry();
     picture_.trim = context_.trim();
     picture_.selected = context_.points().ids();
     if (!context_.model().clip()) return picture_;
     picture_.points = input_.points();
-    buildCurves();
+    buildCurves(former);
     if (!context_.isFraming()) buildMarks();
     return picture_;
 }
 
-void CurveGraph::buildCurves() {
+void CurveGraph::buildCurves(const CurveGraphPicture& former) {
     const FlowtideViewModel& model = context_.model();
     const CurveDomain domain = context_.isFraming() ? model.framing().domain() : model.curve().domain();
     const auto line = [&](const SpeedKeyframes& points) {
@@ -189,7 +192,8 @@ void CurveGraph::buildCurves() {
     if (!input_.isMovingPoints()) return;
     const CurveDrag& drag = *input_.drag();
     CurveGraphPicture::Drag shown;
-    shown.curveBefore = line(drag.startPoints());
+    shown.curveBefore =
+        former.drag && former.geometry == picture_.geometry ? former.drag->curveBefore : line(drag.startPoints());
     shown.moved = drag.movedIds();
     shown.grabbed = drag.grabbed().id;
     if (input_.target() == GraphDragTarget::points) shown.before = drag.startPoints();

@@ -47,7 +47,8 @@ private:
     void updateCurveHeight();
     CurveGraphGeometry geometry() const;
     const CurveGraphPicture& picture();
-    void buildCurves();
+    /// `former`: what was shown before.
+    void buildCurves(const CurveGraphPicture& former);
     void buildMarks();
     void showPointer(QPointF place, Qt::KeyboardModifiers modifiers);
     enum class Pointer { arrow, openHand, closedHand, cross, addPoint };

@@ -36,6 +36,8 @@ struct CurveGraphGeometry {
     /// 0 at the plot's bottom, 1 at its top.
     double heightAt(double y) const { return (bottom() - y) / height; }
     QPointF placeOf(const SpeedKeyframe& point) const { return {time.xOf(point.time), yOf(point.speed)}; }
+
+    friend bool operator==(const CurveGraphGeometry&, const CurveGraphGeometry&) = default;
 };
 
 /// Whether a point is played: inside the kept part, or its edge.

@@ -5,9 +5,11 @@
 #include "ui/graph/point_marks.h"
 #include "ui/theme.h"
 
+#include <QImage>
 #include <QLineF>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace flowtide {
 
@@ -162,14 +164,24 @@ private:
         painter_.restore();
     }
 
-    /// Dots at equal distances along the line, also where it is steep.
+    /// Dots at equal distances along the line, also where it is steep, but where the edited one will hide them.
     void dot(const std::vector<QPointF>& line, QColor color, double width) {
         QList<QLineF> dots;
         double left = 0; // until the next dot, pixels
-        for (std::size_t i = 1; i < line.size(); ++i) {
+        auto cover = picture_.edited.begin();
+        const auto isCovered = [&](QPointF place) {
+            while (cover != picture_.edited.end() && cover->x() < place.x())
+                ++cover;
+            return cover != picture_.edited.end() && *cover == place;
+        };
+        bool wasCovered = false;
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            const bool beganCovered = std::exchange(wasCovered, isCovered(line[i]));
+            if (i == 0) continue;
             const QLineF piece(line[i - 1], line[i]);
             const double length = piece.length();
             double at = left;
+            if (beganCovered && wasCovered) at += std::max(0.0, std::ceil((length - at) / dotDistance)) * dotDistance;
             for (; at < length; at += dotDistance)
                 dots.append(QLineF(piece.pointAt(at / length), piece.pointAt((at + width) / length)));
             left = at - length;
@@ -182,21 +194,34 @@ private:
     }
 
     void fill(const std::vector<QPointF>& line) {
+        const std::span<const QPointF> part = clipped(line);
+        if (part.empty()) return;
         const QTransform device = painter_.deviceTransform();
-        const auto snapped = [&](double at) {
-            return (std::round(at * device.m11() + device.dx()) - device.dx()) / device.m11();
+        const QRect area = device.mapRect(plot_ & clip_).toAlignedRect();
+        // Qt mixes a translucent color in row by row, which in columns of one pixel costs ten times as much.
+        QImage layer(area.size(), QImage::Format_ARGB32_Premultiplied);
+        if (layer.isNull()) return;
+        layer.fill(Qt::transparent);
+        layer.setDevicePixelRatio(device.m11());
+        const auto width = static_cast<std::size_t>(area.width());
+        const std::span<QRgb> pixels(reinterpret_cast<QRgb*>(layer.bits()),
+                                     width * static_cast<std::size_t>(area.height()));
+        const QRgb color = qPremultiply(faded(picture_.axis.strokeColor, 0.09).rgba());
+        const auto pixelOf = [&](QPointF place) {
+            const QPoint pixel = device.map(place).toPoint() - area.topLeft();
+            return QPoint(std::clamp(pixel.x(), 0, area.width()), std::clamp(pixel.y(), 0, area.height()));
         };
         const double base = y(picture_.axis.emphasizedGridValue);
-        const QColor color = faded(picture_.axis.strokeColor, 0.09);
-        const std::span<const QPointF> part = clipped(line);
         for (std::size_t i = 1; i < part.size(); ++i) {
-            const double left = snapped(part[i - 1].x());
-            const double right = snapped(part[i].x());
-            if (right <= left) continue;
             const double middle = (part[i - 1].y() + part[i].y()) / 2;
-            painter_.fillRect(QRectF(QPointF(left, std::min(middle, base)), QPointF(right, std::max(middle, base))),
-                              color);
+            const QPoint from = pixelOf({part[i - 1].x(), std::min(middle, base)});
+            const QPoint to = pixelOf({part[i].x(), std::max(middle, base)});
+            for (int row = from.y(); row < to.y(); ++row) {
+                const auto columns = pixels.subspan(static_cast<std::size_t>(row) * width, width);
+                std::fill(columns.begin() + from.x(), columns.begin() + to.x(), color);
+            }
         }
+        painter_.drawImage(device.inverted().map(QPointF(area.topLeft())), layer);
     }
 
     void paintCurves() {
@@ -265,14 +290,14 @@ private:
     }
 
     void paintPoints() {
-        const QColor color = picture_.axis.strokeColor;
+        PointMarks marks(painter_, picture_.axis.strokeColor);
         const double duration = picture_.geometry.time.duration;
         if (picture_.drag)
             for (const SpeedKeyframe& point : picture_.drag->before)
                 if (picture_.drag->moved.contains(point.id) && isInView(point))
-                    drawPointMark(painter_, picture_.geometry.placeOf(point), PointMark::former, color);
+                    marks.draw(picture_.geometry.placeOf(point), PointMark::former);
         const auto draw = [&](const SpeedKeyframe& point, PointMark mark) {
-            drawPointMark(painter_, picture_.geometry.placeOf(point), mark, color);
+            marks.draw(picture_.geometry.placeOf(point), mark);
         };
         std::vector<QPoint> drawn; // in the last column of pixels
         const auto isCovered = [&](const SpeedKeyframe& point) {

@@ -4,7 +4,6 @@
 
 #include <QPaintDevice>
 #include <QPainterPath>
-#include <QPixmap>
 #include <QPixmapCache>
 #include <cmath>
 
@@ -33,7 +32,7 @@ void square(QPainter& painter, double size, QColor fill, QColor outline, double 
     painter.drawRoundedRect(box, 1.5, 1.5);
 }
 
-void draw(QPainter& painter, PointMark mark, QColor color) {
+void drawMark(QPainter& painter, PointMark mark, QColor color) {
     using namespace theme;
     switch (mark) {
     case PointMark::plain:
@@ -85,13 +84,15 @@ QPixmap kept(const QString& name, QSizeF size, const QPainter& painter, Draw dra
 
 } // namespace
 
-void drawPointMark(QPainter& painter, QPointF place, PointMark mark, QColor color) {
-    const QPixmap pixmap = kept(QStringLiteral("point/%1/%2").arg(static_cast<int>(mark)).arg(color.rgba()),
-                                QSizeF(side, side), painter, [&](QPainter& onPixmap) { draw(onPixmap, mark, color); });
+void PointMarks::draw(QPointF place, PointMark mark) {
+    QPixmap& pixmap = pixmaps_[static_cast<std::size_t>(mark)];
+    if (pixmap.isNull())
+        pixmap = kept(QStringLiteral("point/%1/%2").arg(static_cast<int>(mark)).arg(color_.rgba()), QSizeF(side, side),
+                      painter_, [&](QPainter& onPixmap) { drawMark(onPixmap, mark, color_); });
     // Lines of one pixel go through the middle of their pixel, and so do the points on them.
-    const double half = theme::hairlineWidth(painter) / 2;
+    const double half = theme::hairlineWidth(painter_) / 2;
     const QPointF corner = place + QPointF(half - side / 2.0, half - side / 2.0);
-    painter.drawPixmap(theme::onPixels(painter, QRectF(corner, QSizeF(side, side))).topLeft(), pixmap);
+    painter_.drawPixmap(theme::onPixels(painter_, QRectF(corner, QSizeF(side, side))).topLeft(), pixmap);
 }
 
 void drawPointLabel(QPainter& painter, QPointF baseline, const QString& words, bool isSelected) {

@@ -3,7 +3,10 @@
 
 #include <QColor>
 #include <QPainter>
+#include <QPixmap>
 #include <QPointF>
+#include <array>
+#include <cstddef>
 
 namespace flowtide {
 
@@ -20,8 +23,21 @@ enum class PointMark {
     outside ///< of the trim
 };
 
-/// Drawn once for each color and scale, and copied from then on.
-void drawPointMark(QPainter& painter, QPointF place, PointMark mark, QColor color);
+/// The marks of one color in one painting. Each is drawn once for every scale, and copied from then on.
+class PointMarks {
+public:
+    PointMarks(QPainter& painter, QColor color)
+        : painter_(painter)
+        , color_(color) {}
+
+    void draw(QPointF place, PointMark mark);
+
+private:
+    QPainter& painter_;
+    QColor color_;
+    // To look one up in Qt's cache costs more than to copy it.
+    std::array<QPixmap, static_cast<std::size_t>(PointMark::outside) + 1> pixmaps_;
+};
 
 /// A point's value on a ground that keeps the curve off it, drawn once for each text and scale. `baseline`: its left
 /// end.
