@@ -76,7 +76,7 @@ std::optional<QStringList> named(const QString& said, const QStringList& texts) 
 
 QString sessionText(const std::string& sentence) {
     static const std::vector<Sentence> known = split();
-    const QString said = QString::fromStdString(sentence);
+    QString said = QString::fromStdString(sentence);
     for (const auto& [words, texts] : known) {
         const auto names = named(said, texts);
         if (!names) continue;
