@@ -49,7 +49,7 @@ struct Sentence {
     QStringList texts;
 };
 
-std::vector<Sentence> split() {
+std::vector<Sentence> splitAtPlaces() {
     std::vector<Sentence> all;
     for (const char* words : sentences)
         all.push_back({words, QString::fromUtf8(words).split(QRegularExpression(QStringLiteral("%[12]")))});
@@ -57,7 +57,7 @@ std::vector<Sentence> split() {
 }
 
 /// What stands at the places of a sentence, at each one something; nothing where another sentence is said.
-std::optional<QStringList> named(const QString& said, const QStringList& texts) {
+std::optional<QStringList> atPlaces(const QString& said, const QStringList& texts) {
     if (texts.size() == 1) return said == texts.front() ? std::optional<QStringList>(QStringList()) : std::nullopt;
     if (!said.startsWith(texts.front()) || !said.endsWith(texts.back())) return {};
     QStringList names;
@@ -75,10 +75,10 @@ std::optional<QStringList> named(const QString& said, const QStringList& texts) 
 } // namespace
 
 QString sessionText(const std::string& sentence) {
-    static const std::vector<Sentence> known = split();
+    static const std::vector<Sentence> known = splitAtPlaces();
     QString said = QString::fromStdString(sentence);
     for (const auto& [words, texts] : known) {
-        const auto names = named(said, texts);
+        const auto names = atPlaces(said, texts);
         if (!names) continue;
         QString translated = QCoreApplication::translate("Session", words);
         for (qsizetype place = 0; place < names->size(); ++place)
