@@ -1,6 +1,7 @@
 #include "ui/workspace.h"
 
 #include "ui/accessible_role.h"
+#include "ui/controls/drag_escape.h"
 #include "ui/controls/focus_ring.h"
 #include "ui/theme.h"
 
@@ -68,15 +69,16 @@ protected:
         if (event->button() != Qt::LeftButton) return;
         isDragged_ = true;
         grip_ = event->position().y() - grabHeight / 2.0;
+        formerRatio_ = workspace_.settings_.previewSplitRatio();
+        escape_.begin();
     }
     void mouseMoveEvent(QMouseEvent* event) override {
         if (!isDragged_) return;
         const double y = workspace_.mapFromGlobal(event->globalPosition()).y() - grip_;
         workspace_.setSplit(y / std::max(workspace_.height(), 1));
     }
-    void mouseReleaseEvent(QMouseEvent*) override {
-        isDragged_ = false;
-        update();
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        if (event->button() == Qt::LeftButton) endDrag();
     }
     void mouseDoubleClickEvent(QMouseEvent*) override { workspace_.setSplit(UserSettings::defaultSplitRatio); }
     void keyPressEvent(QKeyEvent* event) override {
@@ -87,9 +89,20 @@ protected:
     }
 
 private:
+    void endDrag() {
+        isDragged_ = false;
+        escape_.end();
+        update();
+    }
+
     Workspace& workspace_;
     bool isDragged_ = false;
     double grip_ = 0;
+    double formerRatio_ = 0;
+    DragEscape escape_{[this] {
+        endDrag();
+        workspace_.setSplit(formerRatio_);
+    }};
 };
 
 Workspace::Workspace(WorkspacePanes panes, UserSettings& settings, QWidget* parent)

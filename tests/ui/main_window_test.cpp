@@ -285,6 +285,28 @@ TEST_F(MainWindowTest, TheLayoutOutlivesTheWindow) {
     EXPECT_EQ(layout(), usual);
 }
 
+TEST_F(MainWindowTest, EscTakesTheDraggedDividerBack) {
+    QWidget* divider = nullptr;
+    for (auto* each : window->findChildren<QWidget*>())
+        if (each->accessibleName() == "Divider") divider = each;
+    ASSERT_TRUE(divider);
+    const QPoint usual = divider->pos();
+    const auto drag = [&] {
+        QTest::mousePress(divider, Qt::LeftButton, {}, {10, 4});
+        QTest::mouseMove(divider, {10, 44});
+        EXPECT_EQ(divider->y(), usual.y() + 40);
+    };
+    drag();
+    press(Qt::Key_Escape);
+    EXPECT_EQ(divider->pos(), usual);
+    QTest::mouseMove(divider, {10, 24});
+    EXPECT_EQ(divider->pos(), usual);
+    QTest::mouseRelease(divider, Qt::LeftButton, {}, {10, 24});
+    drag();
+    QTest::mouseRelease(divider, Qt::LeftButton, {}, {10, 4});
+    EXPECT_EQ(divider->y(), usual.y() + 40);
+}
+
 TEST_F(MainWindowTest, WhatIsDroppedIsOpenedOrRefused) {
     writeFile(folder / "other.MP4", "another clip");
     writeFile(folder / "notes.txt", "no clip");
