@@ -187,17 +187,17 @@ QAccessibleInterface* AccessibleItems::interfaceAt(int index) {
     return index >= 0 && index < count() ? interfaceOf(ids_[static_cast<std::size_t>(index)]) : nullptr;
 }
 
-void AccessibleItems::tell(const Uuid& id, QAccessible::Event type) {
+void AccessibleItems::tell(const Uuid& id, QAccessible::Event event) {
     QAccessibleInterface* interface = interfaceOf(id);
     if (!interface) return;
-    if (type == QAccessible::ValueChanged) {
+    if (event == QAccessible::ValueChanged) {
         const auto now = item(id);
         if (!now || !now->value) return;
-        QAccessibleValueChangeEvent event(interface, now->value->now);
-        return onEvent(&event);
+        QAccessibleValueChangeEvent told(interface, now->value->now);
+        return onEvent(&told);
     }
-    QAccessibleEvent event(interface, type);
-    onEvent(&event);
+    QAccessibleEvent told(interface, event);
+    onEvent(&told);
 }
 
 void AccessibleItems::changed() {

@@ -16,10 +16,9 @@ public:
     void show(const QString& title, const QString& body, const QString& action = {},
               std::function<void()> onAction = {});
 
-private slots:
-    void actionInvoked(uint id, const QString& key);
-
 private:
+    Q_SLOT void actionInvoked(uint id, const QString& key);
+
     uint id_ = 0; ///< of the last message, which the next one replaces
     bool isListening_ = false;
     std::function<void()> onAction_;

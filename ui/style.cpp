@@ -88,7 +88,6 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWi
     case PM_ScrollBarExtent:
         return scrollBar;
     case PM_ScrollView_ScrollBarSpacing:
-        return 0;
     case PM_ToolTipLabelFrameWidth:
         return 0;
     default:

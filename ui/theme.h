@@ -75,12 +75,12 @@ int lineHeight(Type type);
 
 /// Draws a line of text in a rectangle, centred vertically.
 void drawLine(QPainter& painter, const QRectF& rect, Qt::Alignment horizontal, Type type, QColor color,
-              const QString& text);
+              const QString& words);
 /// The same with every digit as wide as the widest, for numbers that change.
 void drawTabular(QPainter& painter, const QRectF& rect, Qt::Alignment horizontal, Type type, QColor color,
-                 const QString& text);
-double textWidth(Type type, const QString& text);
-double tabularWidth(Type type, const QString& text);
+                 const QString& words);
+double textWidth(Type type, const QString& words);
+double tabularWidth(Type type, const QString& words);
 
 /// The width of a hairline on this device: one device pixel below a scale of 2, two from there on.
 double hairlineWidth(const QPainter& painter);

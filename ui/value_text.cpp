@@ -27,7 +27,7 @@ QString translated(const char* text) {
 }
 
 /// A number as people type it: with a point or a comma.
-std::optional<double> number(QString text) {
+std::optional<double> number(const QString& text) {
     bool isNumber = false;
     const double value = QLocale::c().toDouble(text.trimmed().replace(u',', u'.'), &isNumber);
     if (!isNumber || !std::isfinite(value)) return {};

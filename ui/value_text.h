@@ -27,6 +27,6 @@ QString percent(double share);
 
 QString path(const std::filesystem::path& path);
 std::filesystem::path path(const QString& path);
-QString fileName(const std::filesystem::path& path);
+QString fileName(const std::filesystem::path& file);
 
 } // namespace flowtide::valueText

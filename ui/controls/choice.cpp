@@ -99,14 +99,10 @@ void Choice::choose(int index) {
 
 void Choice::keyPressEvent(QKeyEvent* event) {
     const int last = static_cast<int>(buttons_.size()) - 1;
-    if (event->modifiers() & ~Qt::KeypadModifier)
-        event->ignore();
-    else if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Up)
-        choose(std::max(chosen_ - 1, 0));
-    else if (event->key() == Qt::Key_Right || event->key() == Qt::Key_Down)
-        choose(std::min(chosen_ + 1, last));
-    else
-        event->ignore();
+    const bool isBack = event->key() == Qt::Key_Left || event->key() == Qt::Key_Up;
+    const bool isOn = event->key() == Qt::Key_Right || event->key() == Qt::Key_Down;
+    if (event->modifiers() & ~Qt::KeypadModifier || (!isBack && !isOn)) return event->ignore();
+    choose(std::clamp(chosen_ + (isBack ? -1 : 1), 0, last));
 }
 
 void Choice::paintEvent(QPaintEvent*) {

@@ -19,9 +19,9 @@ constexpr double padding = 8;
 constexpr double chevronRoom = 28;
 } // namespace
 
-ListBox::ListBox(const QString& name, QStringList items, QWidget* parent)
+ListBox::ListBox(QString name, QStringList items, QWidget* parent)
     : QPushButton(parent)
-    , name_(name)
+    , name_(std::move(name))
     , items_(std::move(items)) {
     setFixedHeight(28);
     setFocusPolicy(Qt::TabFocus);

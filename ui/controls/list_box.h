@@ -14,7 +14,7 @@ class ListBox final : public QPushButton {
     Q_OBJECT
 
 public:
-    ListBox(const QString& name, QStringList items, QWidget* parent = nullptr);
+    ListBox(QString name, QStringList items, QWidget* parent = nullptr);
 
     int chosen() const { return chosen_; }
     /// Tells nobody.

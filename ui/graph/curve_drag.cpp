@@ -43,14 +43,15 @@ void CurveDrag::findTimeLimits(const SourceRange& kept, double duration) {
         }
     }
     limit = stop = kept.upper;
-    for (auto point = points_.rbegin(); point != points_.rend(); ++point) {
-        if (!isPlayed(*point, kept, duration)) continue;
-        if (!moves(*point)) {
-            stop = point->time;
-            limit = point->time - spacing;
+    for (std::size_t i = points_.size(); i-- > 0;) {
+        const SpeedKeyframe& point = points_[i];
+        if (!isPlayed(point, kept, duration)) continue;
+        if (!moves(point)) {
+            stop = point.time;
+            limit = point.time - spacing;
         } else {
-            if (limit - point->time < mostAhead_) aheadStop_ = stop;
-            mostAhead_ = std::min(mostAhead_, limit - point->time);
+            if (limit - point.time < mostAhead_) aheadStop_ = stop;
+            mostAhead_ = std::min(mostAhead_, limit - point.time);
         }
     }
     // Points that were nearer already when they came may stay so.

@@ -40,16 +40,16 @@ CurveDragScale CurveDragScale::of(const CurveEditorAxis& axis, const ValueRange&
     return {axis, window, height, std::max(inside, above / farthestPixels), std::max(inside, below / farthestPixels)};
 }
 
-double CurveDragScale::value(double height01) const {
+double CurveDragScale::value(double normalizedHeight) const {
     double result = 0;
-    if (height01 > 1) {
+    if (normalizedHeight > 1) {
         const double top = place(std::min(window.upper, axis.limits.upper), axis.isLogScale);
-        result = valueOf(top + (height01 - 1) * height * stepAbove, axis.isLogScale);
-    } else if (height01 < 0) {
+        result = valueOf(top + (normalizedHeight - 1) * height * stepAbove, axis.isLogScale);
+    } else if (normalizedHeight < 0) {
         const double bottom = place(window.lower, axis.isLogScale);
-        result = valueOf(bottom + height01 * height * stepBelow, axis.isLogScale);
+        result = valueOf(bottom + normalizedHeight * height * stepBelow, axis.isLogScale);
     } else {
-        result = valueAtHeight(height01, window, axis.isLogScale);
+        result = valueAtHeight(normalizedHeight, window, axis.isLogScale);
     }
     return std::clamp(result, axis.limits.lower, axis.limits.upper);
 }

@@ -70,10 +70,10 @@ SpeedKeyframes copied(const SpeedKeyframes& points, const PointSelection::Ids& i
     return chosen;
 }
 
-Added pasted(const SpeedKeyframes& points, const SpeedKeyframes& copies, double time, const Span& span) {
+Added pasted(const SpeedKeyframes& points, const SpeedKeyframes& copied, double time, const Span& span) {
     Added added{points, {}};
     SpeedKeyframes fresh;
-    for (SpeedKeyframe copy : copies) {
+    for (SpeedKeyframe copy : copied) {
         copy.id = Uuid::random();
         copy.time += time;
         const bool meetsEdge = std::any_of(points.begin(), points.end(), [&](const SpeedKeyframe& point) {

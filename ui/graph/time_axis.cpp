@@ -65,7 +65,7 @@ QString rulerLabel(double seconds, double step) {
         return QCoreApplication::translate("TimeAxis", "%1 s").arg(seconds, 0, 'f', isWhole ? 0 : 1);
     }
     const auto whole = static_cast<qint64>(std::floor(seconds + 1e-9));
-    const double rest = std::max(seconds - static_cast<double>(whole / 60 * 60), 0.0);
+    const double rest = std::max(seconds - static_cast<double>(whole - whole % 60), 0.0);
     const QString tail = QStringLiteral("%1").arg(rest, decimals ? 4 : 2, 'f', decimals, QLatin1Char('0'));
     if (whole < 3600) return QStringLiteral("%1:%2").arg(whole / 60).arg(tail);
     return QStringLiteral("%1:%2:%3").arg(whole / 3600).arg(whole / 60 % 60, 2, 10, QLatin1Char('0')).arg(tail);
