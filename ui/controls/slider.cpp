@@ -70,7 +70,7 @@ int ValueSlider::valueAt(double x) const {
 void ValueSlider::endGesture() {
     if (!isDragged_) return;
     isDragged_ = false;
-    escape_.end();
+    guard_.end();
     call(onGestureEnd);
 }
 
@@ -78,21 +78,24 @@ void ValueSlider::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     isDragged_ = true;
     valueBefore_ = value();
-    escape_.begin();
+    guard_.begin();
     call(onGestureBegin);
-    change(valueAt(event->position().x()));
+    const double x = event->position().x();
+    // Where the thumb is grabbed it stays.
+    grip_ = thumb().contains(event->position()) ? x - thumb().center().x() : 0;
+    if (grip_ == 0) change(valueAt(x));
 }
 
 void ValueSlider::mouseMoveEvent(QMouseEvent* event) {
-    if (isDragged_) change(valueAt(event->position().x()));
+    if (isDragged_) change(valueAt(event->position().x() - grip_));
 }
 
-void ValueSlider::mouseReleaseEvent(QMouseEvent*) {
-    endGesture();
+void ValueSlider::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) endGesture();
 }
 
-void ValueSlider::mouseDoubleClickEvent(QMouseEvent*) {
-    changeAtOnce(defaultValue_);
+void ValueSlider::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) changeAtOnce(defaultValue_);
 }
 
 void ValueSlider::keyPressEvent(QKeyEvent* event) {

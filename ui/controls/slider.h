@@ -1,7 +1,7 @@
 // A value between two ends.
 #pragma once
 
-#include "ui/controls/drag_escape.h"
+#include "ui/controls/drag_guard.h"
 #include "ui/controls/hover.h"
 
 #include <QColor>
@@ -52,7 +52,8 @@ private:
     int defaultValue_;
     bool isDragged_ = false;
     int valueBefore_ = 0; ///< the drag
-    DragEscape escape_{[this] {
+    double grip_ = 0;     ///< from the thumb's middle to where it was grabbed
+    DragGuard guard_{[this] {
         change(valueBefore_);
         endGesture();
     }};

@@ -27,7 +27,11 @@ ClipLane::ClipLane(TimelineContext& context, QWidget* parent)
     connect(&context, &TimelineContext::axisChanged, this, &ClipLane::placeHandles);
     changes_ = context.model().subscribe(properties({Property::clip, Property::trimRange}),
                                          [this](const PropertySet& changed) {
-                                             if (changed.test(static_cast<std::size_t>(Property::clip))) film_.reset();
+                                             if (changed.test(static_cast<std::size_t>(Property::clip))) {
+                                                 film_.reset();
+                                                 start_->letGo();
+                                                 end_->letGo();
+                                             }
                                              placeHandles();
                                              update();
                                          });

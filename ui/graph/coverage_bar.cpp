@@ -62,6 +62,7 @@ CoverageBar::CoverageBar(TimelineContext& context, QWidget* parent)
 
 void CoverageBar::refresh() {
     hovered_ = nullptr;
+    unsetCursor();
     flags_ = coverageFlags(context_.model().trackedRanges());
     if (current_ && !current()) current_.reset();
     tree_.changed();
@@ -199,6 +200,7 @@ void CoverageBar::leaveEvent(QEvent*) {
     context_.setHint({});
     if (!hovered_) return;
     hovered_ = nullptr;
+    unsetCursor();
     update();
 }
 

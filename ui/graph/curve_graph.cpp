@@ -86,6 +86,7 @@ void CurveGraph::refresh(const PropertySet& changed) {
     PropertySet others = changed;
     others.reset(static_cast<std::size_t>(Property::scrubPosition));
     if (others.any()) {
+        forgetGonePoints();
         isStale_ = true;
         followValues(!has(Property::clip) && !has(Property::editorMode));
         curveChanged();
@@ -94,6 +95,14 @@ void CurveGraph::refresh(const PropertySet& changed) {
     } else {
         updateCurveHeight();
     }
+}
+
+void CurveGraph::forgetGonePoints() {
+    if (input_.target() != GraphDragTarget::none) return;
+    PointSelection::Ids left;
+    for (const SpeedKeyframe& point : input_.points())
+        if (context_.points().contains(point.id)) left.insert(point.id);
+    context_.points().select(std::move(left));
 }
 
 void CurveGraph::axisMoved() {
@@ -379,8 +388,9 @@ void CurveGraph::keyPressEvent(QKeyEvent* event) {
 void CurveGraph::nudge(int key, bool isTenfold) {
     const PointSelection::Ids& ids = context_.points().ids();
     const auto& points = input_.points();
-    const auto first =
-        std::find_if(points.begin(), points.end(), [&](const SpeedKeyframe& point) { return ids.contains(point.id); });
+    const auto first = std::find_if(points.begin(), points.end(), [&](const SpeedKeyframe& point) {
+        return ids.contains(point.id) && isPlayed(point, context_.trim(), context_.duration());
+    });
     if (first == points.end() || !context_.model().clip()) return;
     if (!std::exchange(isNudging_, true)) {
         context_.model().beginCurveEdit();

@@ -41,6 +41,8 @@ private:
     void refresh(const PropertySet& changed);
     /// The session tells of another curve in its next turn; whatever happens here before is of that curve already.
     void catchUp();
+    /// A selected point may have gone with an undo.
+    void forgetGonePoints();
     void axisMoved();
     void followValues(bool animated);
     void curveChanged();

@@ -81,11 +81,12 @@ void CurveGraphInput::press(QPointF place, Qt::KeyboardModifiers modifiers) {
     finish();
     if (!context_.model().clip()) return;
     pressed_ = last_ = place;
+    pressedSeconds_ = context_.axis().timeAt(place.x());
     lastModifiers_ = modifiers;
     isDrag_ = false;
     selectedBefore_ = context_.points().ids();
     playheadBefore_ = context_.model().timeline().scrubPosition();
-    escape_.begin();
+    guard_.begin();
     pressedPoint_ = pointAt(place);
     const bool isShifted = modifiers & Qt::ShiftModifier;
     const bool isAlternate = modifiers & Qt::AltModifier;
@@ -163,7 +164,8 @@ void CurveGraphInput::dragTo(QPointF place, Qt::KeyboardModifiers modifiers) {
         return context_.scrubTo(context_.timeAt(std::clamp(place.x(), time.left, time.right())));
     }
     case GraphDragTarget::marquee: {
-        marquee_ = QRectF(pressed_, place).normalized();
+        // Its first corner moves with the axis.
+        marquee_ = QRectF({context_.axis().xOf(pressedSeconds_), pressed_.y()}, place).normalized();
         const CurveGraphGeometry geometry = surface_.geometry();
         PointSelection::Ids ids =
             pointsWithin(marquee_, playedPoints(points(), context_.trim(), context_.duration()), geometry);
@@ -250,7 +252,7 @@ void CurveGraphInput::cancel() {
 }
 
 void CurveGraphInput::finish() {
-    escape_.end();
+    guard_.end();
     edgePan_.stop();
     const bool wasActive = target_ != GraphDragTarget::none;
     if (std::exchange(isEdit_, false)) context_.model().endCurveEdit();

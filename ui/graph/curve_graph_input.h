@@ -1,7 +1,7 @@
 // What the pointer does in the graph: scrub, select, and move points.
 #pragma once
 
-#include "ui/controls/drag_escape.h"
+#include "ui/controls/drag_guard.h"
 #include "ui/graph/curve_drag.h"
 #include "ui/graph/curve_drag_scale.h"
 #include "ui/graph/curve_point_edits.h"
@@ -80,6 +80,7 @@ private:
     bool isDrag_ = false; ///< has moved so far that it is no click
     bool isEdit_ = false; ///< a gesture of the session is open
     QPointF pressed_;
+    double pressedSeconds_ = 0; ///< of the source
     QPointF last_;
     QPointF grip_; ///< from the grabbed point to where it was grabbed
     Qt::KeyboardModifiers lastModifiers_;
@@ -90,7 +91,7 @@ private:
     std::optional<double> blockedAt_;
     PointSelection::Ids selectedBefore_; ///< a marquee adds to it
     double playheadBefore_ = 0;          ///< as a fraction of the clip
-    DragEscape escape_{[this] { cancel(); }};
+    DragGuard guard_{[this] { cancel(); }};
     QRectF marquee_;
     QTimer edgePan_;
 };

@@ -52,7 +52,7 @@ void openGraphMenu(QWidget& graph, TimelineContext& context, CurveGraphInput& in
     };
     add(CurveGraph::tr("Copy"), QStringLiteral("⌘C"), Command::copyPoints, hasSelection);
     add(CurveGraph::tr("Paste"), QStringLiteral("⌘V"), Command::pastePoints, canPaste);
-    add(CurveGraph::tr("Delete"), CurveGraph::tr("Delete"), Command::deletePoints, hasSelection);
+    add(CurveGraph::tr("Delete"), CurveGraph::tr("Delete", "the key"), Command::deletePoints, hasSelection);
     menu->addSeparator();
     FlowtideViewModel& model = context.model();
     if (context.isFraming())

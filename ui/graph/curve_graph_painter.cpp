@@ -269,12 +269,8 @@ private:
             const QColor ink = isSnapped                                    ? picture_.axis.strokeColor
                                : value == picture_.axis.emphasizedGridValue ? theme::text
                                                                             : text2;
-            const Type type = isSnapped || value == picture_.axis.emphasizedGridValue ? Type::smallBold : Type::small;
-            drawLine(painter_, box, Qt::AlignRight,
-                     isSnapped                 ? Type::smallBold
-                     : type == Type::smallBold ? Type::small
-                                               : type,
-                     ink, picture_.axis.format(value));
+            drawLine(painter_, box, Qt::AlignRight, isSnapped ? Type::smallBold : Type::small, ink,
+                     picture_.axis.format(value));
         }
         if (picture_.guideSpeed && picture_.geometry.window.contains(*picture_.guideSpeed))
             drawLine(painter_,
@@ -307,28 +303,28 @@ private:
             drawn.push_back(pixel);
             return false;
         };
+        const auto markOf = [&](const SpeedKeyframe& point, bool isSelected) -> std::optional<PointMark> {
+            const bool isEdge = point.role != SpeedKeyframeRole::curve;
+            if (isSelected) return isEdge ? PointMark::selectedEdge : PointMark::selected;
+            if (isEdge) return PointMark::edge;
+            if (picture_.hovered == point.id) return PointMark::hovered;
+            return isCovered(point) ? std::nullopt : std::optional(PointMark::plain);
+        };
+        const auto drawPlayed = [&](const SpeedKeyframe& point, bool isSelected) {
+            const bool isGrabbed = picture_.drag && picture_.drag->grabbed == point.id;
+            if (picture_.keyboardPoint == point.id) draw(point, PointMark::keyboardRing);
+            if (isGrabbed || picture_.hovered == point.id)
+                draw(point, isGrabbed ? PointMark::dragHalo : PointMark::hoverHalo);
+            if (const auto mark = markOf(point, isSelected)) draw(point, *mark);
+        };
         // The selected ones last: they win where points overlap.
-        for (const bool selected : {false, true})
+        for (const bool isSelected : {false, true})
             for (const SpeedKeyframe& point : picture_.points) {
-                if (!isInView(point) || picture_.selected.contains(point.id) != selected) continue;
-                const bool isEdge = point.role != SpeedKeyframeRole::curve;
-                if (!isPlayed(point, picture_.trim, duration)) {
+                if (!isInView(point) || picture_.selected.contains(point.id) != isSelected) continue;
+                if (isPlayed(point, picture_.trim, duration))
+                    drawPlayed(point, isSelected);
+                else
                     draw(point, PointMark::outside);
-                    continue;
-                }
-                if (picture_.keyboardPoint == point.id) draw(point, PointMark::keyboardRing);
-                if (picture_.drag && picture_.drag->grabbed == point.id)
-                    draw(point, PointMark::dragHalo);
-                else if (picture_.hovered == point.id)
-                    draw(point, PointMark::hoverHalo);
-                if (selected)
-                    draw(point, isEdge ? PointMark::selectedEdge : PointMark::selected);
-                else if (isEdge)
-                    draw(point, PointMark::edge);
-                else if (picture_.hovered == point.id)
-                    draw(point, PointMark::hovered);
-                else if (!isCovered(point))
-                    draw(point, PointMark::plain);
             }
     }
 

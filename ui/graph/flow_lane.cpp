@@ -83,10 +83,10 @@ void FlowLane::refresh() {
     const QString name = selected ? tr("Render this range") : tr("Render all ranges");
     setSpokenName(*render_, name);
     render_->setToolTip(name);
+    update(); // the trim's lines too
     if (items == items_) return;
     items_ = std::move(items);
     tree_.changed();
-    update();
 }
 
 void FlowLane::render() {
@@ -195,21 +195,21 @@ void FlowLane::contextMenuEvent(QContextMenuEvent* event) {
     openMenu(*item, isByKeys ? mapToGlobal(box.bottomLeft().toPoint()) : event->globalPos());
 }
 
-void FlowLane::openMenu(const FlowLaneItem& shown, QPoint globalPlace) {
-    const FlowLaneItem* item = &shown;
+void FlowLane::openMenu(const FlowLaneItem& item, QPoint globalPlace) {
     FlowtideViewModel& model = context_.model();
-    model.selectOpticalFlowRange(item->id);
+    model.selectOpticalFlowRange(item.id);
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     const bool usesFlow = model.flow().frameInterpolation() == FrameInterpolation::opticalFlow;
     menu->addAction(tr("Render this range"), this, [&model] { model.renderSelectedPreview(); })
-        ->setEnabled(item->isOn && !item->isRendered && model.renders().render().canStart(item->range));
+        ->setEnabled(item.isOn && !item.isRendered && !model.exporting().isExporting() &&
+                     model.renders().render().canStart(item.range));
     QAction* loop = menu->addAction(tr("Loop this range"), this,
                                     [&model] { model.setLoopPreview(!model.timeline().loopPreview()); });
     loop->setCheckable(true);
     loop->setChecked(model.timeline().loopPreview());
-    menu->addAction(item->isOn || !usesFlow ? tr("Use Original Frames") : tr("Use Optical Flow"), this,
-                    [&model, id = item->id, enabled = !item->isOn] { model.setOpticalFlow(enabled, id); })
+    menu->addAction(item.isOn || !usesFlow ? tr("Use Original Frames") : tr("Use Optical Flow"), this,
+                    [&model, id = item.id, enabled = !item.isOn] { model.setOpticalFlow(enabled, id); })
         ->setEnabled(usesFlow && !model.exporting().isExporting());
     menu->popup(globalPlace);
 }

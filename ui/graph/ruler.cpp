@@ -32,6 +32,10 @@ PlayheadHead PlayheadHead::of(double x, double width, double top, bool isLong) {
     return head;
 }
 
+bool PlayheadHead::isLong(const TimelineContext& context) {
+    return std::max(context.duration(), context.model().curve().timeMap().outputDuration()) >= hourSeconds;
+}
+
 Ruler::Ruler(TimelineContext& context, QWidget* parent)
     : QWidget(parent)
     , context_(context) {
@@ -52,10 +56,10 @@ void Ruler::paintEvent(QPaintEvent*) {
                          theme::text3);
     }
 
-    const bool isLong = axis.duration >= hourSeconds;
     const double playhead = context_.model().playheadSeconds();
-    const QRectF head =
-        axis.shows(playhead) ? PlayheadHead::of(axis.xOf(playhead), width(), 0, isLong).both() : QRectF();
+    const QRectF head = axis.shows(playhead)
+                            ? PlayheadHead::of(axis.xOf(playhead), width(), 0, PlayheadHead::isLong(context_)).both()
+                            : QRectF();
     const RulerSteps steps = rulerSteps(axis.pixelsPerSecond());
     const double minor = steps.major / steps.minorCount;
     const auto first = static_cast<qint64>(std::ceil(axis.start / minor - 1e-9));

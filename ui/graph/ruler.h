@@ -15,8 +15,10 @@ struct PlayheadHead {
     QRectF output;
     QRectF both() const { return source | output; }
 
-    /// `x`: of the playhead; `width`: of the ruler; `top`: of the codes.
+    /// `x`: of the playhead; `width`: of the ruler; `top`: of the codes; `isLong`: they have room for hours.
     static PlayheadHead of(double x, double width, double top, bool isLong);
+    /// Whether a code needs that: the clip's, or that of the output, which may be longer.
+    static bool isLong(const TimelineContext& context);
 };
 
 /// Pressing and dragging it scrubs.

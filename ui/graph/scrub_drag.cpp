@@ -6,7 +6,7 @@ void ScrubDrag::press(const QMouseEvent& event) {
     if (event.button() != Qt::LeftButton) return;
     isHeld_ = true;
     before_ = context_.model().timeline().scrubPosition();
-    escape_.begin();
+    guard_.begin();
     context_.scrubTo(context_.timeAt(event.position().x()));
 }
 
@@ -17,7 +17,7 @@ void ScrubDrag::move(const QMouseEvent& event) {
 void ScrubDrag::release(const QMouseEvent& event) {
     if (event.button() != Qt::LeftButton) return;
     isHeld_ = false;
-    escape_.end();
+    guard_.end();
 }
 
 } // namespace flowtide

@@ -1,7 +1,7 @@
 // The pointer moves the playhead.
 #pragma once
 
-#include "ui/controls/drag_escape.h"
+#include "ui/controls/drag_guard.h"
 #include "ui/graph/timeline_context.h"
 
 #include <QMouseEvent>
@@ -22,7 +22,7 @@ private:
     TimelineContext& context_;
     bool isHeld_ = false;
     double before_ = 0; ///< the playhead as a fraction of the clip
-    DragEscape escape_{[this] {
+    DragGuard guard_{[this] {
         isHeld_ = false;
         context_.model().scrub(before_);
     }};

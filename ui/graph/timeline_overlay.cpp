@@ -16,7 +16,6 @@ namespace {
 
 constexpr double dotRadius = 3;
 constexpr double pointLength = 4; ///< of the head, below its codes
-constexpr double hourSeconds = 3600;
 constexpr double labelHeight = 44;
 constexpr double labelPadding = 12;
 constexpr double labelDistance = 22; ///< from a dragged point, to the side
@@ -93,9 +92,8 @@ QRect TimelineOverlay::playheadArea() const {
 void TimelineOverlay::updatePlayhead() {
     const QRect area = playheadArea();
     const auto codes = [&](const QRect& line) {
-        const bool isLong = context_.axis().duration >= hourSeconds;
         return line.isNull() ? QRect()
-                             : PlayheadHead::of(line.center().x(), width(), codesTop_, isLong)
+                             : PlayheadHead::of(line.center().x(), width(), codesTop_, PlayheadHead::isLong(context_))
                                    .both()
                                    .adjusted(-2, -1, 2, pointLength + 1)
                                    .toAlignedRect();
@@ -123,7 +121,7 @@ void TimelineOverlay::paintPlayhead(QPainter& painter) const {
     if (axis.duration <= 0 || !axis.shows(playhead)) return;
     using namespace theme;
     const double x = axis.xOf(playhead);
-    const PlayheadHead head = PlayheadHead::of(x, width(), codesTop_, axis.duration >= hourSeconds);
+    const PlayheadHead head = PlayheadHead::of(x, width(), codesTop_, PlayheadHead::isLong(context_));
     const QRectF line = onPixels(painter, QRectF(x, head.source.bottom(), 1, height() - head.source.bottom()));
     drawHairline(painter, line, Side::left, theme::playhead);
 

@@ -62,6 +62,11 @@ TimelinePane::TimelinePane(const TimelineServices& services, QWidget* parent)
     showCurve();
 }
 
+TimelinePane::~TimelinePane() {
+    // What is dragged is let go of in the context.
+    qDeleteAll(findChildren<QWidget*>(Qt::FindDirectChildrenOnly));
+}
+
 void TimelinePane::perform(Command command) {
     switch (command) {
     case Command::zoomIn:

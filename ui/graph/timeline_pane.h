@@ -26,6 +26,7 @@ class TimelinePane final : public QWidget {
 public:
     explicit TimelinePane(SessionHost& host, QWidget* parent = nullptr);
     explicit TimelinePane(const TimelineServices& services, QWidget* parent = nullptr);
+    ~TimelinePane() override;
 
     /// Those of the curve and of the time axis: zoomIn to panRight, deletePoints to insertPoint.
     void perform(Command command);

@@ -83,7 +83,7 @@ void TrimHandle::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return event->ignore();
     isHeld_ = true;
     before_ = context_.model().trimState();
-    escape_.begin();
+    guard_.begin();
     grip_ = mapToParent(event->position()).x() - context_.axis().xOf(edge());
     context_.holdAxis(true);
     context_.beginLengthChange();
@@ -98,25 +98,24 @@ void TrimHandle::mouseMoveEvent(QMouseEvent* event) {
     showLabel();
 }
 
-void TrimHandle::mouseReleaseEvent(QMouseEvent*) {
-    letGo();
-    update();
+void TrimHandle::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) letGo();
 }
 
 void TrimHandle::letGo() {
     if (!isHeld_) return;
     isHeld_ = false;
     before_.reset();
-    escape_.end();
+    guard_.end();
     context_.setTrimLabel({});
     context_.endLengthChange();
     context_.holdAxis(false);
+    update();
 }
 
 void TrimHandle::cancel() {
     context_.model().restoreTrim(*before_);
     letGo();
-    update();
 }
 
 void TrimHandle::trimTo(double seconds) {

@@ -1,7 +1,7 @@
 // The handle at an end of the kept part of the clip.
 #pragma once
 
-#include "ui/controls/drag_escape.h"
+#include "ui/controls/drag_guard.h"
 #include "ui/graph/timeline_context.h"
 
 #include <QWidget>
@@ -21,6 +21,8 @@ public:
     TrimHandle(TimelineContext& context, TrimEnd end, QWidget* parent);
     ~TrimHandle() override;
 
+    /// Ends a drag where it is.
+    void letGo();
     /// To be called when the axis or the trim has changed.
     void place(int top, int height);
 
@@ -37,7 +39,6 @@ private:
     double edge() const; ///< source seconds
     void trimTo(double seconds);
     void showLabel();
-    void letGo();
     void cancel();
 
     TimelineContext& context_;
@@ -45,7 +46,7 @@ private:
     bool isHeld_ = false;
     double grip_ = 0; ///< pixels from the edge to where it was grabbed
     std::optional<TrimState> before_;
-    DragEscape escape_{[this] { cancel(); }};
+    DragGuard guard_{[this] { cancel(); }};
 };
 
 } // namespace flowtide

@@ -45,6 +45,10 @@ ZoomLaneView::ZoomLaneView(TimelineContext& context, QWidget* parent)
         properties({Property::clip, Property::zoomBlocks, Property::selectedZoomBlockID, Property::keyframes,
                     Property::curveSmoothing, Property::trimRange, Property::scrubPosition}),
         [this](const PropertySet& changed) {
+            if (changed.test(static_cast<std::size_t>(Property::clip))) {
+                letGo();
+                endEdit();
+            }
             PropertySet others = changed;
             others.reset(static_cast<std::size_t>(Property::scrubPosition));
             refresh();
@@ -176,7 +180,7 @@ void ZoomLaneView::mousePressEvent(QMouseEvent* event) {
     endEdit();
     isDrag_ = false;
     selectedBefore_ = context_.model().zoom().selectedZoomBlockID();
-    escape_.begin();
+    guard_.begin();
     pressedX_ = event->position().x();
     held_ = hitAt(event->position());
     if (held_) {
@@ -238,7 +242,7 @@ void ZoomLaneView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void ZoomLaneView::letGo() {
-    escape_.end();
+    guard_.end();
     draft_.reset();
     drawnFrom_.reset();
     held_.reset();

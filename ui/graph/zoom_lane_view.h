@@ -3,7 +3,7 @@
 
 #include "ui/accessible_items.h"
 #include "ui/controls/buttons.h"
-#include "ui/controls/drag_escape.h"
+#include "ui/controls/drag_guard.h"
 #include "ui/graph/timeline_lane.h"
 #include "ui/graph/zoom_lane_geometry.h"
 
@@ -64,7 +64,7 @@ private:
     bool isDrag_ = false;
     bool isEdit_ = false;
     std::optional<Uuid> selectedBefore_;
-    DragEscape escape_{[this] { cancelDrag(); }};
+    DragGuard guard_{[this] { cancelDrag(); }};
     Subscription changes_;
     AccessibleItems tree_{*this, *this, QAccessible::List};
 };

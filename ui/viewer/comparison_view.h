@@ -3,7 +3,7 @@
 
 #include "core/zoom_engine.h"
 #include "editor/flowtide_view_model.h"
-#include "ui/controls/drag_escape.h"
+#include "ui/controls/drag_guard.h"
 #include "ui/motion.h"
 #include "ui/viewer/picture_feed.h"
 
@@ -61,7 +61,7 @@ private:
     std::optional<QPointF> pan_; ///< the user's; until then where the crop is
     std::optional<QPointF> dragged_;
     std::optional<QPointF> panBefore_; ///< the drag
-    DragEscape escape_{[this] { cancelDrag(); }};
+    DragGuard guard_{[this] { cancelDrag(); }};
     Fade hint_;
     QTimer wait_;
     bool isLate_ = false; ///< the first pair has not come within a moment

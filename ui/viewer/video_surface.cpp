@@ -238,7 +238,7 @@ void VideoSurface::mousePressEvent(QMouseEvent* event) {
     pressed_ = last_ = event->position();
     modifiers_ = event->modifiers();
     inspectionBefore_ = inspection();
-    escape_.begin();
+    guard_.begin();
     held_ = layerAt(pressed_);
     showPointer(pressed_);
 }
@@ -275,7 +275,7 @@ void VideoSurface::cancelDrag() {
 }
 
 void VideoSurface::release(bool isCancelled) {
-    escape_.end();
+    guard_.end();
     PictureLayer* held = std::exchange(held_, nullptr);
     const bool wasDragging = std::exchange(isDragging_, false);
     isPressed_ = false;

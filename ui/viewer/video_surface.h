@@ -2,7 +2,7 @@
 #pragma once
 
 #include "editor/flowtide_view_model.h"
-#include "ui/controls/drag_escape.h"
+#include "ui/controls/drag_guard.h"
 #include "ui/viewer/crop_overlay.h"
 #include "ui/viewer/picture_feed.h"
 #include "ui/viewer/picture_layer.h"
@@ -82,7 +82,7 @@ private:
     Qt::KeyboardModifiers modifiers_; ///< of the press
     QPointF last_;
     Inspection inspectionBefore_; ///< a drag
-    DragEscape escape_{[this] { cancelDrag(); }};
+    DragGuard guard_{[this] { cancelDrag(); }};
     double chosenAt_ = 0; ///< the playhead when choosing a subject began
     bool wasChoosing_ = false;
     double scale_ = 0; ///< device pixels, when pictures were last asked for

@@ -9,6 +9,8 @@
 #include <gmock/gmock.h>
 
 #include <QAccessible>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QWheelEvent>
 #include <cmath>
 #include <tuple>
@@ -73,8 +75,94 @@ TEST_F(Timeline, KeysMoveThePoints) {
     pane->perform(Command::pastePoints);
     EXPECT_EQ(keyframes()[1].time, 3);
     settle();
+    model->undo();
+    settle();
+    EXPECT_TRUE(points.ids().empty());
+    model->redo();
+    points.select({keyframes()[1].id});
+    settle();
     EXPECT_EQ(QAccessible::queryAccessibleInterface(pane->graph())->text(QAccessible::Description),
               "Point 2 of 4, 3.000 seconds, 1x");
+}
+
+TEST_F(Timeline, KeysMoveAGroupByTheFrameOfItsFirstPlayedPoint) {
+    model->replaceKeyframes({point(0, 1), point(1, 1), point(5, 1), point(6, 1), point(10, 1)});
+    points.select({keyframes()[1].id, keyframes()[2].id, keyframes()[3].id});
+    model->applyTrimRange(3, 10);
+    settle();
+    QTest::keyClick(pane->graph(), Qt::Key_Right, Qt::AltModifier);
+    const auto timeOf = [](const SpeedKeyframes& all, double near) {
+        for (const SpeedKeyframe& each : all)
+            if (std::abs(each.time - near) < 0.2) return each.time;
+        return -1.0;
+    };
+    EXPECT_NEAR(timeOf(keyframes(), 5), 5 + 1.0 / 30, 1e-6);
+    EXPECT_NEAR(timeOf(keyframes(), 6), 6 + 1.0 / 30, 1e-6);
+}
+
+TEST_F(Timeline, AMarqueeKeepsWhatHasLeftTheView) {
+    model->replaceKeyframes({point(0, 1), point(2, 0.5), point(7, 0.5), point(10, 1)});
+    model->setTimelineZoom(2);
+    model->setTimelineCenter(0);
+    settle();
+    QWidget* graph = pane->graph();
+    const QPoint from(44 + 300, place(0, 1.5).y());
+    QTest::mousePress(graph, Qt::LeftButton, Qt::ShiftModifier, from);
+    model->setTimelineCenter(1);
+    settle();
+    const QPoint to(44 + 600, place(0, 0.2).y());
+    QMouseEvent move(QEvent::MouseMove, to, graph->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, Qt::ShiftModifier);
+    QCoreApplication::sendEvent(graph, &move);
+    EXPECT_EQ(points.ids(), (PointSelection::Ids{keyframes()[1].id, keyframes()[2].id}));
+    QTest::mouseRelease(graph, Qt::LeftButton, Qt::ShiftModifier, to);
+}
+
+TEST_F(Timeline, NothingComesBetweenADragAndItsRelease) {
+    model->replaceKeyframes({point(0, 1), point(6, 0.5), point(10, 1)});
+    model->addZoomBlock({4, 6});
+    settle();
+    auto* lane = part<ZoomLaneView>();
+    const QPoint inLane(44 + 500, lane->height() / 2);
+    TrimHandle* handle = pane->findChildren<TrimHandle*>()[0];
+    for (const auto& [widget, from] :
+         std::vector<std::pair<QWidget*, QPoint>>{{pane->graph(), place(6, 0.5)}, {lane, inLane}, {handle, {5, 20}}})
+        drag(widget, from, from + QPoint(50, 0), {}, [widget = widget, from = from] {
+            QTest::mousePress(widget, Qt::RightButton, {}, from);
+            QContextMenuEvent menu(QContextMenuEvent::Mouse, from, widget->mapToGlobal(from));
+            QCoreApplication::sendEvent(widget, &menu);
+            EXPECT_FALSE(QApplication::activePopupWidget());
+        });
+    EXPECT_FALSE(model->history().pendingUndoSnapshot());
+}
+
+TEST_F(Timeline, AnotherClipOrTheEndLetsGoOfWhatIsHeld) {
+    TrimHandle* handle = pane->findChildren<TrimHandle*>()[0];
+    auto* lane = part<ZoomLaneView>();
+    const auto move = [](QWidget* widget, QPointF to) {
+        QMouseEvent event(QEvent::MouseMove, to, widget->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(widget, &event);
+    };
+    for (QWidget* widget : {static_cast<QWidget*>(handle), static_cast<QWidget*>(lane)}) {
+        QTest::mousePress(widget, Qt::LeftButton, {}, {5, widget->height() / 2});
+        if (widget == lane) move(lane, {344, 20});
+        model->reset();
+        settle();
+        open();
+        settle();
+        move(widget, {205, 20});
+        QTest::mouseRelease(widget, Qt::LeftButton, {}, {5, widget->height() / 2});
+    }
+    EXPECT_EQ(model->curve().trimRange().lower, 0);
+    EXPECT_TRUE(model->zoom().zoomBlocks().empty());
+    model->setTimelineZoom(2); // the axis is free again
+    model->setTimelineCenter(1);
+    settle();
+    EXPECT_FALSE(handle->isVisible());
+
+    model->setTimelineZoom(1);
+    settle();
+    QTest::mousePress(handle, Qt::LeftButton, {}, {5, 20});
+    window.reset();
 }
 
 TEST_F(Timeline, TheHandlesTrimAndTheAxisWaits) {

@@ -1,6 +1,7 @@
 // A field accepts, refuses and restores; settings survive a restart.
 #include "core/speed_keyframe.h"
 #include "tests/support/temporary_folder.h"
+#include "ui/controls/slider.h"
 #include "ui/panes/field_pair.h"
 #include "ui/panes/value_formats.h"
 #include "ui/user_settings.h"
@@ -60,6 +61,24 @@ TEST_F(FieldTest, RefusesWithASentenceAndRestores) {
     type("fast");
     QTest::keyClick(&field, Qt::Key_Return);
     EXPECT_EQ(sentence, "Type a speed, as 0.25x or 25%.");
+}
+
+TEST(ValueSliderTest, AGrabbedThumbStaysUntilItIsMoved) {
+    ValueSlider slider(QStringLiteral("Smoothing"), Qt::white, 0, 100, 50);
+    slider.resize(214, 20); // two pixels for each value
+    slider.showValue(80);
+    const auto press = [&](int x) { QTest::mousePress(&slider, Qt::LeftButton, {}, {x, 10}); };
+    const auto release = [&](int x) { QTest::mouseRelease(&slider, Qt::LeftButton, {}, {x, 10}); };
+    press(172);
+    EXPECT_EQ(slider.value(), 80);
+    QMouseEvent move(QEvent::MouseMove, QPointF(152, 10), slider.mapToGlobal(QPointF(152, 10)), Qt::NoButton,
+                     Qt::LeftButton, {});
+    QCoreApplication::sendEvent(&slider, &move);
+    EXPECT_EQ(slider.value(), 70);
+    release(152);
+    press(27);
+    EXPECT_EQ(slider.value(), 10);
+    release(27);
 }
 
 TEST(UserSettingsTest, LayoutSurvivesARestart) {
