@@ -1,6 +1,8 @@
 #include "ui/main_window.h"
 
 #include "ui/accessible_role.h"
+#include "ui/command_rules.h"
+#include "ui/controls/field.h"
 #include "ui/graph/timeline_pane.h"
 #include "ui/key_names.h"
 #include "ui/keys_owner.h"
@@ -8,6 +10,7 @@
 #include "ui/panes/inspector.h"
 #include "ui/panes/projects_sidebar.h"
 #include "ui/release_notes.h"
+#include "ui/save_dialog.h"
 #include "ui/session_text.h"
 #include "ui/theme.h"
 #include "ui/value_text.h"
@@ -33,6 +36,12 @@ constexpr QSize usualWindow{1440, 900};
 
 bool isTyping() {
     return qobject_cast<QLineEdit*>(QApplication::focusWidget()) != nullptr;
+}
+
+/// A field takes Esc to bring its value back, where it has another.
+bool isFieldEdited() {
+    const auto* field = qobject_cast<Field*>(QApplication::focusWidget());
+    return field && field->isEdited();
 }
 
 /// What keys do in a field, where the editor has a meaning of its own for them.
@@ -163,8 +172,8 @@ void MainWindow::showContent() {
     if (hasProject && !workspace_->isVisible() && timeline_->graph()) timeline_->graph()->setFocus();
     workspace_->setVisible(hasProject);
     topBar_->showPanes(workspace_->showsSidebar(), workspace_->showsInspector());
-    setWindowTitle(model_.clip() ? tr("%1 – Loftwell Video").arg(valueText::fileName(model_.clip()->url))
-                                 : tr("Loftwell Video"));
+    setWindowTitle(hasWorkableClip() ? tr("%1 – Loftwell Video").arg(valueText::fileName(model_.clip()->url))
+                                     : tr("Loftwell Video"));
     place();
 }
 
@@ -191,6 +200,7 @@ void MainWindow::openFile(const std::filesystem::path& file) {
 }
 
 void MainWindow::perform(Command command) {
+    if (commandRules::leavesFullScreen(command)) fullScreen_.leave();
     switch (command) {
     case Command::open:
         return chooseFile();
@@ -283,16 +293,18 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 
 bool MainWindow::handleKey(QKeyEvent& event, bool isOnlyAsked) {
     const auto modifiers = event.modifiers() & ~(Qt::KeypadModifier | Qt::GroupSwitchModifier);
-    if (event.key() == Qt::Key_Escape && !isTyping()) return isOnlyAsked || endTopmost();
+    if (event.key() == Qt::Key_Escape && !isFieldEdited()) return isOnlyAsked || endTopmost();
+    // In full screen a sheet waits behind the picture.
+    const QWidget* sheet = fullScreen_.isVisible() ? nullptr : sheets_->sheet();
     if (event.key() == Qt::Key_F6 && !(modifiers & ~Qt::ShiftModifier)) {
-        if (!isOnlyAsked) walkPanes(modifiers & Qt::ShiftModifier ? -1 : 1);
+        if (!isOnlyAsked && !sheet && !fullScreen_.isVisible()) walkPanes(modifiers & Qt::ShiftModifier ? -1 : 1);
         return true;
     }
     const auto binding = Shortcuts::bindingFor(QKeyCombination(modifiers, static_cast<Qt::Key>(event.key())));
     if (!binding || (isTyping() && belongsToField(event))) return false;
     // A sheet leaves nothing but itself to be reached.
-    if (sheets_->sheet()) {
-        const bool closes = sheets_->sheet() == shortcutSheet_ && binding->command == Command::showShortcuts;
+    if (sheet) {
+        const bool closes = sheet == shortcutSheet_ && binding->command == Command::showShortcuts;
         if (closes && !isOnlyAsked) sheets_->close();
         return closes;
     }
@@ -301,11 +313,15 @@ bool MainWindow::handleKey(QKeyEvent& event, bool isOnlyAsked) {
         if (owner == KeysOwner::control) return false;
         if (binding->command == Command::switchCurve && owner != KeysOwner::editor) return false;
     }
-    const bool needsClip = binding->command != Command::open && binding->command != Command::showShortcuts &&
-                           binding->command != Command::quit && binding->command != Command::toggleSidebar;
-    if (needsClip && !model_.clip()) return false;
-    if (!isOnlyAsked) perform(binding->command);
+    if (commandRules::needsClip(binding->command) && !hasWorkableClip()) return false;
+    if (commandRules::needsProject(binding->command) && !workspace_->isVisible()) return false;
+    if (!isOnlyAsked && (!event.isAutoRepeat() || commandRules::repeats(binding->command))) perform(binding->command);
     return true;
+}
+
+bool MainWindow::hasWorkableClip() const {
+    // While the window asks for a project's missing clip, one that is still open lies unseen below.
+    return model_.clip() && !model_.clips().pendingRelinkProject();
 }
 
 bool MainWindow::endTopmost() {
@@ -321,7 +337,7 @@ bool MainWindow::endTopmost() {
         sheets_->close();
         return true;
     }
-    return workspace_->closeDrawer() || viewer_->endTopmost() || exportPanel_->dismiss();
+    return workspace_->closeDrawer() || viewer_->endTracking() || exportPanel_->dismiss() || viewer_->endComparison();
 }
 
 void MainWindow::walkPanes(int direction) {
@@ -376,7 +392,7 @@ QMenu* MainWindow::makeMenu() {
     connect(menu, &QMenu::aboutToShow, this, [this, forClip, mute] {
         mute->setChecked(model_.transport().isMuted());
         for (QAction* action : forClip)
-            action->setEnabled(model_.clip() != nullptr);
+            action->setEnabled(hasWorkableClip());
     });
     return menu;
 }
@@ -387,12 +403,13 @@ void MainWindow::chooseFile() {
 }
 
 void MainWindow::chooseCopy() {
-    const auto& clip = model_.clip();
+    const auto clip = model_.clip();
     if (!clip) return;
-    const auto proposed = clip->url.parent_path() / (clip->url.stem().native() + ".flowtide");
-    const QString file = QFileDialog::getSaveFileName(this, tr("Save a copy"), valueText::path(proposed),
-                                                      tr("Projects") + QStringLiteral(" (*.flowtide)"));
-    if (!file.isEmpty()) model_.saveProjectCopy(valueText::path(file));
+    const auto file =
+        askWhereToSave(*this, {tr("Save a copy"), clip->url.parent_path() / (clip->url.stem().native() + ".flowtide"),
+                               tr("Projects") + QStringLiteral(" (*.flowtide)"), openable::isProject});
+    // Another clip may have been opened beside the dialog.
+    if (file && model_.clip() == clip) model_.saveProjectCopy(*file);
 }
 
 void MainWindow::beginExport() {
@@ -406,16 +423,13 @@ void MainWindow::beginExport() {
 }
 
 void MainWindow::chooseExport() {
-    const auto& clip = model_.clip();
+    const auto clip = model_.clip();
     if (!clip || model_.exporting().isExporting()) return;
     const QString name = tr("%1 retimed").arg(valueText::path(clip->url.stem()));
     const auto proposed = clip->url.parent_path() / valueText::path(name + valueText::path(clip->url.extension()));
-    const QString file = QFileDialog::getSaveFileName(this, tr("Export"), valueText::path(proposed),
-                                                      tr("Movies") + QStringLiteral(" (*.mov *.mp4 *.m4v)"));
-    if (file.isEmpty()) return;
-    std::filesystem::path destination = valueText::path(file);
-    if (!openable::isClip(destination)) destination += clip->url.extension();
-    model_.exportClip(destination);
+    const auto file = askWhereToSave(
+        *this, {tr("Export"), proposed, tr("Movies") + QStringLiteral(" (*.mov *.mp4 *.m4v)"), openable::isClip});
+    if (file && model_.clip() == clip) model_.exportClip(*file);
 }
 
 void MainWindow::locateClip() {
@@ -426,6 +440,7 @@ void MainWindow::locateClip() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
+    fullScreen_.leave();
     if (model_.exporting().isExporting() && !endsExport_) {
         messages_->askToEndExport([this] {
             endsExport_ = true;
@@ -433,7 +448,6 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         });
         return event->ignore();
     }
-    fullScreen_.leave();
     event->accept();
     QApplication::quit();
 }

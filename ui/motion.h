@@ -30,7 +30,6 @@ public:
 
     double value() const { return value_; }
     double target() const { return target_; }
-    bool isMoving() const { return animation_.state() == QAbstractAnimation::Running; }
     void moveTo(double target);
     void jumpTo(double value);
 

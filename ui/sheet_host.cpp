@@ -24,7 +24,10 @@ SheetHost::SheetHost(QWidget& window)
 }
 
 void SheetHost::show(QWidget& sheet) {
-    if (sheet_ == &sheet) return;
+    if (sheet_ == &sheet) {
+        place(); // it may say something else by now
+        return sheet.setFocus(Qt::OtherFocusReason);
+    }
     if (sheet_)
         sheet_->hide();
     else
@@ -56,6 +59,20 @@ void SheetHost::place() {
     const int lower = static_cast<int>(std::lround(rise * (1 - opening_.value())));
     sheet_->setGeometry(
         QRect(QPoint((width() - wanted.width()) / 2, (height() - wanted.height()) / 2 + lower), wanted));
+}
+
+bool SheetHost::focusNextPrevChild(bool isNext) {
+    // Tab stays in the sheet, from its last control to its first.
+    QWidget* const from = focusWidget() ? focusWidget() : this;
+    const auto after = [isNext](QWidget* widget) {
+        return isNext ? widget->nextInFocusChain() : widget->previousInFocusChain();
+    };
+    for (QWidget* next = after(from); next != from; next = after(next))
+        if (isAncestorOf(next) && next->focusPolicy() & Qt::TabFocus && next->isVisible() && next->isEnabled()) {
+            next->setFocus(isNext ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            break;
+        }
+    return true;
 }
 
 void SheetHost::paintEvent(QPaintEvent*) {

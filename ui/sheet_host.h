@@ -27,6 +27,7 @@ signals:
     void closed();
 
 protected:
+    bool focusNextPrevChild(bool isNext) override;
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
 

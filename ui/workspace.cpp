@@ -1,10 +1,11 @@
 #include "ui/workspace.h"
 
 #include "ui/accessible_role.h"
-#include "ui/controls/drag_escape.h"
+#include "ui/controls/drag_guard.h"
 #include "ui/controls/focus_ring.h"
 #include "ui/theme.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -70,7 +71,7 @@ protected:
         isDragged_ = true;
         grip_ = event->position().y() - grabHeight / 2.0;
         formerRatio_ = workspace_.settings_.previewSplitRatio();
-        escape_.begin();
+        guard_.begin();
     }
     void mouseMoveEvent(QMouseEvent* event) override {
         if (!isDragged_) return;
@@ -91,7 +92,7 @@ protected:
 private:
     void endDrag() {
         isDragged_ = false;
-        escape_.end();
+        guard_.end();
         update();
     }
 
@@ -99,7 +100,7 @@ private:
     bool isDragged_ = false;
     double grip_ = 0;
     double formerRatio_ = 0;
-    DragEscape escape_{[this] {
+    DragGuard guard_{[this] {
         endDrag();
         workspace_.setSplit(formerRatio_);
     }};
@@ -116,8 +117,7 @@ Workspace::Workspace(WorkspacePanes panes, UserSettings& settings, QWidget* pare
     divider_ = new Divider(*this);
     panes_.sidebar->raise();
     panes_.inspector->raise();
-    panes_.viewer->installEventFilter(this);
-    panes_.timeline->installEventFilter(this);
+    qApp->installEventFilter(this);
 }
 
 WorkspaceLayout Workspace::layoutNow() const {
@@ -222,9 +222,14 @@ void Workspace::place() {
     panes_.inspector->raise();
 }
 
-bool Workspace::eventFilter(QObject*, QEvent* event) {
-    // A click beside an open drawer closes it, and does nothing else.
-    return event->type() == QEvent::MouseButtonPress && closeDrawer();
+bool Workspace::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::MouseButtonPress || (!sidebarOpen_ && !inspectorOpen_)) return false;
+    // A click beside an open drawer closes it, and does nothing else. What a pane ignores comes to the workspace too.
+    const auto* pressed = qobject_cast<QWidget*>(watched);
+    if (!pressed || pressed == this || !isAncestorOf(pressed)) return false;
+    if (sidebarOpen_ && panes_.sidebar->isAncestorOf(pressed)) return false;
+    if (inspectorOpen_ && panes_.inspector->isAncestorOf(pressed)) return false;
+    return closeDrawer();
 }
 
 void Workspace::paintEvent(QPaintEvent*) {

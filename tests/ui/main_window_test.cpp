@@ -1,6 +1,7 @@
 // The window as a whole: which key reaches what, whatever has the focus, and what is kept between runs.
 #include "tests/support/scripted_media.h"
 #include "tests/support/temporary_folder.h"
+#include "ui/controls/field.h"
 #include "ui/graph/clip_lane.h"
 #include "ui/graph/coverage_bar.h"
 #include "ui/graph/curve_graph.h"
@@ -9,6 +10,7 @@
 #include "ui/graph/zoom_lane_view.h"
 #include "ui/main_window.h"
 #include "ui/panes/inspector.h"
+#include "ui/panes/project_button.h"
 #include "ui/panes/projects_sidebar.h"
 #include "ui/release_notes.h"
 #include "ui/viewer/transport_bar.h"
@@ -21,6 +23,7 @@
 #include <QFileDialog>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QScreen>
 #include <QTest>
@@ -373,6 +376,117 @@ TEST_F(MainWindowTest, AnotherScaleRedrawsEverythingInItsPixels) {
         for (int x = 0; x < plain.width(); ++x)
             difference += std::abs(qGray(fine.pixel(x, y)) - qGray(plain.pixel(x, y)));
     EXPECT_LT(static_cast<double>(difference) / (plain.width() * plain.height()), 2);
+}
+
+TEST_F(MainWindowTest, AnExportAsksBeforeItReplacesWhatItCompletesTheNameTo) {
+    writeFile(folder / "Ferien.mov", "another film");
+    int dialogs = 0;
+    QTimer answers;
+    answers.callOnTimeout([&] {
+        if (auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+            return question->button(QMessageBox::No)->click();
+        auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        if (!dialog) return;
+        if (++dialogs > 1) return dialog->reject();
+        dialog->findChild<QLineEdit*>()->setText("Ferien");
+        static_cast<QDialog*>(dialog)->accept();
+    });
+    answers.start(0);
+    press(Qt::Key_E, Qt::ControlModifier);
+    EXPECT_EQ(dialogs, 2) << "the first name is asked about";
+    EXPECT_FALSE(model().exporting().isExporting());
+    EXPECT_EQ(readFile(folder / "Ferien.mov"), "another film");
+
+    dialogs = 0;
+    std::filesystem::remove(folder / "Ferien.mov");
+    press(Qt::Key_E, Qt::ControlModifier);
+    EXPECT_EQ(model().exporting().destination(), folder / "Ferien.mov");
+}
+
+TEST_F(MainWindowTest, ASheetKeepsTheFocusAndFullScreenMakesWayForIt) {
+    press(Qt::Key_F, Qt::ControlModifier);
+    ASSERT_TRUE(state().ends_with("true")) << state();
+    press(Qt::Key_Question, Qt::ShiftModifier);
+    EXPECT_TRUE(state().ends_with("false"));
+    window->activateWindow();
+    QCoreApplication::processEvents();
+    QWidget* sheet = part<ShortcutSheet>();
+    ASSERT_TRUE(sheet->isVisible());
+    for (const Qt::Key key : {Qt::Key_F6, Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Backtab}) {
+        press(key);
+        const QWidget* focused = QApplication::focusWidget();
+        EXPECT_TRUE(focused == sheet || sheet->isAncestorOf(focused)) << key;
+    }
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(sheet->isVisible());
+}
+
+TEST_F(MainWindowTest, EscEndsWhatIsOnTopUnlessAFieldHasSomethingToRestore) {
+    model().setComparisonEnabled(true);
+    host->points().select({model().curve().keyframes()[0].id});
+    QCoreApplication::processEvents();
+    Field* field = nullptr;
+    for (auto* each : part<Inspector>()->findChildren<Field*>())
+        if (each->isVisible() && each->isEnabled()) field = each;
+    ASSERT_TRUE(field);
+    field->setFocus();
+    QTest::keyClicks(field, "7");
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(model().comparison().comparisonEnabled());
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(model().comparison().comparisonEnabled());
+}
+
+TEST_F(MainWindowTest, AClickBesideADrawerClosesItAndNothingElse) {
+    window->resize(960, 800);
+    press(Qt::Key_S, Qt::ControlModifier | Qt::AltModifier);
+    ASSERT_TRUE(part<ProjectsSidebar>()->isVisible());
+    QTest::mouseClick(part<ProjectsSidebar>(), Qt::LeftButton, {}, {5, 5});
+    EXPECT_TRUE(part<ProjectsSidebar>()->isVisible());
+    const std::size_t steps = model().history().undoStack().size();
+    auto* graph = part<CurveGraph>();
+    QTest::mouseClick(graph, Qt::LeftButton, Qt::AltModifier, {graph->width() - 100, 100});
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(part<ProjectsSidebar>()->isVisible());
+    EXPECT_EQ(model().history().undoStack().size(), steps);
+}
+
+TEST_F(MainWindowTest, AHeldKeyTogglesOnce) {
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_V, {}, {}, true);
+    press(Qt::Key_V);
+    const bool isOn = model().framing().isVerticalCropEnabled();
+    QCoreApplication::sendEvent(part<CurveGraph>(), &held);
+    EXPECT_EQ(model().framing().isVerticalCropEnabled(), isOn);
+}
+
+TEST_F(MainWindowTest, AMissingClipIsAskedForAboveTheOneThatIsOpen) {
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model().binding().recentProjects().size() == 1; }));
+    writeFile(folder / "other.mov", "another clip");
+    window->openFile(folder / "other.mov");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model().binding().recentProjects().size() == 2; }));
+    std::filesystem::remove(folder / "clip.mov");
+    QCoreApplication::processEvents();
+    ProjectButton* other = nullptr;
+    for (auto* row : part<ProjectsSidebar>()->findChildren<ProjectButton*>())
+        if (row->isVisible() && !row->isChecked()) other = row;
+    ASSERT_TRUE(other);
+    QTest::keyClick(other, Qt::Key_Return);
+    EXPECT_FALSE(other->isChecked()); // not yet
+    ASSERT_TRUE(QTest::qWaitFor([&] { return model().clips().pendingRelinkProject().has_value(); }));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(other->isChecked());
+    const std::string before = state();
+    part<CurveGraph>()->setFocus();
+    for (const Qt::Key key : {Qt::Key_Q, Qt::Key_Z, Qt::Key_V})
+        press(key);
+    EXPECT_EQ(state(), before);
+
+    window->resize(window->minimumSize());
+    auto* view = part<RelinkView>();
+    view->showRefusal("This is not the clip that the project was made from.");
+    for (auto* button : view->findChildren<Button*>())
+        EXPECT_TRUE(view->rect().contains(QRect(button->mapTo(view, QPoint()), button->size())))
+            << button->text().toStdString();
 }
 
 TEST_F(MainWindowTest, F6WalksThePanes) {

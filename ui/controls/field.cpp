@@ -90,6 +90,7 @@ void Field::keyPressEvent(QKeyEvent* event) {
         selectAll();
         return;
     case Qt::Key_Escape:
+        if (!isEdited()) return event->ignore();
         restore();
         selectAll();
         return;

@@ -35,6 +35,8 @@ public:
     void setPresets(std::vector<Preset> presets);
     void showValue(double value);
     double value() const { return value_; }
+    /// It holds something else than its value: Esc brings that back.
+    bool isEdited() const { return isModified() || isRefused_; }
 
     /// What the user wants. A sentence when it is refused: the field then stays as it was typed, marked.
     std::function<std::optional<QString>(double value)> onValue;

@@ -34,7 +34,16 @@ QString DropTarget::dropSentence(const QString& name, bool isOpenable) {
 void DropTarget::showDrop(const QString& name, bool isOpenable) {
     dropName_ = name;
     isOpenable_ = isOpenable;
-    open_->setVisible(name.isEmpty());
+    showButton();
+}
+
+void DropTarget::showOpening(const QString& name) {
+    opening_ = name;
+    showButton();
+}
+
+void DropTarget::showButton() {
+    open_->setVisible(dropName_.isEmpty() && opening_.isEmpty());
     update();
 }
 
@@ -60,8 +69,8 @@ void DropTarget::paintEvent(QPaintEvent*) {
     }
     const auto line = [&](double top, double height) { return QRectF(24, top, width() - 48.0, height); };
     icons::draw(painter, QStringLiteral("import"), line(40, 32), 32, isRefused ? attention : text2);
-    if (hasDrop) {
-        const QString words = dropSentence(dropName_, isOpenable_);
+    if (hasDrop || !opening_.isEmpty()) {
+        const QString words = hasDrop ? dropSentence(dropName_, isOpenable_) : tr("Opening %1…").arg(opening_);
         const QFontMetricsF metrics(theme::font(Type::headline));
         drawLine(painter, line(96, 24), Qt::AlignHCenter, Type::headline, theme::text,
                  metrics.elidedText(words, Qt::ElideMiddle, width() - 48.0));

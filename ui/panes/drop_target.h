@@ -22,6 +22,8 @@ public:
     Button* openButton() const { return open_; }
     /// What hangs over the window: its name, and whether it can be opened; empty: nothing.
     void showDrop(const QString& name, bool isOpenable);
+    /// What is being opened: its name; empty: nothing.
+    void showOpening(const QString& name);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -29,7 +31,10 @@ protected:
 
 private:
     Button* open_;
+    void showButton();
+
     QString dropName_;
+    QString opening_;
     bool isOpenable_ = false;
 };
 

@@ -111,9 +111,12 @@ ExportPanel::State ExportPanel::wantedState() const {
 void ExportPanel::refresh() {
     const State wanted = wantedState();
     if (wanted == State::nothing && state_ == State::codecQuestion) {
-        if (!model_.clip()) dismiss();
+        if (model_.clip() != asked_) dismiss();
         return;
     }
+    const bool wasRunning = state_ == State::exporting || state_ == State::verifying;
+    if (wanted != state_ && wanted != State::nothing && !wasRunning) asked_ = model_.clip();
+    if (again_) again_->setEnabled(model_.clip() && model_.clip() == asked_);
     if (wanted == state_) {
         progress_.request();
         return;
@@ -133,6 +136,7 @@ void ExportPanel::show(State state) {
     content_ = nullptr;
     share_ = frames_ = timeLeft_ = nullptr;
     bar_ = nullptr;
+    again_ = nullptr;
     if (state == State::nothing) {
         hide();
         return;
@@ -155,9 +159,7 @@ void ExportPanel::show(State state) {
         break;
     case State::cancelled: {
         rows_->addWidget(makeHead(tr("Export was cancelled."), {}, {}));
-        auto* again = new Button(ButtonKind::secondary, tr("Export again…"), {}, content_);
-        connect(again, &Button::clicked, this, [this] { perform_(Command::exportClip); });
-        addButtons(12)->addWidget(again);
+        addAgain(*addButtons(12));
         break;
     }
     case State::codecQuestion:
@@ -193,6 +195,13 @@ QHBoxLayout* ExportPanel::addButtons(int gap) {
     rows_->addSpacing(gap);
     rows_->addLayout(buttons);
     return buttons;
+}
+
+void ExportPanel::addAgain(QHBoxLayout& buttons) {
+    again_ = new Button(ButtonKind::secondary, tr("Export again…"), {}, content_);
+    again_->setEnabled(model_.clip() && model_.clip() == asked_);
+    connect(again_, &Button::clicked, this, [this] { perform_(Command::exportClip); });
+    buttons.addWidget(again_);
 }
 
 void ExportPanel::addSentence(const QString& sentence, QColor color) {
@@ -295,14 +304,14 @@ void ExportPanel::makeFailure(const ExportEnd& end) {
     auto* copy = new Button(ButtonKind::quiet, tr("Copy message"), {}, content_);
     connect(copy, &Button::clicked, this,
             [words = text(end.failure)] { QGuiApplication::clipboard()->setText(words); });
-    auto* again = new Button(ButtonKind::secondary, tr("Export again…"), {}, content_);
-    connect(again, &Button::clicked, this, [this] { perform_(Command::exportClip); });
     buttons->addWidget(copy);
-    buttons->addWidget(again);
+    addAgain(*buttons);
 }
 
 void ExportPanel::askAboutCodec(std::function<void()> onAccepted) {
+    model_.dismissExportEnd(); // of the export before
     onCodecAccepted_ = std::move(onAccepted);
+    asked_ = model_.clip();
     show(State::codecQuestion);
 }
 

@@ -13,6 +13,8 @@
 
 namespace flowtide {
 
+class Button;
+
 /// Floats below the button that begins exports. Opens by itself when an export begins and when it ends; closed, it
 /// leaves the export alone.
 class ExportPanel final : public QWidget {
@@ -49,6 +51,7 @@ private:
     void makeCodecQuestion();
     void addSentence(const QString& sentence, QColor color);
     QHBoxLayout* addButtons(int gap);
+    void addAgain(QHBoxLayout& buttons);
 
     FlowtideViewModel& model_;
     std::function<void(Command)> perform_;
@@ -60,6 +63,8 @@ private:
     LineLabel* frames_ = nullptr;
     LineLabel* timeLeft_ = nullptr;
     ProgressBar* bar_ = nullptr;
+    Button* again_ = nullptr;
+    std::shared_ptr<const ImportedClip> asked_; ///< the clip that is exported, or that a question is about
     Paced progress_{[this] { refreshProgress(); }};
     PanelShadow* shadow_;
     Subscription changes_;

@@ -27,6 +27,8 @@ public:
     QSize sizeHint() const override { return look_ == Look::card ? cardSize : QSize(224, rowHeight); }
 
 protected:
+    /// A checked row is the open project: the session says which, not the click.
+    void nextCheckState() override {}
     void paintEvent(QPaintEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

@@ -14,9 +14,12 @@ QString projectDate(const ReferenceDate& saved, const QDateTime& now) {
     const qint64 days = date.date().daysTo(now.date());
     if (days == 0) return QCoreApplication::translate("ProjectDate", "Today, %1").arg(time);
     if (days == 1) return QCoreApplication::translate("ProjectDate", "Yesterday, %1").arg(time);
-    const QString format =
-        date.date().year() == now.date().year() ? QStringLiteral("d MMMM") : QStringLiteral("d MMMM yyyy");
-    return QLocale::c().toString(date.date(), format);
+    const QString format = date.date().year() == now.date().year()
+                               ? QCoreApplication::translate("ProjectDate", "d MMMM")
+                               : QCoreApplication::translate("ProjectDate", "d MMMM yyyy");
+    // Months are named in the window's language, which is not always the desktop's.
+    const QLocale language(QCoreApplication::translate("ProjectDate", "en", "the language's code"));
+    return language.toString(date.date(), format);
 }
 
 } // namespace flowtide

@@ -49,7 +49,6 @@ void ProjectsSidebar::refresh() {
             auto* row = new ProjectButton(ProjectButton::Look::row, model_, summaries_, list_);
             row->setCheckable(true);
             row->onOpen = [this, row](const RecentProject& project) {
-                row->setChecked(!row->isChecked());
                 if (onProject && !row->isChecked()) onProject(project);
             };
             column->insertWidget(static_cast<int>(index), row);

@@ -18,6 +18,7 @@ namespace flowtide {
 namespace {
 constexpr int cardWidth = 560;
 constexpr int posterHeight = 232;
+constexpr int lowestPoster = 96; ///< where the window is low
 constexpr int padding = 24;
 constexpr int nameWidth = 112;
 constexpr double signCircle = 56;
@@ -30,8 +31,13 @@ public:
     explicit Card(QWidget* parent)
         : QWidget(parent)
         , rows(new QVBoxLayout(this)) {
-        rows->setContentsMargins(padding, posterHeight + padding, padding, padding);
+        setPosterHeight(posterHeight);
         rows->setSpacing(0);
+    }
+    void setPosterHeight(int pixels) {
+        poster_ = pixels;
+        rows->setContentsMargins(padding, poster_ + padding, padding, padding);
+        update();
     }
     QVBoxLayout* rows;
 
@@ -43,7 +49,7 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         QPainterPath outline;
         outline.addRoundedRect(rect(), sheetRadius, sheetRadius);
-        const QRectF poster(0, 0, width(), posterHeight);
+        const QRectF poster(0, 0, width(), poster_);
         painter.setClipPath(outline);
         painter.fillRect(poster, control);
         painter.setClipping(false);
@@ -54,6 +60,9 @@ protected:
         icons::draw(painter, QStringLiteral("clip-missing"), circle, signSize, attention);
         drawBox(painter, rect(), sheetRadius, {}, hairline);
     }
+
+private:
+    int poster_ = posterHeight;
 };
 
 /// The sentence about a wrong file.
@@ -166,7 +175,12 @@ void RelinkView::refresh() {
 }
 
 void RelinkView::place() {
-    const int cardHeight = card_->rows->heightForWidth(cardWidth);
+    card_->setPosterHeight(posterHeight);
+    int cardHeight = card_->rows->heightForWidth(cardWidth);
+    if (const int excess = std::min(cardHeight - height(), posterHeight - lowestPoster); excess > 0) {
+        card_->setPosterHeight(posterHeight - excess);
+        cardHeight -= excess;
+    }
     card_->setGeometry((width() - cardWidth) / 2, std::max((height() - cardHeight) / 2, 0), cardWidth, cardHeight);
 }
 

@@ -17,6 +17,7 @@ constexpr int headingTop = padding + DropTarget::targetHeight + 36;
 constexpr int headingHeight = 16;
 constexpr int cardsTop = headingTop + headingHeight + 20;
 constexpr int wideScreen = 1920;
+constexpr int openingMilliseconds = 200;
 
 int columnWidth(int columns) {
     return columns * ProjectButton::cardSize.width() + (columns - 1) * cardGap;
@@ -64,7 +65,15 @@ StartScreen::StartScreen(SessionHost& host, std::function<void(Command)> perform
     area_->setWidgetResizable(false);
     area_->setContent(content_);
     summaries_.onChanged = [this] { content_->update(); };
-    changes_ = model_.subscribe(properties({Property::recentProjects}), [this](const PropertySet&) { refresh(); });
+    opening_.setSingleShot(true);
+    opening_.setInterval(openingMilliseconds);
+    connect(&opening_, &QTimer::timeout, this,
+            [this] { target_->showOpening(QString::fromStdString(model_.clips().isOpening())); });
+    changes_ = model_.subscribe(properties({Property::recentProjects, Property::isOpening}),
+                                [this](const PropertySet& changed) {
+                                    if (changed != properties({Property::isOpening})) refresh();
+                                    followOpening();
+                                });
     refresh();
 }
 
@@ -85,6 +94,16 @@ void StartScreen::refresh() {
     for (std::size_t index = projects.size(); index < cards_.size(); ++index)
         cards_[index]->hide();
     place();
+}
+
+void StartScreen::followOpening() {
+    // What opens at once needs no words.
+    if (model_.clips().isOpening().empty()) {
+        opening_.stop();
+        target_->showOpening({});
+    } else if (!opening_.isActive()) {
+        opening_.start();
+    }
 }
 
 void StartScreen::resizeEvent(QResizeEvent*) {

@@ -8,6 +8,7 @@
 #include "ui/session_host.h"
 #include "ui/shortcuts.h"
 
+#include <QTimer>
 #include <QWidget>
 #include <functional>
 #include <vector>
@@ -35,6 +36,7 @@ protected:
 private:
     class Content;
     void refresh();
+    void followOpening();
     void place();
 
     FlowtideViewModel& model_;
@@ -44,6 +46,7 @@ private:
     DropTarget* target_;
     std::vector<ProjectButton*> cards_; ///< children of the content; those that are not needed are hidden
     int shownCards_ = 0;
+    QTimer opening_;
     Subscription changes_;
 };
 

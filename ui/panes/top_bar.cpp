@@ -55,7 +55,12 @@ TopBar::TopBar(FlowtideViewModel& model, std::function<void(Command)> perform, Q
     changes_ =
         model_.subscribe(properties({Property::clip, Property::history, Property::projectSaveMessage,
                                      Property::isExporting, Property::exportProgress, Property::pendingRelinkProject}),
-                         [this](const PropertySet&) { refresh(); });
+                         [this](const PropertySet& changed) {
+                             if (changed == properties({Property::exportProgress}))
+                                 progress_.request();
+                             else
+                                 refresh();
+                         });
     refresh();
 }
 
@@ -71,7 +76,8 @@ void TopBar::setMenu(QMenu* menu) {
 void TopBar::refresh() {
     const auto& clip = model_.clip();
     const auto& relink = model_.clips().pendingRelinkProject();
-    hasClip_ = clip != nullptr;
+    // While a project asks for its clip, one that is still open lies unseen below.
+    hasClip_ = clip && !relink;
     const bool hasProject = hasClip_ || relink;
     for (QWidget* widget : std::initializer_list<QWidget*>{undo_, redo_, inspector_, export_})
         widget->setVisible(hasClip_);

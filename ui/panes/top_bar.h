@@ -4,6 +4,7 @@
 #include "editor/flowtide_view_model.h"
 #include "ui/controls/buttons.h"
 #include "ui/controls/labels.h"
+#include "ui/paced.h"
 #include "ui/shortcuts.h"
 
 #include <QMenu>
@@ -24,8 +25,6 @@ public:
     void showPanes(bool sidebar, bool inspector);
     /// Shown by the menu button.
     void setMenu(QMenu* menu);
-    /// Where the export panel grows from.
-    QWidget* exportButton() const { return export_; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -51,6 +50,7 @@ private:
     bool savedWell_ = false;
     bool savedBadly_ = false;
     QRectF savedSign_; ///< before the save state; empty when there is none
+    Paced progress_{[this] { refresh(); }};
     Subscription changes_;
 };
 

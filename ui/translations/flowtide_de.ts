@@ -69,7 +69,7 @@
     </message>
     <message>
         <source>%1 fps</source>
-        <translation>%1 B/s</translation>
+        <translation>%1 fps</translation>
     </message>
     <message>
         <source>Bit depth</source>
@@ -241,6 +241,19 @@
         <source>Yesterday, %1</source>
         <translation>Gestern, %1</translation>
     </message>
+    <message>
+        <source>d MMMM</source>
+        <translation>d. MMMM</translation>
+    </message>
+    <message>
+        <source>d MMMM yyyy</source>
+        <translation>d. MMMM yyyy</translation>
+    </message>
+    <message>
+        <source>en</source>
+        <comment>the language's code</comment>
+        <translation>de</translation>
+    </message>
 </context>
 <context>
     <name>ProjectList</name>
@@ -278,6 +291,13 @@
     <message>
         <source>Every export is opened again and compared with its source before it takes its place.</source>
         <translation>Jeder Export wird wieder geöffnet und mit seiner Quelle verglichen, bevor er an seinen Platz kommt.</translation>
+    </message>
+</context>
+<context>
+    <name>SaveDialog</name>
+    <message>
+        <source>%1 already exists. Do you want to replace it?</source>
+        <translation>%1 ist bereits vorhanden. Soll es ersetzt werden?</translation>
     </message>
 </context>
 <context>
@@ -332,7 +352,7 @@
     </message>
     <message>
         <source>Rendering all ranges %1%</source>
-        <translation>Alle werden berechnet %1 %</translation>
+        <translation>Berechnung %1 %</translation>
     </message>
     <message>
         <source>All ranges rendered</source>
@@ -880,7 +900,7 @@
     </message>
     <message>
         <source>Delete</source>
-        <translation>Entf</translation>
+        <translation>Löschen</translation>
     </message>
     <message>
         <source>Reset framing</source>
@@ -889,6 +909,11 @@
     <message>
         <source>Reset curve</source>
         <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Delete</source>
+        <comment>the key</comment>
+        <translation>Entf</translation>
     </message>
 </context>
 <context>
@@ -920,6 +945,10 @@
     <message>
         <source>MOV · MP4 · M4V · Saved projects     ⌘O</source>
         <translation>MOV · MP4 · M4V · Gesicherte Projekte     ⌘O</translation>
+    </message>
+    <message>
+        <source>Opening %1…</source>
+        <translation>%1 wird geöffnet …</translation>
     </message>
 </context>
 <context>
@@ -966,7 +995,7 @@
     </message>
     <message>
         <source>%1 fps</source>
-        <translation>%1 B/s</translation>
+        <translation>%1 fps</translation>
     </message>
     <message>
         <source>Last export verified</source>
@@ -1111,7 +1140,7 @@
     <name>flowtide::FlowSection</name>
     <message>
         <source>%1 fps</source>
-        <translation>%1 B/s</translation>
+        <translation>%1 fps</translation>
     </message>
     <message>
         <source>In-between frames</source>
@@ -1393,11 +1422,11 @@
     </message>
     <message>
         <source>Reset curve</source>
-        <translation>Zurücksetzen</translation>
+        <translation>Kurve zurücksetzen</translation>
     </message>
     <message>
         <source>Reset framing</source>
-        <translation>Zurücksetzen</translation>
+        <translation>Ausschnitt zurücksetzen</translation>
     </message>
     <message>
         <source>Set trim start to the playhead</source>
@@ -1823,7 +1852,7 @@
     <name>flowtide::TimelineOverlay</name>
     <message>
         <source>out</source>
-        <translation>aus</translation>
+        <translation>Ausg.</translation>
     </message>
 </context>
 <context>

@@ -136,7 +136,7 @@ void ComparisonView::showEvent(QShowEvent*) {
 void ComparisonView::hideEvent(QHideEvent*) {
     wait_.stop();
     dragged_.reset();
-    escape_.end();
+    guard_.end();
     feed_.setRoom(*this, std::nullopt);
 }
 
@@ -201,19 +201,21 @@ void ComparisonView::drawWords(QPainter& painter, const QRectF& original, const 
                                                                        {model_.playheadSeconds()});
     const std::vector<ChipPart> parts{{label.isEmpty() ? tr("Output") : label, Type::small, theme::text},
                                       {valueText::timeCode(times->output.value), Type::codeSmall, theme::text2}};
-    drawDotChip(painter, {retimed.right() - chipMargin - chipWidth(parts, true), bottom}, parts,
-                isFlow ? theme::flow : theme::text2);
+    const double partsLeft = retimed.right() - chipMargin - chipWidth(parts, true);
+    drawDotChip(painter, {partsLeft, bottom}, parts, isFlow ? theme::flow : theme::text2);
     if (hint_.value() <= 0) return;
     const std::vector<ChipPart> hint{{tr("Drag to pan both pictures"), Type::small, theme::text2}};
+    const double hintLeft = (original.right() + retimed.left() - chipWidth(hint)) / 2;
+    if (hintLeft + chipWidth(hint) > partsLeft) return;
     painter.setOpacity(hint_.value());
-    drawChip(painter, {(original.right() + retimed.left() - chipWidth(hint)) / 2, bottom}, hint);
+    drawChip(painter, {hintLeft, bottom}, hint);
 }
 
 void ComparisonView::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     dragged_ = event->position();
     panBefore_ = pan_;
-    escape_.begin();
+    guard_.begin();
     setCursor(Qt::ClosedHandCursor);
 }
 
@@ -225,7 +227,7 @@ void ComparisonView::mouseMoveEvent(QMouseEvent* event) {
 void ComparisonView::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     dragged_.reset();
-    escape_.end();
+    guard_.end();
     setCursor(Qt::OpenHandCursor);
 }
 

@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QSignalBlocker>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
@@ -29,12 +30,16 @@ ScrubBar::ScrubBar(FlowtideViewModel& model, QWidget* parent)
     setFocusPolicy(Qt::TabFocus);
     setFocusRing(*this, theme::laneRadius);
     setMouseTracking(true);
+    // The accessibility tree changes values too.
+    connect(this, &QSlider::valueChanged, this,
+            [this](int milliseconds) { scrubTo(OutputSeconds{milliseconds / 1000.0}); });
 }
 
 void ScrubBar::refresh() {
     if (!model_.clip()) return;
     const TimeMap& timeMap = model_.curve().timeMap();
     const double now = timeMap.outputTime({model_.playheadSeconds()}).value;
+    const QSignalBlocker quiet(*this);
     setRange(0, static_cast<int>(std::min(std::lround(timeMap.outputDuration() * 1000), 2'000'000'000L)));
     setValue(static_cast<int>(std::lround(now * 1000)));
     setAccessibleDescription(valueText::timeCode(now));
@@ -71,11 +76,13 @@ void ScrubBar::paintEvent(QPaintEvent*) {
 }
 
 void ScrubBar::scrubTo(double x) {
-    if (!model_.clip() || model_.curve().duration() <= 0) return;
-    const TimeMap& timeMap = model_.curve().timeMap();
     const double share = std::clamp((x - knobRadius) / std::max(width() - 2.0 * knobRadius, 1.0), 0.0, 1.0);
-    const SourceSeconds time = timeMap.sourceTime(OutputSeconds{share * timeMap.outputDuration()});
-    model_.scrub(time.value / model_.curve().duration());
+    scrubTo(OutputSeconds{share * model_.curve().timeMap().outputDuration()});
+}
+
+void ScrubBar::scrubTo(OutputSeconds time) {
+    if (!model_.clip() || model_.curve().duration() <= 0) return;
+    model_.scrub(model_.curve().timeMap().sourceTime(time).value / model_.curve().duration());
     refresh();
 }
 

@@ -30,6 +30,7 @@ protected:
 
 private:
     void scrubTo(double x);
+    void scrubTo(OutputSeconds time);
     double xOf(double outputSeconds) const;
 
     FlowtideViewModel& model_;

@@ -17,7 +17,6 @@ public:
     explicit SubjectOverlay(FlowtideViewModel& model)
         : model_(model) {}
 
-    bool isDrawing() const { return isDrawing_; }
     /// Tracks what the keyboard has boxed; false when there is no box.
     bool start();
     /// Choosing has ended.

@@ -109,13 +109,6 @@ void TransportBar::resizeEvent(QResizeEvent*) {
 }
 
 void TransportBar::place() {
-    int left = padding;
-    for (Readout* readout : {source_, output_, speed_}) {
-        const QSize wanted = readout->sizeHint();
-        readout->setGeometry(left, (height() - wanted.height()) / 2, wanted.width(), wanted.height());
-        left += wanted.width() + readoutGap;
-    }
-    speed_->setVisible(width() >= speedNeedsWidth);
     const auto row = [this](const std::vector<IconButton*>& buttons, int from) {
         for (IconButton* button : buttons) {
             button->move(from, (height() - button->height()) / 2);
@@ -128,7 +121,24 @@ void TransportBar::place() {
             sum += button->width() + buttonGap;
         return sum;
     };
-    row(center_, (width() - length(center_)) / 2);
+    const int center = (width() - length(center_)) / 2;
+    int left = padding;
+    for (Readout* readout : {output_, source_, speed_}) {
+        // Times with hours leave less room. The output's, the next one to be read, is the last to go.
+        const QSize wanted = readout->sizeHint();
+        const bool fits = left + wanted.width() + readoutGap <= center;
+        readout->setVisible((readout != speed_ || width() >= speedNeedsWidth) && (readout == output_ || fits));
+        if (readout->isHidden()) continue;
+        left += wanted.width() + readoutGap;
+    }
+    left = padding;
+    for (Readout* readout : {source_, output_, speed_}) {
+        if (readout->isHidden()) continue;
+        const QSize wanted = readout->sizeHint();
+        readout->setGeometry(left, (height() - wanted.height()) / 2, wanted.width(), wanted.height());
+        left += wanted.width() + readoutGap;
+    }
+    row(center_, center);
     row(right_, width() - padding - length(right_));
 }
 

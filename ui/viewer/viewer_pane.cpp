@@ -36,12 +36,15 @@ ViewerPane::ViewerPane(FlowtideViewModel& model, PictureFeed& feed, QWidget* par
     refresh();
 }
 
-bool ViewerPane::endTopmost() {
+bool ViewerPane::endTracking() {
     if (model_.tracking().selectingSubject() || model_.tracking().isTracking()) {
         model_.cancelTracking();
         return true;
     }
-    if (subject_->dismiss()) return true;
+    return subject_->dismiss();
+}
+
+bool ViewerPane::endComparison() {
     if (!model_.comparison().comparisonEnabled()) return false;
     model_.setComparisonEnabled(false);
     return true;

@@ -24,9 +24,9 @@ public:
 
     /// The sentence for the line under the graph while the pointer is on the picture; empty when it has left.
     std::function<void(const QString& hint)> onHint;
-    /// Esc: ends choosing or tracking a subject, or takes back what that had to say, or else ends the comparison; false
-    /// when there is none.
-    bool endTopmost();
+    /// Esc: ends choosing or tracking a subject, or takes back what that had to say; false when there is none.
+    bool endTracking();
+    bool endComparison();
 
     VideoSurface& surface() { return *surface_; }
 

@@ -82,6 +82,17 @@ TEST_F(ExportPanelTest, SaysWhyAnExportEnded) {
     scheduler.settle();
     EXPECT_EQ(panel->state(), State::cancelled);
     EXPECT_TRUE(texts().contains("Export was cancelled."));
+
+    // Not of another clip.
+    model->reset();
+    open();
+    performed.clear();
+    click("Export again…");
+    EXPECT_TRUE(performed.empty());
+    panel->askAboutCodec([] {});
+    model->reset();
+    scheduler.settle();
+    EXPECT_TRUE(panel->isHidden());
 }
 
 TEST_F(ExportPanelTest, AsksBeforeAnotherCodecIsUsed) {

@@ -123,9 +123,9 @@ TEST_F(ViewerTest, ABoxAroundTheSubjectBeginsItsTracking) {
     ASSERT_TRUE(model->tracking().isTracking());
     EXPECT_NEAR(model->tracking().trackingPreview()->box->x, 0.1, 1e-9);
     EXPECT_NEAR(model->tracking().trackingPreview()->box->height, 0.2, 1e-9);
-    EXPECT_TRUE(pane.endTopmost());
+    EXPECT_TRUE(pane.endTracking());
     EXPECT_FALSE(model->tracking().isTracking());
-    EXPECT_FALSE(pane.endTopmost());
+    EXPECT_FALSE(pane.endTracking());
 
     choose(); // by keyboard
     QTest::keyClick(&surface(), Qt::Key_Return);
@@ -137,7 +137,7 @@ TEST_F(ViewerTest, ABoxAroundTheSubjectBeginsItsTracking) {
     EXPECT_NEAR(model->tracking().trackingPreview()->box->x, SubjectOverlay::firstBox.x + 0.01, 1e-9);
     scheduler.settle();
     ASSERT_TRUE(model->tracking().trackingMessage()); // the closing sentence
-    EXPECT_TRUE(pane.endTopmost());
+    EXPECT_TRUE(pane.endTracking());
     EXPECT_FALSE(model->tracking().trackingMessage());
 
     choose(); // and without another frame's box
@@ -206,7 +206,8 @@ TEST_F(ViewerTest, TheTransportOffersWhatCanBeDone) {
     EXPECT_TRUE(model->timeline().loopPreview());
     button("Compare").click();
     EXPECT_TRUE(model->comparison().comparisonEnabled());
-    EXPECT_TRUE(pane.endTopmost());
+    EXPECT_TRUE(pane.endComparison());
+    EXPECT_FALSE(pane.endComparison());
     EXPECT_FALSE(model->comparison().comparisonEnabled());
     model->togglePlayback();
     scheduler.settle();
