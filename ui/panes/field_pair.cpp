@@ -19,7 +19,7 @@ FieldPair::FieldPair(const QString& leftLabel, Field* left, const QString& right
     sentence_->setElideMode(Qt::ElideRight);
     for (Field* field : {left_, right_}) {
         field->setParent(this);
-        field->onRefused = [this](std::optional<QString> sentence) {
+        field->onRefused = [this](const std::optional<QString>& sentence) {
             sentence_->setText(sentence.value_or(QString()));
         };
     }

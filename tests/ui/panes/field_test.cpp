@@ -22,7 +22,7 @@ protected:
             wanted = value;
             return {};
         };
-        field.onRefused = [this](std::optional<QString> refusal) { sentence = refusal.value_or(QString()); };
+        field.onRefused = [this](const std::optional<QString>& refusal) { sentence = refusal.value_or(QString()); };
         field.showValue(0.15);
         field.selectAll();
     }

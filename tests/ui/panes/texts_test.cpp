@@ -169,12 +169,15 @@ TEST(SessionTextTest, SpeaksGermanWithTheSessionsNumbers) {
     QTranslator german;
     ASSERT_TRUE(german.load(QLocale("de_DE"), "flowtide", "_", ":/translations"));
     QCoreApplication::installTranslator(&german);
-    EXPECT_EQ(sessionText("Rendering all ranges 62%"), "Alle werden berechnet 62 %");
+    EXPECT_EQ(sessionText("Rendering all ranges 62%"), "Berechnung 62 %");
     EXPECT_EQ(sessionText("Saved"), "Gesichert");
     EXPECT_EQ(sessionText("Could not save: No space (28)."), "Nicht gesichert: No space (28).");
     EXPECT_EQ(sessionText("Tracking complete: 11 framing points across the retained clip. Ctrl+Z to undo."),
               "Verfolgung abgeschlossen: 11 Ausschnittpunkte im beibehaltenen Clip. Ctrl+Z macht sie rückgängig.");
     EXPECT_EQ(sessionText("The file of 12 bytes is no movie."), "The file of 12 bytes is no movie.");
+    const QDateTime now(QDate(2026, 10, 20), QTime(12, 0), QTimeZone::utc());
+    EXPECT_EQ(projectDate({static_cast<double>(now.toSecsSinceEpoch() - 978'307'200 - 17 * 86'400)}, now),
+              "3. Oktober");
     EXPECT_EQ(Shortcuts::sheet()[0].items[0].keys, "Strg+O");
     EXPECT_EQ(keycaps::pieces("Strg+Leertaste").size(), 2U);
     QCoreApplication::removeTranslator(&german);
