@@ -1852,7 +1852,7 @@
     <name>flowtide::TimelineOverlay</name>
     <message>
         <source>out</source>
-        <translation>Ausg.</translation>
+        <translation>neu</translation>
     </message>
 </context>
 <context>
