@@ -54,16 +54,15 @@ public:
 
     std::optional<AudioBlock> next() override {
         for (;;) {
-            const int received = avcodec_receive_frame(decoder_.get(), frame_.get());
-            if (received >= 0) {
+            const Received received = receiveFrame(*decoder_, *frame_, draining_, [this] { noteDamage(); });
+            if (received == Received::frame) {
                 auto block = convert();
                 inDamage_ = false;
                 if (!block) continue;
                 if (block->time.value > range_.upper) return std::nullopt;
                 return block;
             }
-            if (received != AVERROR_EOF && received != AVERROR(EAGAIN)) noteDamage();
-            if (received == AVERROR_EOF || (draining_ && received != AVERROR(EAGAIN))) {
+            if (received == Received::end) {
                 if (truncated_) throw FlowtideError::readerFailed("Audio decode failed mid-file");
                 return std::nullopt;
             }
@@ -85,7 +84,7 @@ private:
         if (read < 0) {
             truncated_ = read != AVERROR_EOF || !reachedIndexEnd_;
             draining_ = true;
-            avcodec_send_packet(decoder_.get(), nullptr);
+            if (avcodec_send_packet(decoder_.get(), nullptr) < 0) noteDamage();
             return;
         }
         if (packet_->stream_index == movie_.audio->index) {

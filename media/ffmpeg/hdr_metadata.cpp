@@ -53,9 +53,9 @@ FramePtr firstPicture(const MovieInput& movie) {
     const PacketPtr packet = makePacket();
     FramePtr frame = makeFrame();
     for (bool draining = false;;) {
-        const int received = avcodec_receive_frame(decoder.get(), frame.get());
-        if (received >= 0) return frame;
-        if (received == AVERROR_EOF || draining) return nullptr;
+        const Received received = receiveFrame(*decoder, *frame, draining, [] {});
+        if (received == Received::frame) return frame;
+        if (received == Received::end) return nullptr;
         draining = av_read_frame(movie.format.get(), packet.get()) < 0;
         if (draining || packet->stream_index == movie.video->index)
             avcodec_send_packet(decoder.get(), draining ? nullptr : packet.get());

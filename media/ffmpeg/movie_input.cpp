@@ -14,6 +14,10 @@ namespace {
 
 constexpr const char* movieFormats = "mov,mp4,m4a,3gp,3g2,mj2";
 
+// In a row, while draining: more than libavcodec has threads of its own accord, each of which holds one frame. Keeps a
+// decoder that fails for ever from holding us.
+constexpr int mostDrainFailures = 64;
+
 MovieInput openFile(const std::filesystem::path& path, const char* formats) {
     Dictionary options;
     options.set("format_whitelist", formats);
@@ -95,6 +99,18 @@ CodecContextPtr openDecoder(const AVStream& stream, const char* failure, Decoder
         avcodec_open2(context.get(), codec, nullptr) < 0)
         throw FlowtideError::readerFailed(failure);
     return context;
+}
+
+Received receiveFrame(AVCodecContext& decoder, AVFrame& frame, bool isDraining, const std::function<void()>& onDamage) {
+    for (int failures = 0; failures < mostDrainFailures; ++failures) {
+        const int received = avcodec_receive_frame(&decoder, &frame);
+        if (received >= 0) return Received::frame;
+        if (received == AVERROR_EOF) return Received::end;
+        if (received == AVERROR(EAGAIN)) return Received::needsPacket;
+        onDamage();
+        if (!isDraining) return Received::needsPacket;
+    }
+    return Received::end;
 }
 
 } // namespace flowtide::ffmpeg

@@ -4,6 +4,7 @@
 #include "media/ffmpeg/handles.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 
 namespace flowtide::ffmpeg {
@@ -48,5 +49,12 @@ enum class DecoderThreads { throughput, lowDelay };
 /// An opened decoder for a stream, with its threads set up. Throws FlowtideError::readerFailed(failure).
 CodecContextPtr openDecoder(const AVStream& stream, const char* failure,
                             DecoderThreads threads = DecoderThreads::throughput);
+
+/// What came of asking a decoder for its next frame.
+enum class Received { frame, needsPacket, end };
+
+/// Takes a decoder's next frame, and calls `onDamage` for each one that it could not decode. A draining decoder has
+/// been given everything: what one of its threads fails at says nothing of the frames that the others hold.
+Received receiveFrame(AVCodecContext& decoder, AVFrame& frame, bool isDraining, const std::function<void()>& onDamage);
 
 } // namespace flowtide::ffmpeg

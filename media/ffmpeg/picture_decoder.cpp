@@ -90,18 +90,14 @@ void PictureDecoder::seek(std::int64_t timestamp) {
 std::optional<PictureDecoder::Picture> PictureDecoder::decodeNext() {
     for (;;) {
         FramePtr frame = makeFrame();
-        const int received = avcodec_receive_frame(decoder_.get(), frame.get());
-        if (received >= 0) {
+        const Received received = receiveFrame(*decoder_, *frame, draining_, [this] { ++damagedFrames_; });
+        if (received == Received::end) return endOfFrames();
+        if (received == Received::frame) {
             if (frame->decode_error_flags != 0 || (frame->flags & AV_FRAME_FLAG_CORRUPT)) ++damagedFrames_;
             if (frame->best_effort_timestamp == AV_NOPTS_VALUE) continue;
             const double seconds = secondsOf(frame->best_effort_timestamp);
             const double duration = secondsOf(std::max<std::int64_t>(frame->pkt_duration, 0));
             return Picture{std::move(frame), seconds, duration};
-        }
-        if (received == AVERROR_EOF) return endOfFrames();
-        if (received != AVERROR(EAGAIN)) {
-            ++damagedFrames_;
-            if (draining_) return endOfFrames();
         }
         feed();
     }
@@ -114,7 +110,7 @@ void PictureDecoder::feed() {
     if (read < 0) {
         truncated_ = !isComplete() && (read != AVERROR_EOF || !reachedIndexEnd_);
         draining_ = true;
-        avcodec_send_packet(decoder_.get(), nullptr);
+        if (avcodec_send_packet(decoder_.get(), nullptr) < 0) ++damagedFrames_; // of one that was still being decoded
         return;
     }
     if (packet_->stream_index == movie_.video->index) {

@@ -152,6 +152,33 @@ TEST_F(VideoReaderTest, DamagedFramesAreCounted) {
     EXPECT_GT(concealed(), 0);
 }
 
+TEST_F(VideoReaderTest, APacketThatCannotBeDecodedTakesNoOtherFrameWithIt) {
+    for (const auto& [name, codec] : {std::pair{"in.mp4", VideoCodec::h264}, {"in.mov", VideoCodec::proRes422}}) {
+        ClipRecipe recipe;
+        recipe.codec = codec;
+        if (isProRes(codec)) recipe.layout = {ChromaSubsampling::yuv422, 10, false};
+        recipe.frameCount = 50;
+        recipe.sampleRate = 48'000; // sound in between gives every picture a chunk of its own
+        make(name, recipe);
+        const std::string whole = readFile(folder_ / name);
+        for (const std::size_t damaged : {20U, 22U, 24U, 46U, 47U, 48U}) { // in the order of decoding
+            writeFile(folder_ / name, whole);
+            damageChunk(folder_ / name, 0, damaged, 0, 16);
+            const ImportedClip clip = ImportedClip::load(*backend_, folder_ / name);
+            for (const double end : {1.0, 2.0}) {
+                const auto reader = backend_->openVideo(clip, decodePixelFormat(clip), {0, end});
+                std::size_t frames = 0;
+                while (const auto frame = reader->next())
+                    if (frame->time.value < end - 1e-6) ++frames;
+                EXPECT_GE(frames, 25 * end - 1) << name << " " << damaged;
+                if (end < clip.duration) continue;
+                EXPECT_EQ(frames, 49U) << name << " " << damaged;
+                EXPECT_EQ(reader->concealedFrameCount(), 1) << name << " " << damaged;
+            }
+        }
+    }
+}
+
 TEST_F(VideoReaderTest, CancelIsHeardOnTheWayToTheRange) {
     ClipRecipe recipe;
     recipe.frameCount = 240;
