@@ -146,7 +146,9 @@ private:
             state_.setFramesWritten(written, plan.frameCount);
             gate_.advance(Track::video, plan.video.frameDuration.secondsTimes(written));
         }
-        if (written > 0 && !shouldStop()) inputs_.writer.finishVideo();
+        if (written == 0 || shouldStop()) return;
+        inputs_.writer.finishVideo();
+        state_.setVideoFinished();
     }
 
     void writeAudio() {

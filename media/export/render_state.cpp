@@ -1,6 +1,7 @@
 // The share of each track in the progress, and the failure that is kept.
 #include "media/export/render_state.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace flowtide {
@@ -8,6 +9,8 @@ namespace flowtide {
 namespace {
 // Sound is a twentieth of the work of an ordinary export.
 constexpr double audioShare = 0.05;
+// Of the pictures: an encoder still holds some when it has been given the last one.
+constexpr double videoFractionBeforeFinish = 0.99;
 } // namespace
 
 void RenderState::recordError(std::exception_ptr error) {
@@ -32,7 +35,13 @@ void RenderState::rethrowError() const {
 void RenderState::setFramesWritten(std::int64_t count, std::int64_t total) {
     const std::scoped_lock guard(lock_);
     framesWritten_ = count;
-    videoFraction_ = total > 0 ? static_cast<double>(count) / static_cast<double>(total) : 1;
+    const double fraction = total > 0 ? static_cast<double>(count) / static_cast<double>(total) : 1;
+    videoFraction_ = std::min(fraction, videoFractionBeforeFinish);
+}
+
+void RenderState::setVideoFinished() {
+    const std::scoped_lock guard(lock_);
+    videoFraction_ = 1;
 }
 
 std::int64_t RenderState::framesWritten() const {

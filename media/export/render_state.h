@@ -16,8 +16,10 @@ public:
     /// Throws the recorded failure, if there is one.
     void rethrowError() const;
 
-    /// Frames written so far, of `total`.
+    /// Frames given to the encoder so far, of `total`.
     void setFramesWritten(std::int64_t count, std::int64_t total);
+    /// The encoder has let go of the last one.
+    void setVideoFinished();
     std::int64_t framesWritten() const;
     /// Share of the sound written, 0...1.
     void setAudioFraction(double fraction);

@@ -46,7 +46,10 @@ public:
         if (onAudio) onAudio(seconds());
         sampleCount += static_cast<std::int64_t>(samples.size());
     }
-    void finishVideo() override { videoFinished = true; }
+    void finishVideo() override {
+        if (onFinishVideo) onFinishVideo();
+        videoFinished = true;
+    }
     void finishAudio() override { audioFinished = true; }
     void finish() override {}
 
@@ -58,6 +61,7 @@ public:
     std::atomic<bool> audioFinished = false;
     std::function<void(double seconds)> onVideo; ///< before a frame that is shown at a time
     std::function<void(double seconds)> onAudio; ///< before a chunk that is heard at a time
+    std::function<void()> onFinishVideo;
 };
 
 class InterleavedRenderTest : public testing::Test {
@@ -77,7 +81,7 @@ protected:
     void render(
         const ProgressHandler& onProgress = [](double) {}, const ThreadStarter& start = startThread) {
         renderInterleaved(
-            {plan_, reader_, nullptr, &audio_, writer_}, [](std::string_view) {}, onProgress,
+            {plan_, reader_, nullptr, hasSound_ ? &audio_ : nullptr, writer_}, [](std::string_view) {}, onProgress,
             [this] { return cancelled_.load(); }, start);
     }
 
@@ -89,6 +93,7 @@ protected:
 
     ExportPlan plan_;
     AudioData audio_;
+    bool hasSound_ = true;
     std::int64_t total_ = 0; // samples
     EndlessReader reader_;
     CountingWriter writer_;
@@ -197,6 +202,22 @@ TEST_F(InterleavedRenderTest, ProgressIsReportedUntilTheLastWorkerHasEnded) {
     EXPECT_TRUE(std::is_sorted(reported.begin(), reported.end()));
     EXPECT_LT(reported.front(), 1);
     EXPECT_EQ(reported.back(), 1);
+}
+
+TEST_F(InterleavedRenderTest, IsNotDoneBeforeTheEncoderIs) {
+    hasSound_ = false;
+    std::atomic<int> reports = 0;
+    writer_.onFinishVideo = [&] {
+        for (const int before = reports; reports < before + 2;)
+            std::this_thread::yield();
+    };
+    double last = 0;
+    render([&](double fraction) {
+        last = fraction;
+        EXPECT_TRUE(fraction < 1 || writer_.videoFinished);
+        ++reports;
+    });
+    EXPECT_EQ(last, 1);
 }
 
 TEST_F(InterleavedRenderTest, CancellationStopsBothTracks) {

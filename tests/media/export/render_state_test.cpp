@@ -13,14 +13,19 @@ TEST(RenderState, SoundIsATwentiethOfTheProgress) {
         std::int64_t frames;
         double sound;
         double progress;
-    } cases[] = {{0, 0, 0}, {20, 0, 0.475}, {0, 1, 0.05}, {30, 0.5, 0.7375}, {40, 0.98, 0.999}, {40, 1, 1}};
-    for (const auto& [frames, sound, progress] : cases) {
+        double silent;
+    } cases[] = {
+        {0, 0, 0, 0},         {20, 0, 0.475, 0.5}, {0, 1, 0.05, 0}, {30, 0.5, 0.7375, 0.75}, {40, 0.98, 0.9895, 0.99},
+        {40, 1, 0.9905, 0.99}};
+    for (const auto& [frames, sound, progress, silent] : cases) {
         RenderState state;
         state.setFramesWritten(frames, 40);
         state.setAudioFraction(sound);
         EXPECT_DOUBLE_EQ(state.progress(true), progress) << frames;
-        EXPECT_DOUBLE_EQ(state.progress(false), static_cast<double>(frames) / 40) << frames;
+        EXPECT_DOUBLE_EQ(state.progress(false), silent) << frames;
         EXPECT_EQ(state.framesWritten(), frames);
+        state.setVideoFinished();
+        EXPECT_EQ(state.progress(false), 1);
     }
 }
 
