@@ -60,6 +60,12 @@ void FrameDecoder::aim(DecodeGoal goal) {
         const std::scoped_lock guard(lock_);
         std::swap(goal_, goal);
         woken_ = true;
+        if (!goal_.route) {
+            // The next goal may come before the decoder's thread has seen this one.
+            forgets_ = true;
+            progress_.reset();
+            clips_.clear();
+        }
     }
     wake_.notify_one();
 }
@@ -91,14 +97,17 @@ void FrameDecoder::run() {
     DecodeGoal goal;
     for (;;) {
         const DecodeGoal before = goal;
+        bool forgets = false;
         {
             std::unique_lock guard(lock_);
             if (!busy) wake_.wait(guard, [this] { return woken_ || stopping_; });
             if (stopping_) return;
             goal = goal_;
+            forgets = std::exchange(forgets_, false);
             // Once for every new goal, and again for as long as the owner finds the frame missing.
             if (std::exchange(woken_, false)) owes_ = owes_ || goal.isMissing || goal != before;
         }
+        if (forgets) letGo(nullptr);
         if (goal.route != before.route) letGo(goal.route.get());
         busy = goal.route && step(goal);
     }
@@ -280,6 +289,7 @@ void FrameDecoder::showProgress(const Gap& gap, const SpannedFrame& frame) {
     const double now = clock_.seconds();
     {
         const std::scoped_lock guard(lock_);
+        if (forgets_) return;
         progress_ = Progress{gap.medium, frame, ++progressCount_};
     }
     if (now - std::max(lastProgress_, lateSince_.value_or(now)) < progressIntervalSeconds) return;

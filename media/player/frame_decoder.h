@@ -58,7 +58,7 @@ public:
     FrameDecoder(const FrameDecoder&) = delete;
     FrameDecoder& operator=(const FrameDecoder&) = delete;
 
-    /// The latest goal counts.
+    /// The latest goal counts. One without a route also makes it forget all media and frames of before.
     void aim(DecodeGoal goal);
     /// The newest frame on the way to the playhead's; nothing once that one is there.
     std::optional<Progress> progress() const;
@@ -131,6 +131,7 @@ private:
     std::condition_variable wake_;
     DecodeGoal goal_;
     bool woken_ = false;
+    bool forgets_ = false; ///< a goal had no route; the decoder's thread has not acted on it yet
     bool stopping_ = false;
     std::optional<Progress> progress_;
     std::uint64_t progressCount_ = 0;

@@ -10,8 +10,9 @@
 namespace flowtide {
 
 MediumId MediumNumbers::of(const CompositionMedium& medium) {
-    const auto next = static_cast<MediumId>(numbers_.size() + 1);
-    return numbers_.try_emplace(medium.url.string(), next).first->second;
+    const auto [entry, isNew] = numbers_.try_emplace(medium.url.string(), last_ + 1);
+    if (isNew) ++last_;
+    return entry->second;
 }
 
 PlaybackRoute::PlaybackRoute(std::shared_ptr<const PlaybackItem> item, MediumNumbers& numbers)

@@ -24,13 +24,16 @@ struct PlaybackItem {
     std::shared_ptr<const AudioData> sound;
 };
 
-/// Gives every medium a number that it keeps for as long as its player lives, so that decoded frames outlast edits.
+/// Gives every medium a number that it keeps until another clip is opened, so that decoded frames outlast edits.
 class MediumNumbers {
 public:
     MediumId of(const CompositionMedium& medium);
+    /// From now on files of the same names are other media.
+    void renew() { numbers_.clear(); }
 
 private:
     std::map<std::string, MediumId> numbers_;
+    MediumId last_ = 0;
 };
 
 /// Which of a medium's copies to take.

@@ -64,6 +64,7 @@ void PreviewPlayer::setItem(std::shared_ptr<const PlaybackItem> item) {
     isSeeking_ = false;
     proxyFailed_ = exactIsTooSlow_ = false;
     decoder_->forgetFailures();
+    if (!item) numbers_.renew();
     const auto before =
         std::exchange(route_, item ? std::make_shared<PlaybackRoute>(std::move(item), numbers_) : nullptr);
     const bool isEdit = route_ && before && route_->sharesMediaWith(*before);

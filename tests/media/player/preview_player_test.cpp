@@ -241,6 +241,36 @@ TEST(PreviewPlayer, EditsKeepPlaceAndDecodedFrames) {
     stage.tick();
 }
 
+TEST(PreviewPlayer, AFileOpenedAgainIsReadAgain) {
+    std::mutex gate;
+    std::atomic<bool> blocks = false, isStuck = false;
+    PlaybackScript script;
+    script.onFrame = [&](const ImportedClip&, std::int64_t) {
+        if (!blocks) return;
+        isStuck = true;
+        const std::scoped_lock wait(gate);
+    };
+    PlayerStage stage(script);
+    stage.setItem(stageItem(4));
+    ASSERT_TRUE(stage.seekAndWait(1));
+    PlaybackItem changed = stageItem(4);
+    changed.media.asset.media[0].clip = stageClip(4, 64);
+    {
+        const std::scoped_lock hold(gate);
+        blocks = true;
+        stage.player->seek({3});
+        while (!isStuck)
+            std::this_thread::yield();
+        stage.player->setItem(nullptr); // the decoder does not get to see that there was nothing
+        stage.setItem(changed);
+        blocks = false;
+    }
+    for (const double time : {1, 3}) {
+        ASSERT_TRUE(stage.seekAndWait(time));
+        EXPECT_EQ(stage.player->picture()->frame.width, 64) << time;
+    }
+}
+
 TEST(PreviewPlayer, RenderedPreviewsAreShownWhereTheyLie) {
     PlayerStage stage;
     PlaybackItem item = stageItem(4);
