@@ -60,6 +60,7 @@ void FrameDecoder::aim(DecodeGoal goal) {
         const std::scoped_lock guard(lock_);
         std::swap(goal_, goal);
         woken_ = true;
+        if (std::exchange(forgetsFailures_, false)) ++round_;
         if (!goal_.route) {
             // The next goal may come before the decoder's thread has seen this one.
             forgets_ = true;
@@ -84,6 +85,7 @@ std::optional<std::string> FrameDecoder::failureOf(MediumId medium) const {
 void FrameDecoder::forgetFailures() {
     const std::scoped_lock guard(lock_);
     failures_.clear();
+    forgetsFailures_ = true;
 }
 
 std::shared_ptr<const ImportedClip> FrameDecoder::clipOf(MediumId medium) const {
@@ -104,6 +106,7 @@ void FrameDecoder::run() {
             if (stopping_) return;
             goal = goal_;
             forgets = std::exchange(forgets_, false);
+            stepRound_ = round_;
             // Once for every new goal, and again for as long as the owner finds the frame missing.
             if (std::exchange(woken_, false)) owes_ = owes_ || goal.isMissing || goal != before;
         }
@@ -327,6 +330,7 @@ void FrameDecoder::closeUnused() {
 void FrameDecoder::fail(MediumId medium, const std::string& sentence) {
     {
         const std::scoped_lock guard(lock_);
+        if (forgetsFailures_ || stepRound_ != round_) return;
         failures_[medium] = sentence;
     }
     notify_();

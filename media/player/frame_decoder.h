@@ -64,7 +64,7 @@ public:
     std::optional<Progress> progress() const;
     /// Why a medium cannot be read; nothing when it can, as far as is known.
     std::optional<std::string> failureOf(MediumId medium) const;
-    /// Lets media that failed be tried again.
+    /// Lets media that failed be tried again for the next goal; goals of before fail untold.
     void forgetFailures();
     /// What the probe tells of a medium; nothing before it was opened.
     std::shared_ptr<const ImportedClip> clipOf(MediumId medium) const;
@@ -126,6 +126,7 @@ private:
     std::optional<double> lateSince_;
     bool owes_ = false; ///< the owner has not been told yet what the goal makes it wait for
     double lastProgress_ = 0;
+    std::uint64_t stepRound_ = 0; ///< the round of the goal that is being decoded for
 
     mutable std::mutex lock_; ///< guards everything below
     std::condition_variable wake_;
@@ -136,6 +137,8 @@ private:
     std::optional<Progress> progress_;
     std::uint64_t progressCount_ = 0;
     std::map<MediumId, std::string> failures_;
+    bool forgetsFailures_ = false; ///< until the next goal
+    std::uint64_t round_ = 0;      ///< counts the times that failures were forgotten
     std::map<MediumId, std::shared_ptr<const ImportedClip>> clips_;
 
     std::jthread thread_; ///< last: everything else is there when it starts

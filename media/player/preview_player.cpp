@@ -192,8 +192,10 @@ void PreviewPlayer::seek(OutputSeconds time, SeekCompletion completion) {
     isSeeking_ = true;
     ++seekCount_;
     jump(time, now);
+    decoder_->forgetFailures(); // a file can lack what comes at one time and have the rest
     const std::weak_ptr<Alive> alive = alive_;
     if (superseded) superseded(false);
+    if (!alive.expired() && status_ == PlayerStatus::failed) setStatus(PlayerStatus::unknown);
     if (!alive.expired()) update();
 }
 

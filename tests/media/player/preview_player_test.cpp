@@ -349,6 +349,39 @@ TEST(PreviewPlayer, MediaThatFailAreReplacedOrReported) {
     EXPECT_EQ(stage.player->status(), PlayerStatus::ready);
 }
 
+TEST(PreviewPlayer, APartThatIsMissingIsNoneOfTheRest) {
+    std::mutex gate;
+    std::atomic<bool> blocks = false, isStuck = false;
+    PlaybackScript script;
+    script.onFrame = [&](const ImportedClip&, std::int64_t index) {
+        if (index < 50) return;
+        isStuck = true;
+        if (blocks) const std::scoped_lock wait(gate);
+        throw FlowtideError::readerFailed("Video decode failed mid-file");
+    };
+    PlayerStage stage(script);
+    stage.setItem(stageItem(4));
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_FALSE(stage.seekAndWait(3));
+        EXPECT_EQ(stage.player->status(), PlayerStatus::failed);
+        EXPECT_TRUE(stage.seekAndWait(i));
+        EXPECT_EQ(stage.number(), 25 * i);
+        EXPECT_EQ(stage.player->status(), PlayerStatus::ready);
+    }
+    std::optional<bool> reached;
+    {
+        const std::scoped_lock hold(gate);
+        blocks = true;
+        isStuck = false;
+        stage.player->seek({3});
+        while (!isStuck)
+            std::this_thread::yield();
+        stage.player->seek({1.5}, [&](bool finished) { reached = finished; });
+    }
+    ASSERT_TRUE(stage.mailbox.runUntil([&] { return reached.has_value(); }));
+    EXPECT_TRUE(*reached) << "though the way to the place before it failed meanwhile";
+}
+
 TEST(PreviewPlayer, PicturesAreConvertedForTheDisplay) {
     PlayerStage stage;
     PlaybackItem item = stageItem(10);
