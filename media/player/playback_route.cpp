@@ -27,19 +27,23 @@ PlaybackRoute::Medium PlaybackRoute::mediumOf(std::size_t index, PictureSource s
     return {ids_[index], &item_->media.asset.media[index]};
 }
 
-double PlaybackRoute::fileTime(std::size_t index, double time, PictureSource source) const {
-    return time - item_->media.asset.media[index].startOffset + mediumOf(index, source).medium->startOffset;
+double PlaybackRoute::fileTime(const CompositionStretch& stretch, OutputSeconds time, PictureSource source) const {
+    const CompositionMedium& medium = item_->media.asset.media[stretch.medium];
+    if (medium.renderedMap)
+        return medium.startOffset + medium.renderedMap->outputTime(item_->media.timeMap.sourceTime(time)).value;
+    return stretch.at(time).fileSeconds - medium.startOffset + mediumOf(stretch.medium, source).medium->startOffset;
 }
 
 std::optional<RoutePlace> PlaybackRoute::at(OutputSeconds time, PictureSource source) const {
     const auto stretch = item_->media.asset.videoStretchAt(time);
     if (!stretch) return std::nullopt;
-    double fileSeconds = stretch->at(time).fileSeconds;
-    // The end belongs to the last frame before it, not to the one that would come next in the file.
-    if (time.value >= duration())
-        fileSeconds = std::max(stretch->fileStart, fileSeconds - 2 * frameReachedGraceSeconds);
+    double place = fileTime(*stretch, time, source);
+    // The ends, which can lie half a tick beside where the clip is cut, belong to the frames between them, not to those
+    // that come before and next in the file.
+    if (time.value <= 0) place += CompositionTime::tickSeconds;
+    if (time.value >= duration()) place -= CompositionTime::tickSeconds;
     const MediumId id = mediumOf(stretch->medium, source).id;
-    return RoutePlace{id, fileTime(stretch->medium, fileSeconds, source), id == ids_[stretch->medium]};
+    return RoutePlace{id, place, id == ids_[stretch->medium]};
 }
 
 std::vector<RouteStretch> PlaybackRoute::ahead(OutputSeconds time, int direction, double seconds,
@@ -54,8 +58,8 @@ std::vector<RouteStretch> PlaybackRoute::ahead(OutputSeconds time, int direction
         if (!stretch) break;
         const double next =
             forwards ? std::min(stretch->outputEnd.value, end) : std::max(stretch->outputStart.value, end);
-        const double from = fileTime(stretch->medium, stretch->at({at}).fileSeconds, source);
-        const double to = fileTime(stretch->medium, stretch->at({next}).fileSeconds, source);
+        const double from = fileTime(*stretch, {at}, source);
+        const double to = fileTime(*stretch, {next}, source);
         const MediumId id = mediumOf(stretch->medium, source).id;
         if (!way.empty() && way.back().medium == id && std::abs(way.back().to - from) <= frameReachedGraceSeconds)
             way.back().to = to;

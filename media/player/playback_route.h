@@ -84,7 +84,8 @@ private:
         const CompositionMedium* medium;
     };
     Medium mediumOf(std::size_t index, PictureSource source) const;
-    double fileTime(std::size_t index, double time, PictureSource source) const;
+    /// The moment of its medium, or of that one's proxy, that a stretch shows at an output time within it.
+    double fileTime(const CompositionStretch& stretch, OutputSeconds time, PictureSource source) const;
 
     std::shared_ptr<const PlaybackItem> item_;
     std::vector<MediumId> ids_; ///< of the composition's media

@@ -4,6 +4,7 @@
 #include "media/flowtide_error.h"
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace flowtide::CachedPreviewComposition {
@@ -62,7 +63,8 @@ RetimedMedia build(RetimedMedia base, std::span<const RenderedPreview> previews)
     CompositionTrack track;
     for (const RenderedPreview* preview : ordered) {
         const std::size_t medium = base.asset.media.size();
-        base.asset.media.push_back({preview->url, preview->fileStart, nullptr});
+        base.asset.media.push_back(
+            {preview->url, preview->fileStart, nullptr, std::make_shared<const TimeMap>(preview->timeMap)});
         PreviewLayer(base, *preview, medium).appendTo(track);
     }
     base.asset.cachedPreviews = std::move(track);

@@ -14,10 +14,11 @@
 
 namespace flowtide {
 
-/// A point in a composition or in a medium, in whole ticks of 1/60,000 s: frames of all usual rates start on one, and
-/// stretches that are cut at ticks meet without a gap.
+/// A point in a composition or in a medium, in whole ticks of 1/60,000 s: stretches that are cut at ticks meet without
+/// a gap. Frames of most usual rates start on one; those of 23.976 a second, among others, up to half a tick beside it.
 struct CompositionTime {
     static constexpr std::int64_t timescale = 60'000; ///< ticks a second
+    static constexpr double tickSeconds = 1.0 / timescale;
 
     std::int64_t ticks = 0;
 
@@ -35,6 +36,8 @@ struct CompositionMedium {
     double startOffset = 0;
     /// What the probe told of it; absent for rendered previews, which nobody needs to open before they are played.
     std::shared_ptr<const ImportedClip> clip;
+    /// Of a rendered preview: from the clip's time to the medium's own, to the frame where segments are only near it.
+    std::shared_ptr<const TimeMap> renderedMap{};
 };
 
 /// A stretch of a medium, played over a stretch of the output at a constant speed.

@@ -1,9 +1,12 @@
 // The way through a composition: which medium at which time, and what comes next in either direction.
+#include "core/curve_engine.h"
 #include "media/media_time.h"
 #include "media/player/playback_route.h"
+#include "media/preview/retimed_composition_engine.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <set>
 #include <utility>
@@ -43,8 +46,6 @@ TEST_F(PlaybackRouteTest, KnowsThePlaceOfEveryTime) {
         RoutePlace exact, quick;
     };
     for (const Case& c : {
-             Case{-1, {clip, 2, true}, {proxy, 1, false}},
-             Case{0, {clip, 2, true}, {proxy, 1, false}},
              Case{3, {clip, 5, true}, {proxy, 4, false}},
              Case{4.5, {clip, 6.25, true}, {proxy, 5.25, false}},
              Case{5, {preview, 0, true}, {preview, 0, true}},
@@ -60,15 +61,44 @@ TEST_F(PlaybackRouteTest, KnowsThePlaceOfEveryTime) {
             EXPECT_EQ(place->isExact, expected.isExact) << c.output;
         }
     }
-    // The end shows the frame before it, though the file goes on.
-    for (const double output : {10.0, 99.0}) {
-        const auto place = route.at({output}, PictureSource::exact);
-        EXPECT_LT(place->time, 9 - frameReachedGraceSeconds);
-        EXPECT_NEAR(place->time, 9, 1e-5);
-    }
+    // The ends show the frames between them, even where they were rounded over the edge of the next one.
+    for (const auto& [output, exact] : {std::pair{-1.0, 2.0}, {0, 2}, {10, 9}, {99, 9}})
+        for (const auto& [source, begin] : {std::pair{PictureSource::exact, 0.0}, {PictureSource::proxy, -1}}) {
+            const double inside = (route.at({output}, source)->time - begin - exact) * (output > 0 ? -1 : 1);
+            EXPECT_GT(inside, 0.5 / 60'000 + frameReachedGraceSeconds) << output;
+            EXPECT_LT(inside, 2e-5) << output;
+        }
     EXPECT_EQ(route.duration(), 10);
     for (const auto& [output, rendered] : {std::pair{4.99, false}, {5.0, true}, {6.99, true}, {7.0, false}})
         EXPECT_EQ(route.isRenderedPreview({output}), rendered) << output;
+}
+
+TEST_F(PlaybackRouteTest, StepsAcrossRenderedPreviewsFindEveryFrame) {
+    const double ntsc = 30'000.0 / 1001;
+    for (const auto& [rate, slowest] :
+         {std::pair{30.0, 0.3}, {30, 0.05}, {ntsc, 0.1}, {24'000.0 / 1001, 0.5}, {240, 0.2}}) {
+        for (const double fastest : {slowest, 1.0, 4.0}) {
+            const SpeedKeyframes keyframes{{{}, 0, fastest}, {{}, 1, slowest}, {{}, 2, fastest}};
+            const TimeMap map = CurveEngine::buildTimeMap(keyframes, 2, {}, CurveEngine::exportTimeMapSteps, 0.5);
+            auto source = std::make_shared<ImportedClip>();
+            source->duration = 2;
+            source->video.encodedWidth = source->video.encodedHeight = 64;
+            RetimedCompositionRequest request;
+            request.clip = source;
+            request.keyframes = keyframes;
+            request.segmentRate = 240;
+            request.cachedPreviews.emplace_back().timeMap = map;
+            auto item = std::make_shared<PlaybackItem>();
+            item->media = RetimedCompositionEngine::build(request);
+            const PlaybackRoute rendered(item, numbers);
+            for (int frame = 0; frame / rate < map.outputDuration() - 1e-4; ++frame) {
+                const SourceSeconds playhead = map.sourceTime({frame / rate});
+                const auto place = rendered.at(item->media.timeMap.outputTime(playhead), PictureSource::exact);
+                EXPECT_EQ(std::floor((place->time + frameReachedGraceSeconds) * rate), frame)
+                    << rate << " from " << fastest << " to " << slowest;
+            }
+        }
+    }
 }
 
 TEST_F(PlaybackRouteTest, TellsWhatComesNextInEitherDirection) {
