@@ -25,6 +25,8 @@ constexpr double longestBeginSeconds = 0.3;
 constexpr double tooSlowSeconds = 0.3;
 // A device that plays nothing for this long is taken for dead.
 constexpr double deadDeviceSeconds = 1;
+// One that has played for this long, more than a device asks for ahead, has worked, and may again.
+constexpr double workingDeviceSeconds = 0.5;
 
 // The better one first.
 constexpr std::array pictureSources{PictureSource::exact, PictureSource::proxy};
@@ -110,6 +112,7 @@ void PreviewPlayer::openSound() {
         return;
     }
     output_.reset();
+    reopensDevice_ = false;
     feed_ = std::make_shared<SoundFeed>(format);
     feed_->setMuted(isMuted_);
     feed_->setSound(std::move(sound));
@@ -145,6 +148,10 @@ void PreviewPlayer::play(double rate) {
         timeline_.setRate(0, now);
         begins_ = true;
         beginClock_ = now;
+        if (reopensDevice_) {
+            output_.reset();
+            openSound();
+        }
     }
     exactIsTooSlow_ = false;
     update();
@@ -178,6 +185,8 @@ void PreviewPlayer::followSound(double now) {
             feed_->format(), [feed = feed_](std::span<float> interleaved) { feed->pull(interleaved); },
             *platform_.clock);
         output_ = std::move(silent);
+        // One that never works would hold up the start of every play.
+        reopensDevice_ = heard > workingDeviceSeconds * feed_->format().sampleRate;
         feed_->restartFrom(position, timeline_.rate());
         output_->start();
         heardFrames_ = 0;

@@ -146,7 +146,8 @@ private:
     std::shared_ptr<SoundFeed> feed_;
     std::unique_ptr<AudioOutput> output_;
     double heardFrames_ = 0;
-    double heardClock_ = 0; ///< when the count of heard frames last rose
+    double heardClock_ = 0;      ///< when the count of heard frames last rose
+    bool reopensDevice_ = false; ///< output_ stands in for a device that stalled: the next play tries one again
 
     std::shared_ptr<Alive> alive_;
     std::function<void()> postUpdate_; ///< any thread: brings an update() to the owner's

@@ -159,26 +159,42 @@ TEST(SoundAndPicture, FlashAndClickComeTogether) {
     }
 }
 
-TEST(SoundAndPicture, ADeadDeviceDoesNotStopThePicture) {
-    std::vector<double> clickTimes;
-    const VirtualClock* clock = nullptr;
-    PlayerStage stage({}, [&](AudioFormat, AudioPull pull) {
-        return std::make_unique<NotingDevice>(std::move(pull), *clock, 0.02, NotingDevice::Stall{1, 1e9}, clickTimes);
-    });
-    clock = &stage.clock;
-    stage.setItem(rampItem());
-    ASSERT_TRUE(stage.seekAndWait(0));
-    ASSERT_TRUE(stage.playAndWait(1));
-    for (int i = 0; i < 120; ++i)
-        stage.tick();
-    const double stalled = stage.player->currentTime().value;
-    EXPECT_NEAR(stalled, 1, 0.05);
-    for (int i = 0; i < 30; ++i)
-        stage.tick();
-    const double position = stage.player->currentTime().value;
-    stage.tick(2);
-    EXPECT_NEAR(stage.player->currentTime().value, position + 2, 1e-6);
-    EXPECT_GT(position, stalled);
+TEST(SoundAndPicture, ADeadDeviceDoesNotStopThePictureAndIsTriedAgain) {
+    for (const bool comesBack : {true, false}) {
+        std::vector<double> clickTimes;
+        int opened = 0;
+        const VirtualClock* clock = nullptr;
+        PlayerStage stage({}, [&](AudioFormat, AudioPull pull) {
+            std::optional<NotingDevice::Stall> stall = NotingDevice::Stall{opened == 0 ? 1.0 : 0, 1e9};
+            if (opened++ == 1 && comesBack) stall.reset();
+            return std::make_unique<NotingDevice>(std::move(pull), *clock, 0.02, stall, clickTimes);
+        });
+        clock = &stage.clock;
+        stage.setItem(rampItem());
+        ASSERT_TRUE(stage.seekAndWait(0));
+        ASSERT_TRUE(stage.playAndWait(1));
+        for (int i = 0; i < 120; ++i)
+            stage.tick();
+        const double stalled = stage.player->currentTime().value;
+        EXPECT_NEAR(stalled, 1, 0.05);
+        for (int i = 0; i < 30; ++i)
+            stage.tick();
+        const double position = stage.player->currentTime().value;
+        stage.tick(2);
+        EXPECT_NEAR(stage.player->currentTime().value, position + 2, 1e-6);
+        EXPECT_GT(position, stalled);
+        EXPECT_EQ(opened, 1);
+
+        const std::size_t clicks = clickTimes.size();
+        for (int play = 0; play < 2; ++play) {
+            stage.player->pause();
+            ASSERT_TRUE(stage.playAndWait(1));
+            for (int i = 0; i < 75; ++i)
+                stage.tick();
+        }
+        EXPECT_EQ(opened, 2) << "but not for ever";
+        EXPECT_EQ(clickTimes.size() > clicks, comesBack);
+    }
 }
 
 TEST(SoundAndPicture, PauseSeekAndEditKeepThemTogether) {
