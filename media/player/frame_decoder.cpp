@@ -2,6 +2,7 @@
 #include "media/player/frame_decoder.h"
 
 #include "media/decode_layout.h"
+#include "media/failure_sentence.h"
 #include "media/flowtide_error.h"
 #include "media/media_time.h"
 
@@ -211,7 +212,7 @@ bool FrameDecoder::decodeTowards(const DecodeGoal& goal, const Gap& gap, const P
         fail(gap.medium, error.what());
     } catch (const std::exception& error) {
         media_.erase(gap.medium);
-        fail(gap.medium, error.what());
+        fail(gap.medium, sentenceFor(error));
     }
     return false;
 }

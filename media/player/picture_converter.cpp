@@ -1,6 +1,8 @@
 // The thread, and nothing of the conversion.
 #include "media/player/picture_converter.h"
 
+#include "media/failure_sentence.h"
+
 #include <exception>
 #include <utility>
 
@@ -48,7 +50,7 @@ void PictureConverter::run() {
             result->pixels =
                 converter.convert(picture.frame, picture.color, picture.orientation, fittedSize(picture.size, job.box));
         } catch (const std::exception& error) {
-            result->failure = error.what();
+            result->failure = sentenceFor(error);
         }
         {
             const std::scoped_lock guard(lock_);

@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cmath>
+#include <new>
 #include <string>
 #include <thread>
 
@@ -334,6 +335,12 @@ TEST(PreviewPlayer, MediaThatFailAreReplacedOrReported) {
         EXPECT_TRUE(stage.seekAndWait(1.5)) << "tried again";
         EXPECT_EQ(stage.player->status(), PlayerStatus::ready);
         EXPECT_EQ(stage.player->failure(), "");
+    }
+    {
+        PlayerStage stage({.onFrame = [](const ImportedClip&, std::int64_t) { throw std::bad_alloc(); }});
+        stage.setItem(stageItem(4));
+        EXPECT_FALSE(stage.seekAndWait(1.5));
+        EXPECT_EQ(stage.player->failure(), "There is not enough memory.");
     }
     failing = "clip"; // what comes before the damage plays, its last frame to the end
     failsAt = 50;
