@@ -64,8 +64,7 @@ struct VideoSettings {
     PixelLayout layout;
     std::optional<ColorProperties> color;       ///< as tagged; absent: untagged
     std::optional<std::int64_t> averageBitRate; ///< bits per second; absent for codecs without one
-    int expectedFrameRate = 30;
-    double expectedDuration = 0; ///< output seconds
+    double expectedDuration = 0;                ///< output seconds
     DisplayMatrix displayMatrix = identityDisplayMatrix;
 };
 

@@ -43,7 +43,6 @@ VideoSettings videoSettings(const ImportedClip& clip, VideoCodec codec, OutputSi
     settings.height = static_cast<int>(size.height);
     settings.frameDuration = clip.frameDuration;
     settings.layout = decodePixelFormat(clip);
-    settings.expectedFrameRate = static_cast<int>(std::lround(clip.frameRate));
     settings.expectedDuration = outputDuration;
     settings.displayMatrix = clip.video.displayMatrix;
     if (clip.videoColorProperties())

@@ -10,7 +10,6 @@ namespace flowtide {
 DecodePlan planDecode(const MissingStretch& missing, std::optional<double> position,
                       const std::function<double(double)>& keyFrameAt) {
     DecodePlan plan;
-    plan.until = missing.time;
     plan.from = missing.direction > 0 ? missing.time
                                       : std::min(std::max(missing.time - missing.reach, missing.floor), missing.time);
     // Seeking pays past frames that have not been decoded yet; within a group of pictures it would only repeat work.

@@ -17,7 +17,6 @@ struct MissingStretch {
 struct DecodePlan {
     bool seeks = false; ///< go to the key frame at or before `from` first
     double from = 0;    ///< the first moment that is wanted; frames before it are passed through
-    double until = 0;   ///< the last one: decode until it is covered, or up to it when going backwards
 };
 
 /// The plan for a reader that stands at `position` (the end of the frame that it delivered last; nothing when it has

@@ -4,7 +4,6 @@
 #include "media/media_time.h"
 
 #include <cmath>
-#include <iterator>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -81,23 +80,6 @@ std::optional<SpannedFrame> FrameCache::find(MediumId medium, double time) const
     return it == entries_.end() ? std::nullopt : std::optional(it->second.frame);
 }
 
-std::optional<SpannedFrame> FrameCache::nearest(MediumId medium, double time) const {
-    const std::scoped_lock guard(lock_);
-    const Entry* best = nullptr;
-    double least = std::numeric_limits<double>::infinity();
-    const auto consider = [&](Entries::const_iterator it) {
-        if (it == entries_.end() || it->first.first != medium) return;
-        const double away = std::abs(it->second.frame.time - time);
-        if (away >= least) return;
-        least = away;
-        best = &it->second;
-    };
-    const auto after = entries_.upper_bound({medium, time});
-    consider(after);
-    if (after != entries_.begin()) consider(std::prev(after));
-    return best ? std::optional(best->frame) : std::nullopt;
-}
-
 double FrameCache::coveredUntil(MediumId medium, double time, int direction, double limit) const {
     const std::scoped_lock guard(lock_);
     auto it = covering(medium, time);
@@ -125,17 +107,6 @@ void FrameCache::clear() {
     const std::scoped_lock guard(lock_);
     dropped.swap(entries_);
     bytes_ = 0;
-}
-
-void FrameCache::drop(MediumId medium) {
-    std::vector<Entry> dropped;
-    const std::scoped_lock guard(lock_);
-    auto it = entries_.lower_bound({medium, -std::numeric_limits<double>::infinity()});
-    while (it != entries_.end() && it->first.first == medium) {
-        bytes_ -= it->second.bytes;
-        dropped.push_back(std::move(it->second));
-        it = entries_.erase(it);
-    }
 }
 
 std::size_t FrameCache::bytes() const {

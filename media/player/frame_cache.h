@@ -37,15 +37,11 @@ public:
     bool insert(MediumId medium, const SpannedFrame& frame, const Playhead& playhead);
     /// The frame shown at a time.
     std::optional<SpannedFrame> find(MediumId medium, double time) const;
-    /// The frame nearest to a time; nothing when there is none of this medium.
-    std::optional<SpannedFrame> nearest(MediumId medium, double time) const;
     /// How far the medium is covered without a gap from `time` on, in the direction of play, at most up to `limit`.
     /// `time` itself when it is not covered.
     double coveredUntil(MediumId medium, double time, int direction, double limit) const;
 
     void clear();
-    /// Forgets a medium.
-    void drop(MediumId medium);
     std::size_t bytes() const;
     std::size_t budget() const { return budget_; }
 

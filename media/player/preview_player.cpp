@@ -225,10 +225,7 @@ void PreviewPlayer::update() {
     const double now = platform_.clock->seconds();
     followSound(now);
     const bool ended = timeline_.ended(now);
-    if (ended && loops_)
-        jump({requestedRate_ > 0 ? 0 : timeline_.duration()}, now);
-    else if (ended)
-        stop(timeline_.position(now), now);
+    if (ended) stop(timeline_.position(now), now);
     if (begins_) beginWhenReady(now);
     refresh(now);
     if (!alive.expired() && route_) takeConverted();

@@ -58,8 +58,6 @@ public:
     /// Plays at a rate of -8 to 8; 0 pauses.
     void play(double rate);
     void pause() { play(0); }
-    /// From the end in the direction of play on from the other one. Off at first.
-    void setLooping(bool loops) { loops_ = loops; }
     /// Of this item and all that follow. Off at first.
     void setMuted(bool muted);
     double requestedRate() const { return requestedRate_; }
@@ -124,7 +122,6 @@ private:
     std::shared_ptr<const PlaybackRoute> route_;
     PlaybackTimeline timeline_;
     double requestedRate_ = 0;
-    bool loops_ = false;
     bool isMuted_ = false;
     bool begins_ = false;   ///< play waits for its first frames
     double beginClock_ = 0; ///< since when

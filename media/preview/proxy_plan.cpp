@@ -82,7 +82,6 @@ ProxyPlan planProxy(const ImportedClip& clip) {
     video.layout = {ChromaSubsampling::yuv420, 8, clip.videoIsFullRange()};
     video.color = clip.videoColorProperties();
     video.averageBitRate = videoBitRate;
-    video.expectedFrameRate = static_cast<int>(std::lround(clip.frameRate));
     video.expectedDuration = clip.duration;
     video.displayMatrix = scaledMatrix(clip);
 

@@ -47,10 +47,6 @@ TEST(FrameCache, FindsTheFrameShownAtATime) {
         EXPECT_FALSE(cache.find(6, c.time));
         EXPECT_FALSE(cache.find(8, c.time));
     }
-    EXPECT_EQ(numberOf(cache.nearest(7, 0.31)->frame), 4);
-    EXPECT_EQ(numberOf(cache.nearest(7, 0.29)->frame), 2);
-    EXPECT_FALSE(cache.nearest(6, 0.1));
-    EXPECT_FALSE(cache.nearest(8, 0.1));
 }
 
 TEST(FrameCache, TellsHowFarItReaches) {
@@ -116,12 +112,8 @@ TEST(FrameCache, NeverExceedsItsBudget) {
         const bool taken = cache.insert(medium, tenth(number), playhead);
         most = std::max(most, cache.bytes());
         EXPECT_EQ(taken, cache.find(medium, number / 10.0 + 0.05).has_value());
-        if (i % 500 == 0) cache.drop(1 + random() % 3);
     }
     EXPECT_EQ(most, 9 * frameBytes);
-    cache.drop(1);
-    EXPECT_TRUE(kept(cache, 1, 60).empty());
-    EXPECT_EQ(cache.bytes(), (kept(cache, 2, 60).size() + kept(cache, 3, 60).size()) * frameBytes);
     cache.clear();
     EXPECT_EQ(cache.bytes(), 0U);
     EXPECT_TRUE(kept(cache, 2, 60).empty());

@@ -160,22 +160,6 @@ TEST(PreviewPlayer, PlaysToTheEndsAndStops) {
     }
 }
 
-TEST(PreviewPlayer, LoopsFromEitherEnd) {
-    for (const double rate : {1.0, -2.0}) {
-        PlayerStage stage;
-        stage.setItem(stageItem(2));
-        stage.player->setLooping(true);
-        stage.player->onEnd = [] { ADD_FAILURE(); };
-        ASSERT_TRUE(stage.seekAndWait(1));
-        ASSERT_TRUE(stage.playAndWait(rate));
-        stage.tick(1.01 / std::abs(rate));
-        ASSERT_TRUE(stage.mailbox.runUntil([&] { return stage.player->rate() == rate; }));
-        stage.tick(0.5 / std::abs(rate));
-        ASSERT_TRUE(stage.waitForDueFrame());
-        EXPECT_NEAR(stage.player->currentTime().value, rate > 0 ? 0.5 : 1.5, 1e-9);
-    }
-}
-
 TEST(PreviewPlayer, WaitsForItsFirstFramesBeforeItMoves) {
     std::mutex gate;
     std::atomic<bool> blocks = false;
