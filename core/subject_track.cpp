@@ -32,6 +32,8 @@ std::vector<SubjectTrackingRange> SubjectTrackResult::trackedRanges(double frame
         last = &sample;
     }
     if (last) ranges.back().lostAfter = lostAfterSeed && *last == samples.back();
+    // A frame that is first shown where `within` ends is not shown in it.
+    std::erase_if(ranges, [](const SubjectTrackingRange& range) { return !(range.start < range.end); });
     return ranges;
 }
 

@@ -30,7 +30,7 @@ struct SubjectTrackResult {
     SpeedKeyframes keyframes(double cropFraction, double tolerance = calmTolerance, double radius = calmRadius) const;
 
     /// The stretches that were tracked, inside `within`. One ends where two samples lie more than 1.5 frame durations
-    /// (seconds) apart; the subject was lost there if it was looked for in between.
+    /// (seconds) apart; the subject was lost there if it was looked for in between. None is empty.
     std::vector<SubjectTrackingRange> trackedRanges(double frameDuration, SourceRange within) const;
 
     /// Between these the subject has room to move without the crop following, and the points are few: about one every

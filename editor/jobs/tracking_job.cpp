@@ -1,6 +1,8 @@
 // The course of a tracking.
 #include "editor/jobs/tracking_job.h"
 
+#include "core/clamp.h"
+
 #include <fmt/format.h>
 
 #include <utility>
@@ -39,7 +41,7 @@ void TrackingJob::beginSubjectSelection() {
     trackingMessage_.set("Loading the source frame…");
     jobs_.start(
         BackgroundQueue::frames,
-        [media = media_, clip = session_.clip(), time = SourceSeconds{session_.playheadSeconds()}] {
+        [media = media_, clip = session_.clip(), time = chosenTime()] {
             return media->sourceFrame(clip, time, largestSelectionFrame);
         },
         [this, id = ++trackingID_](Outcome<SourceFrame>& outcome) {
@@ -60,7 +62,7 @@ void TrackingJob::receiveFrame(Outcome<SourceFrame>& outcome) {
 
 void TrackingJob::startTracking(const SubjectBox& box) {
     if (!session_.clip() || isTracking()) return;
-    SubjectView chosen{session_.playheadSeconds(), box, {}};
+    SubjectView chosen{chosenTime().value, box, {}};
     if (subjectSelectionBuffer()) chosen.picture = *subjectSelectionBuffer();
     chosenSubject_.set(std::make_shared<const SubjectView>(std::move(chosen)));
     trackingPreview_.set(chosenSubject());
@@ -77,8 +79,8 @@ void TrackingJob::startTracking(const SubjectBox& box) {
     });
     jobs_.start(
         BackgroundQueue::jobs,
-        [media = media_, clip = session_.clip(), seed = SourceSeconds{session_.playheadSeconds()}, box,
-         range = session_.curve.trimRange(), onProgress, isCancelled = cancelFlag_.renewed()] {
+        [media = media_, clip = session_.clip(), seed = chosenTime(), box, range = session_.curve.trimRange(),
+         onProgress, isCancelled = cancelFlag_.renewed()] {
             return media->track(*clip, seed, box, range, onProgress, isCancelled);
         },
         [this, id, before = basis()](Outcome<SubjectTrackResult>& outcome) {
@@ -117,6 +119,11 @@ void TrackingJob::cancelTracking() {
     stopFollowing();
     trackingMessage_.set({});
     session_.preview().scheduleSmartPreview();
+}
+
+SourceSeconds TrackingJob::chosenTime() const {
+    const SourceRange trim = session_.curve.trimRange();
+    return {clamped(session_.playheadSeconds(), trim.lower, trim.upper)};
 }
 
 TrackingJob::Basis TrackingJob::basis() const {

@@ -51,6 +51,8 @@ private:
         friend bool operator==(const Basis&, const Basis&) = default;
     };
     Basis basis() const;
+    /// The playhead within the kept part, which its fraction of the clip can miss by a rounding.
+    SourceSeconds chosenTime() const;
     void receiveFrame(Outcome<SourceFrame>& outcome);
     void receiveProgress(const TrackingProgress& progress);
     void stopFollowing();

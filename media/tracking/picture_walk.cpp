@@ -104,8 +104,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<PictureWalk> walkForwards(const PictureSource& source, SourceRange range) {
-    return std::make_unique<ForwardWalk>(source, range, range.lower, cannotDecode);
+std::unique_ptr<PictureWalk> walkForwards(const PictureSource& source, SourceRange range,
+                                          std::optional<double> earliest) {
+    return std::make_unique<ForwardWalk>(source, range, earliest.value_or(range.lower), cannotDecode);
 }
 
 std::unique_ptr<PictureWalk> walkBackwards(const PictureSource& source, SourceRange range) {

@@ -36,9 +36,11 @@ struct PictureSource {
 constexpr const char* cannotDecode = "Could not decode tracking frames.";
 constexpr const char* stoppedDecoding = "Tracking stopped because the video could not be decoded.";
 
-/// The frames shown in a range, the first one's time being the range's start at the earliest. Frames that cannot be
-/// decoded make it fail with `cannotDecode` before the first picture, and with `stoppedDecoding` after it.
-std::unique_ptr<PictureWalk> walkForwards(const PictureSource& source, SourceRange range);
+/// The frames shown in a range, the first one's time being `earliest` at the earliest; absent: the range's start.
+/// Frames that cannot be decoded make it fail with `cannotDecode` before the first picture, and with `stoppedDecoding`
+/// after it.
+std::unique_ptr<PictureWalk> walkForwards(const PictureSource& source, SourceRange range,
+                                          std::optional<double> earliest = {});
 
 /// The same frames backwards, without those that begin at the range's end. Decodes stretches of the range forwards and
 /// keeps one stretch's pictures, some 60 MB. Fails with `stoppedDecoding`.

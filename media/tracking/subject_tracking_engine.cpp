@@ -81,7 +81,8 @@ SubjectTrackResult SubjectTrackingEngine::track(const ImportedClip& clip, Source
         throw FlowtideError::trackingFailed("Choose a subject inside the video and a valid tracking range.");
 
     const PictureSource source{backend_, clip, callbacks.isCancelled};
-    const auto forwardWalk = walkForwards(source, {seedTime.value, within.upper});
+    // The seed's frame has its own time, or the walk back would find it a second time.
+    const auto forwardWalk = walkForwards(source, {seedTime.value, within.upper}, within.lower);
     const auto seed = forwardWalk->next();
     if (!seed) throw FlowtideError::trackingFailed(cannotDecode);
     const auto tracker = makeCorrelationTracker(seed->picture, seedBox, instructions_);

@@ -50,6 +50,7 @@ TEST(SubjectTrackTest, RangesStayInsideWhatIsAskedForAndOnlyTheTracksEndsAreLost
     EXPECT_EQ(withoutIds(result.trackedRanges(0.1, {1, 1.3})), (Ranges{range(1, 1.3, true, true, 1.3)}));
     EXPECT_EQ(withoutIds(result.trackedRanges(0.1, {1.05, 1.25})), (Ranges{range(1.1, 1.25, false, false, 1.2)}));
     EXPECT_TRUE(result.trackedRanges(0.1, {2, 3}).empty());
+    EXPECT_EQ(withoutIds(tracked({1, 1.1, 1.3}).trackedRanges(0.1, {1.1, 1.3})).size(), 1U) << "nothing of the last";
     EXPECT_TRUE(SubjectTrackResult{}.trackedRanges(0.1, {0, 10}).empty());
 }
 

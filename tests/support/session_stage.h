@@ -87,9 +87,10 @@ public:
         if (failure) throw FlowtideError::readerFailed(*failure);
         return {{}, time, {}, isInBetween};
     }
-    SubjectTrackResult track(const ImportedClip&, SourceSeconds, const SubjectBox&, SourceRange,
+    SubjectTrackResult track(const ImportedClip&, SourceSeconds time, const SubjectBox&, SourceRange,
                              const std::function<void(TrackingProgress)>& onProgress,
                              const CancelCheck& isCancelled) override {
+        trackedFrom = time.value;
         onProgress({0.4, true, {}, {}});
         if (whileTracking) whileTracking(onProgress);
         throwIfCancelled(isCancelled);
@@ -108,6 +109,7 @@ public:
     bool isInBetween = true;
     std::optional<std::string> failure; ///< of every operation
     SubjectTrackResult tracked;
+    double trackedFrom = 0; ///< source seconds
     std::optional<ExportRequest> exported;
     std::vector<ExportRequest> rendered; ///< previews
     std::set<std::filesystem::path> previewFiles;

@@ -213,6 +213,19 @@ TEST_F(JobsTest, TrackingTellsHowFarItIs) {
     EXPECT_FALSE(model->tracking().trackingStoppedAt());
 }
 
+TEST_F(JobsTest, TrackingFromTheTrimsEndStartsWithinIt) {
+    open();
+    const double end = 11 / 30.0;
+    model->applyTrimRange(0, end);
+    model->scrub(end / 10);
+    ASSERT_GT(model->playheadSeconds(), end); // by a rounding
+    model->beginSubjectSelection();
+    model->startTracking({0.1, 0.1, 0.2, 0.2});
+    scheduler.settle();
+    EXPECT_EQ(media->framesAskedFor.back(), end);
+    EXPECT_EQ(media->trackedFrom, end);
+}
+
 TEST_F(JobsTest, TrackingEndsWithTheSentenceOfWhatItCameTo) {
     open();
     const struct {

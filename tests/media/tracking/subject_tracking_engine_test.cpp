@@ -66,6 +66,8 @@ TEST(SubjectTrackingEngineTest, EveryFrameOfTheRangeGetsItsSample) {
                                                   {"from the start", {.seed = 0}, 0, 75},
                                                   {"from the last frame", {.seed = 74 * interval}, 0, 75},
                                                   {"from the range's end", {.seed = 2, .range = {1, 2}}, 25, 26},
+                                                  {"from within a frame", {.seed = 1.23}, 0, 75},
+                                                  {"from the clip's end", {.seed = 3}, 0, 75},
                                                   {"a part", {.seed = 1.2, .range = {0.4, 2}}, 10, 40},
                                                   {"a range beyond the clip", {.range = {-1, 100}}, 0, 75},
                                                   {"10 bits", {.bitDepth = 10}, 0, 75},
