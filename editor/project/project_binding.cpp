@@ -23,6 +23,7 @@ ProjectBinding::ProjectBinding(EditSession& session, SessionJobs& jobs, ChangeNo
 void ProjectBinding::bind(const Uuid& id, ClipReference source, std::optional<ReferenceDate> stored) {
     projectSaveTask_.cancel();
     isSavePending_ = false;
+    hasFailedToSave_ = false;
     isFirstSave_ = !stored;
     projectID_ = id;
     source_ = std::move(source);
@@ -33,6 +34,7 @@ void ProjectBinding::bind(const Uuid& id, ClipReference source, std::optional<Re
 void ProjectBinding::unbind() {
     projectSaveTask_.cancel();
     isSavePending_ = false;
+    hasFailedToSave_ = false;
     stored_.reset();
     projectSaveMessage_.set({});
 }
@@ -89,6 +91,7 @@ void ProjectBinding::finishSave(Outcome<Saved>& outcome, const std::shared_ptr<S
         Saved& saved = outcome.get();
         recentProjects_.set(std::move(saved.recent));
         if (!isOpen) return;
+        hasFailedToSave_ = false;
         projectID_ = saved.id;
         if (isSavePending_) return; // "Saving…" stands for what was edited meanwhile
         projectSaveMessage_.set(saved.isCopy ? "Saved as a copy: this project was changed elsewhere." : "Saved");
@@ -96,7 +99,9 @@ void ProjectBinding::finishSave(Outcome<Saved>& outcome, const std::shared_ptr<S
         if (isOpen && !isSavePending_) projectSaveMessage_.set("Could not save: " + sentenceFor(error));
         // Nothing else would tell of a project that is closed, or has never been stored.
         if (isFirst || !isOpen) alert_.show("Could not save your project", sentenceFor(error));
-        if (isOpen) isFirstSave_ = isFirstSave_ || isFirst;
+        if (!isOpen) return;
+        hasFailedToSave_ = true;
+        isFirstSave_ = isFirstSave_ || isFirst;
     }
 }
 

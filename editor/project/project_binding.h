@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace flowtide {
 
@@ -38,9 +39,9 @@ public:
     void scheduleProjectSave();
     /// Begins to save at once; the first save of a project shows an alert when it fails.
     void saveProjectNow();
-    /// Begins to save what waits to be saved.
+    /// Begins to save what waits to be saved, or could not be.
     void saveProjectIfPending() {
-        if (isSavePending_) saveProjectNow();
+        if (isSavePending_ || hasFailedToSave_) saveProjectNow();
     }
     /// Writes the project to a file that the user chose.
     void saveProjectCopy(const std::filesystem::path& file);
@@ -73,6 +74,7 @@ private:
     std::shared_ptr<Stored> stored_; ///< null while no clip is open; its content belongs to the queue of projects
     bool isFirstSave_ = false;
     bool isSavePending_ = false;
+    bool hasFailedToSave_ = false; ///< the last time: what it would have stored is in memory alone
     Timer projectSaveTask_;
 };
 

@@ -131,6 +131,25 @@ TEST_F(ProjectBindingTest, WhatCannotBeStoredIsSaidAndStoredLater) {
     EXPECT_EQ(message(), "Saved");
     EXPECT_EQ(storedProject().edits.smoothing, 0.8);
 
+    // Before it goes there is another attempt, without another edit.
+    double smoothing = 0.6;
+    for (const auto& leave :
+         {std::function<void()>([&] { makeModel(); }), std::function<void()>([&] { open("other.mov"); })}) {
+        open();
+        fs::remove_all(folder / "state");
+        writeFile(folder / "state", "in the way");
+        model->setCurveSmoothing(smoothing);
+        rest();
+        EXPECT_EQ(message().find("Could not save: "), 0U) << message();
+        fs::remove(folder / "state");
+        const fs::path left = ProjectStore(folder / "state").projectFile(model->binding().projectID());
+        leave();
+        scheduler.settle();
+        ASSERT_TRUE(fs::exists(left));
+        EXPECT_EQ(ProjectStore::load(left).edits.smoothing, smoothing);
+        smoothing -= 0.1;
+    }
+
     fs::remove_all(folder / "state");
     writeFile(folder / "state", "in the way");
     model->setCurveSmoothing(0.7);
