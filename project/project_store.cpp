@@ -82,17 +82,23 @@ bool ProjectStore::saveIf(const FlowtideProject& project, const std::function<bo
     return isSaved;
 }
 
-/// When the folder's file of a project was saved; nothing when there is none that can be read.
-std::optional<ReferenceDate> ProjectStore::storedDate(const Uuid& id, const RecentProjects& list) const {
-    std::error_code ignored;
-    if (!fs::exists(projectFile(id), ignored)) return std::nullopt;
-    for (const RecentProject& entry : list)
-        if (entry.id == id) return entry.savedAt; // written with the file
+std::optional<ReferenceDate> ProjectStore::savedDate(const Uuid& id) const {
     try {
         return load(projectFile(id)).savedAt;
     } catch (const ProjectError&) {
         return std::nullopt;
     }
+}
+
+/// The same; of a file that cannot be read, the list's. The list alone is not to be relied upon: it is written after
+/// the file, and may have stayed behind it.
+std::optional<ReferenceDate> ProjectStore::storedDate(const Uuid& id, const RecentProjects& list) const {
+    std::error_code ignored;
+    if (!fs::exists(projectFile(id), ignored)) return std::nullopt;
+    if (const auto date = savedDate(id)) return date;
+    for (const RecentProject& entry : list)
+        if (entry.id == id) return entry.savedAt;
+    return std::nullopt;
 }
 
 RecentProjects ProjectStore::recent() const {

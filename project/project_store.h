@@ -35,6 +35,9 @@ public:
     /// stored again.
     [[nodiscard]] bool saveUnlessChanged(const FlowtideProject& project, std::optional<ReferenceDate> expected);
 
+    /// When the folder's file of a project was saved; nothing when there is none that can be read.
+    std::optional<ReferenceDate> savedDate(const Uuid& id) const;
+
     /// The recent projects; empty when there is no readable list. A project whose listed file is gone is listed with
     /// the folder's own file, when there is one.
     RecentProjects recent() const;

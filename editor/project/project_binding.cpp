@@ -74,10 +74,16 @@ void ProjectBinding::saveProjectNow() {
 ProjectBinding::Saved ProjectBinding::save(ProjectStore& store, FlowtideProject project, Stored& stored) {
     Saved saved;
     project.id = stored.id; // that of the copy, once there is one
-    if (!store.saveUnlessChanged(project, stored.savedAt)) {
-        project.id = Uuid::random();
-        store.save(project);
-        saved.isCopy = true;
+    try {
+        if (!store.saveUnlessChanged(project, stored.savedAt)) {
+            project.id = Uuid::random();
+            store.save(project);
+            saved.isCopy = true;
+        }
+    } catch (...) {
+        // When only the list has failed the file is there, and must not be taken for somebody else's.
+        if (store.savedDate(project.id) == project.savedAt) stored = {project.id, project.savedAt};
+        throw;
     }
     stored = {project.id, project.savedAt};
     saved.id = project.id;

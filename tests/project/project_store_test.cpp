@@ -217,6 +217,20 @@ TEST_F(ProjectStoreTest, ClipsAreFoundAndRelinkedByContent) {
     EXPECT_EQ(ProjectStore::load(store.projectFile(project.id)), relinked);
 }
 
+TEST_F(ProjectStoreTest, TheFileSaysWhetherSomebodyElseHasSaved) {
+    FlowtideProject project = random.project();
+    project.savedAt.seconds = 1;
+    store.save(project);
+    project.savedAt.seconds = 2;
+    writeFile(store.projectFile(project.id), encodeProject(project)); // and the process ended before the list
+    project.savedAt.seconds = 3;
+    EXPECT_FALSE(store.saveUnlessChanged(project, ReferenceDate{1}));
+    EXPECT_TRUE(store.saveUnlessChanged(project, ReferenceDate{2}));
+    writeFile(store.projectFile(project.id), "torn"); // then the list is all there is
+    EXPECT_FALSE(store.saveUnlessChanged(project, ReferenceDate{2}));
+    EXPECT_TRUE(store.saveUnlessChanged(project, ReferenceDate{3}));
+}
+
 TEST_F(ProjectStoreTest, FormerSidecarsGo) {
     FlowtideProject project = random.project();
     project.source.url = Url::ofFile(folder / "clip.mov");
