@@ -1,4 +1,4 @@
-// Saves, lists, finds and relinks projects, under the lock of their folder.
+// Saves and lists projects under the lock of their folder, finds and relinks them.
 #include "project/project_store.h"
 
 #include "project/clip_fingerprint.h"
@@ -203,8 +203,6 @@ FlowtideProject ProjectStore::relink(FlowtideProject project, const fs::path& cl
     project.source.url = Url::ofFile(clip);
     // It leads to the old place.
     project.source.bookmark.reset();
-    project.savedAt = ReferenceDate::now();
-    save(project);
     return project;
 }
 

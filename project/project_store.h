@@ -53,8 +53,9 @@ public:
 
     /// The project's clip where it was last seen; nothing when it is not there or has another fingerprint.
     static std::optional<std::filesystem::path> resolve(const FlowtideProject& project);
-    /// Points the project to its clip's new place and saves it. Throws ProjectError when the file is not that clip.
-    FlowtideProject relink(FlowtideProject project, const std::filesystem::path& clip);
+    /// The project pointed to its clip's new place, with the date of before: to be saved like any other edit, unless
+    /// the stored project is newer. Throws ProjectError when the file is not that clip.
+    static FlowtideProject relink(FlowtideProject project, const std::filesystem::path& clip);
 
 private:
     bool saveIf(const FlowtideProject& project, const std::function<bool(const RecentProjects&)>& isWanted);

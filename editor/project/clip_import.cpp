@@ -53,7 +53,20 @@ void ClipImport::start(BackgroundQueue queue, std::uint64_t generation, Work wor
     });
 }
 
-void ClipImport::importClip(const std::filesystem::path& clip, std::optional<FlowtideProject> restoring) {
+/// In the queue of projects.
+ClipImport::Restoring ClipImport::restoringFrom(FlowtideProject project, const StoredProject& open) {
+    const bool isOpen = open && open->is(project);
+    return {std::move(project), isOpen ? open : nullptr};
+}
+
+/// In the queue of projects.
+ClipImport::FoundProject ClipImport::find(const std::filesystem::path& file, const StoredProject& open) {
+    FoundProject found{restoringFrom(ProjectStore::load(file), open), {}};
+    found.clip = ProjectStore::resolve(found.restoring.project);
+    return found;
+}
+
+void ClipImport::importClip(const std::filesystem::path& clip, std::optional<Restoring> restoring) {
     const std::uint64_t generation = begin(clip.filename().string());
     start(
         BackgroundQueue::clips, generation,
@@ -73,23 +86,33 @@ void ClipImport::importClip(const std::filesystem::path& clip, std::optional<Flo
 void ClipImport::findProject(std::uint64_t generation, const Opened& opened) {
     start(
         BackgroundQueue::projects, generation,
-        [store = binding_.store(), fingerprint = opened.fingerprint] { return store->loadFor(fingerprint); },
-        [this, opened](std::optional<FlowtideProject> project) {
+        [store = binding_.store(), fingerprint = opened.fingerprint,
+         open = StoredProject(binding_.stored())]() -> std::optional<Restoring> {
+            auto project = store->loadFor(fingerprint);
+            if (!project) return std::nullopt;
+            return restoringFrom(std::move(*project), open);
+        },
+        [this, opened](std::optional<Restoring> restoring) {
             // Nobody has asked for it by name: one that does not fit any more is left alone.
-            if (project && !fits(project->edits, *opened.clip)) project.reset();
-            install(opened, project);
+            if (restoring && !fits(restoring->project.edits, *opened.clip)) restoring.reset();
+            install(opened, restoring);
         });
 }
 
-void ClipImport::install(const Opened& opened, const std::optional<FlowtideProject>& project) {
+void ClipImport::install(const Opened& opened, const std::optional<Restoring>& restoring) {
     const ImportedClip& clip = *opened.clip;
+    const FlowtideProject* project = restoring ? &restoring->project : nullptr;
+    // What has been edited since it was stored is a part of the project that is open.
+    const bool isOpen = restoring && restoring->open && restoring->open == binding_.stored();
     if (project) {
         if (project->source.fingerprint != opened.fingerprint)
             throw ProjectError::invalid("This video does not match the project's original clip. Choose the original "
                                         "file to relink it.");
-        validate(project->edits, clip.duration);
+        validate(isOpen ? session_.projectEdits() : project->edits, clip.duration);
     }
     session_.preview().pausePlayback();
+    std::optional<ProjectEdits> edits;
+    if (project) edits = isOpen ? session_.projectEdits() : project->edits;
     binding_.saveProjectIfPending(); // the one that is open
     session_.open(opened.clip);
     onClipChanged_();
@@ -98,10 +121,13 @@ void ClipImport::install(const Opened& opened, const std::optional<FlowtideProje
     source.url = Url::ofFile(std::filesystem::absolute(clip.url));
     source.fingerprint = opened.fingerprint;
     source.duration = clip.duration;
-    std::optional<ReferenceDate> stored;
-    if (project) stored = project->savedAt;
-    binding_.bind(project ? project->id : Uuid::random(), std::move(source), stored);
-    if (project) session_.applyProjectEdits(project->edits);
+    if (isOpen)
+        binding_.rebind(std::move(source));
+    else if (project)
+        binding_.bind(project->id, std::move(source), project->savedAt);
+    else
+        binding_.bind(Uuid::random(), std::move(source), {});
+    if (edits) session_.applyProjectEdits(*edits);
     session_.preview().resetPreview();
     pendingRelinkProject_.set({});
     isOpening_.set({});
@@ -110,34 +136,30 @@ void ClipImport::install(const Opened& opened, const std::optional<FlowtideProje
 
 void ClipImport::openFound(const FoundProject& found) {
     if (found.clip) {
-        importClip(*found.clip, found.project);
+        importClip(*found.clip, found.restoring);
         return;
     }
+    session_.preview().pausePlayback(); // the view that asks for the clip covers it
     isOpening_.set({});
-    pendingRelinkProject_.set(found.project);
+    pendingIsOpen_ = found.restoring.open;
+    pendingRelinkProject_.set(found.restoring.project);
 }
 
 void ClipImport::openProject(const std::filesystem::path& file) {
     start(
         BackgroundQueue::projects, begin(file.filename().string()),
-        [file] {
-            FoundProject found{ProjectStore::load(file), {}};
-            found.clip = ProjectStore::resolve(found.project);
-            return found;
-        },
+        [file, open = StoredProject(binding_.stored())] { return find(file, open); },
         [this](const FoundProject& found) { openFound(found); });
 }
 
 void ClipImport::restoreLastProject() {
     start(
         BackgroundQueue::projects, begin(std::string()),
-        [store = binding_.store()]() -> std::optional<FoundProject> {
+        [store = binding_.store(), open = StoredProject(binding_.stored())]() -> std::optional<FoundProject> {
             const RecentProjects recent = store->recent();
             if (recent.empty()) return std::nullopt;
             try {
-                FoundProject found{ProjectStore::load(*recent.front().projectURL.filePath()), {}};
-                found.clip = ProjectStore::resolve(found.project);
-                return found;
+                return find(*recent.front().projectURL.filePath(), open);
             } catch (const ProjectError&) {
                 return std::nullopt; // nobody has asked for it: the start screen lists it
             }
@@ -151,8 +173,16 @@ void ClipImport::relinkProject(const std::filesystem::path& clip) {
     if (!pendingRelinkProject()) return;
     start(
         BackgroundQueue::projects, begin(clip.filename().string()),
-        [store = binding_.store(), project = *pendingRelinkProject(), clip] { return store->relink(project, clip); },
-        [this, clip](const FlowtideProject& project) { importClip(clip, project); });
+        [project = *pendingRelinkProject(), clip] { return ProjectStore::relink(project, clip); },
+        [this, clip, open = pendingIsOpen_](const FlowtideProject& project) {
+            importClip(clip, Restoring{project, open}); // saved as it is installed
+        });
+}
+
+void ClipImport::forgetPendingRelink() {
+    if (!pendingRelinkProject()) return;
+    begin(std::string());
+    pendingRelinkProject_.set({});
 }
 
 void ClipImport::reset() {

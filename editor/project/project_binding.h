@@ -20,6 +20,13 @@ class ProjectBinding {
 public:
     static constexpr double saveDelay = 0.35; ///< seconds from the first edit that is not saved yet
 
+    /// What is stored of a project, as the queue of projects knows it.
+    struct Stored {
+        Uuid id;
+        std::optional<ReferenceDate> savedAt;
+        bool is(const FlowtideProject& project) const { return project.id == id && project.savedAt == savedAt; }
+    };
+
     /// `store` is used in the queue of projects alone.
     ProjectBinding(EditSession& session, SessionJobs& jobs, ChangeNotifier& notifier, ErrorAlert& alert,
                    std::shared_ptr<ProjectStore> store);
@@ -29,9 +36,14 @@ public:
     /// The open project's.
     const Uuid& projectID() const { return projectID_; }
     const std::shared_ptr<ProjectStore>& store() const { return store_; }
+    /// Of the open project, the same object for as long as it is open; null while none is. Its content belongs to the
+    /// queue of projects.
+    const std::shared_ptr<Stored>& stored() const { return stored_; }
 
     /// The open clip is `source` from now on. `stored`: when the project was last saved, for one that was loaded.
     void bind(const Uuid& id, ClipReference source, std::optional<ReferenceDate> stored);
+    /// The open project goes on, with a clip that was opened anew.
+    void rebind(ClipReference source) { source_ = std::move(source); }
     /// No clip is open.
     void unbind();
 
@@ -50,11 +62,6 @@ public:
     void removeFromRecent(const Uuid& id);
 
 private:
-    /// What is stored, as the queue of projects knows it.
-    struct Stored {
-        Uuid id;
-        std::optional<ReferenceDate> savedAt;
-    };
     struct Saved {
         Uuid id;
         bool isCopy = false; ///< another window or program has changed the project
@@ -71,7 +78,7 @@ private:
     Observed<std::string> projectSaveMessage_;
     Uuid projectID_;
     ClipReference source_;
-    std::shared_ptr<Stored> stored_; ///< null while no clip is open; its content belongs to the queue of projects
+    std::shared_ptr<Stored> stored_;
     bool isFirstSave_ = false;
     bool isSavePending_ = false;
     bool hasFailedToSave_ = false; ///< the last time: what it would have stored is in memory alone

@@ -235,6 +235,86 @@ TEST_F(ProjectBindingTest, AMovedClipIsAskedForAndAnotherRefused) {
     EXPECT_EQ(storedProject().source.url.filePath(), folder / "moved.mov");
 }
 
+TEST_F(ProjectBindingTest, RelinkingAnOlderStateLeavesTheNewerOne) {
+    open();
+    model->setCurveSmoothing(0.3);
+    model->saveProjectCopy(folder / "copy.flowtide");
+    model->setCurveSmoothing(0.6);
+    rest();
+    const Uuid id = model->binding().projectID();
+    fs::rename(folder / "clip.mov", folder / "moved.mov");
+    makeModel();
+    open("other.mov");
+    model->startPlayback(1);
+    model->openProject(folder / "copy.flowtide");
+    scheduler.settle();
+    ASSERT_TRUE(model->clips().pendingRelinkProject());
+    EXPECT_FALSE(model->transport().isPlaying()); // under the question for the clip
+    model->relinkProject(folder / "moved.mov");
+    model->forgetPendingRelink(); // while it is being looked at
+    scheduler.settle();
+    EXPECT_EQ(model->clip()->url.filename(), "other.mov");
+    EXPECT_EQ(model->clips().isOpening(), "");
+
+    model->openProject(folder / "copy.flowtide");
+    scheduler.settle();
+    model->relinkProject(folder / "moved.mov");
+    scheduler.settle();
+    EXPECT_EQ(model->clip()->url.filename(), "moved.mov");
+    EXPECT_EQ(model->curve().smoothing(), 0.3);
+    EXPECT_EQ(message(), "Saved as a copy: this project was changed elsewhere.");
+    EXPECT_EQ(ProjectStore::load(ProjectStore(folder / "state").projectFile(id)).edits.smoothing, 0.6);
+}
+
+TEST_F(ProjectBindingTest, WhatIsOpenGoesOnWhenItIsOpenedAgain) {
+    open();
+    rest();
+    const Uuid id = model->binding().projectID();
+    const fs::path file = ProjectStore(folder / "state").projectFile(id);
+    const auto reopen = [&](bool byItsProject) {
+        if (byItsProject)
+            model->openProject(file);
+        else
+            model->importClip(folder / "clip.mov");
+    };
+    double smoothing = 0.6;
+    for (const bool byItsProject : {false, true}) {
+        model->startPlayback(1);
+        scheduler.advance(0.2);
+        reopen(byItsProject);
+        // What was stored is read; then there is an edit.
+        for (const BackgroundQueue queue :
+             {BackgroundQueue::projects, BackgroundQueue::clips, BackgroundQueue::projects}) {
+            if (scheduler.runJob(queue) && model->clips().isOpening().empty()) break;
+            scheduler.turn();
+        }
+        model->setCurveSmoothing(smoothing);
+        scheduler.settle();
+        rest();
+        EXPECT_EQ(model->curve().smoothing(), smoothing) << byItsProject;
+        EXPECT_EQ(model->binding().projectID(), id);
+        EXPECT_EQ(message(), "Saved");
+        EXPECT_EQ(storedProject().edits.smoothing, smoothing);
+        EXPECT_EQ(ProjectStore(folder / "state").recent().size(), 1U);
+        smoothing += 0.1;
+    }
+}
+
+TEST_F(ProjectBindingTest, AFirstSaveWhoseListFailsIsNoOneElses) {
+    fs::create_directories(folder / "state/recent-projects.json"); // in the way
+    model->importClip(clipFile("clip.mov"));
+    scheduler.settle();
+    const Uuid id = model->binding().projectID();
+    EXPECT_TRUE(model->alert().showError());
+    EXPECT_EQ(storedProject().edits.smoothing, 0.5);
+    fs::remove(folder / "state/recent-projects.json");
+    model->setCurveSmoothing(0.3);
+    rest();
+    EXPECT_EQ(message(), "Saved");
+    EXPECT_EQ(model->binding().projectID(), id);
+    EXPECT_EQ(storedProject().edits.smoothing, 0.3);
+}
+
 TEST_F(ProjectBindingTest, WhatCannotBeOpenedLeavesTheOpenClip) {
     open();
     model->setCurveSmoothing(0.3);
