@@ -15,16 +15,6 @@ namespace flowtide {
 
 namespace {
 
-/// Progress as an engine tells it, from the thread that runs it; a cancellation is handed on at the same time.
-template <typename Engine>
-std::function<void(double)> listening(Engine& engine, const std::function<void(double)>& onProgress,
-                                      const CancelCheck& isCancelled) {
-    return [&](double fraction) {
-        if (isCancelled()) engine.cancel();
-        onProgress(fraction);
-    };
-}
-
 double steadySeconds() {
     return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
@@ -50,16 +40,14 @@ ExportValidationReport EngineSessionMedia::exportClip(const ExportRequest& reque
                                                       const std::function<void(double)>& onProgress,
                                                       const CancelCheck& isCancelled) {
     throwIfCancelled(isCancelled);
-    ExportEngine engine(backend_, log_);
-    return engine.run(request, listening(engine, onProgress, isCancelled));
+    return ExportEngine(backend_, log_, isCancelled).run(request, onProgress);
 }
 
 std::filesystem::path EngineSessionMedia::makeProxy(const ImportedClip& clip,
                                                     const std::function<void(double)>& onProgress,
                                                     const CancelCheck& isCancelled) {
     throwIfCancelled(isCancelled);
-    ProxyEngine engine(backend_, items_, log_);
-    return engine.makeProxy(clip, listening(engine, onProgress, isCancelled));
+    return ProxyEngine(backend_, items_, log_, isCancelled).makeProxy(clip, onProgress);
 }
 
 std::filesystem::path EngineSessionMedia::previewFile(const Uuid& id) {
@@ -73,8 +61,8 @@ std::filesystem::path EngineSessionMedia::renderPreview(const Uuid& id, ExportRe
                                                         const CancelCheck& isCancelled) {
     throwIfCancelled(isCancelled);
     request.outputURL = previewFile(id);
-    ExportEngine engine(backend_, [](std::string_view) {}); // nobody has asked for these
-    engine.run(request, listening(engine, onProgress, isCancelled));
+    const LogSink silent = [](std::string_view) {}; // nobody has asked for these
+    ExportEngine(backend_, silent, isCancelled).run(request, onProgress);
     return request.outputURL;
 }
 

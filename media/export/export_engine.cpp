@@ -65,9 +65,10 @@ void logLines(const std::string& text, const LogSink& log) {
 
 } // namespace
 
-ExportEngine::ExportEngine(const MediaBackend& backend, LogSink log)
+ExportEngine::ExportEngine(const MediaBackend& backend, LogSink log, CancelCheck isCancelled)
     : backend_(backend)
-    , log_(std::move(log)) {}
+    , log_(std::move(log))
+    , cancelCheck_(std::move(isCancelled)) {}
 
 void ExportEngine::cancel() {
     const std::scoped_lock guard(cancelLock_);
@@ -75,6 +76,7 @@ void ExportEngine::cancel() {
 }
 
 bool ExportEngine::isCancelled() const {
+    if (cancelCheck_ && cancelCheck_()) return true;
     const std::scoped_lock guard(cancelLock_);
     return isCancelled_;
 }

@@ -217,10 +217,11 @@ private:
 
 } // namespace
 
-ProxyEngine::ProxyEngine(const MediaBackend& backend, TemporaryItems& items, LogSink warn)
+ProxyEngine::ProxyEngine(const MediaBackend& backend, TemporaryItems& items, LogSink warn, CancelCheck isCancelled)
     : backend_(backend)
     , items_(items)
-    , warn_(std::move(warn)) {}
+    , warn_(std::move(warn))
+    , cancelCheck_(std::move(isCancelled)) {}
 
 void ProxyEngine::tellOfDamage(int frames, int stretches) const {
     if (!warn_) return;
@@ -239,7 +240,7 @@ std::filesystem::path ProxyEngine::makeProxy(const ImportedClip& clip, const Pro
     const ProxyPlan plan = planProxy(clip);
     const auto file = orFail("Proxy writer failed",
                              [&] { return std::make_unique<TemporaryFile>(items_, TemporaryItems::Kind::proxy); });
-    ProxyRender render(backend_, plan, *file, [this] { return isCancelled_.load(); });
+    ProxyRender render(backend_, plan, *file, [this] { return isCancelled_ || (cancelCheck_ && cancelCheck_()); });
     render.run(onProgress);
     if (file->size() == 0) throw FlowtideError::proxyFailed("Proxy render produced a zero-byte file");
     tellOfDamage(render.concealedFrames(), render.damagedStretches());

@@ -1,6 +1,7 @@
 // Makes small copies of clips that any frame can be shown from at once.
 #pragma once
 
+#include "media/cancel_check.h"
 #include "media/export/export_request.h"
 #include "media/imported_clip.h"
 #include "media/log.h"
@@ -16,8 +17,9 @@ namespace flowtide {
 /// from any thread. Backend, items and what `warn` refers to must outlive it.
 class ProxyEngine {
 public:
-    /// `warn` takes sentences about what the proxy lacks of the source.
-    ProxyEngine(const MediaBackend& backend, TemporaryItems& items, LogSink warn = {});
+    /// `warn` takes sentences about what the proxy lacks of the source; `isCancelled` is asked as often as cancel() is
+    /// looked for, from any thread.
+    ProxyEngine(const MediaBackend& backend, TemporaryItems& items, LogSink warn = {}, CancelCheck isCancelled = {});
 
     /// The path of the proxy, a temporary file that its items own. `onProgress` takes 0...1, from the calling thread.
     /// Throws FlowtideError::proxyFailed, or exportCancelled; no file is left then.
@@ -31,6 +33,7 @@ private:
     const MediaBackend& backend_;
     TemporaryItems& items_;
     LogSink warn_;
+    CancelCheck cancelCheck_;
     std::atomic<bool> isCancelled_ = false;
 };
 
