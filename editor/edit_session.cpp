@@ -50,6 +50,7 @@ EditSession::EditSession(ChangeNotifier& notifier, EditHost host)
 
 void EditSession::open(OpenClip clip) {
     history.clear();
+    waiting_.clear();
     curve.reset(clip ? clip->duration : 0);
     framing.reset(clip ? clip->frameDuration.seconds() : 0);
     zoom.setZoomBlocks({});
@@ -86,6 +87,7 @@ void EditSession::endCurveEdit() {
         preview().scheduleSmartPreview();
     else if (!isRestoringProject_)
         refreshPreview();
+    runWaiting();
 }
 
 void EditSession::cancelCurveEdit() {
@@ -96,6 +98,19 @@ void EditSession::cancelCurveEdit() {
         preview().scheduleSmartPreview();
     else
         applySnapshot(before);
+    runWaiting();
+}
+
+void EditSession::afterGesture(std::function<void()> task) {
+    if (history.pendingUndoSnapshot())
+        waiting_.push_back(std::move(task));
+    else
+        task();
+}
+
+void EditSession::runWaiting() {
+    for (const auto& task : std::exchange(waiting_, {}))
+        task();
 }
 
 void EditSession::recordStep() {
@@ -103,12 +118,12 @@ void EditSession::recordStep() {
 }
 
 void EditSession::undo() {
-    endCurveEdit(); // what is being dragged is undone first
+    if (history.pendingUndoSnapshot()) return;
     if (const auto wanted = history.undo(currentSnapshot())) applySnapshot(*wanted);
 }
 
 void EditSession::redo() {
-    endCurveEdit();
+    if (history.pendingUndoSnapshot()) return;
     if (const auto wanted = history.redo(currentSnapshot())) applySnapshot(*wanted);
 }
 

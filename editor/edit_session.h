@@ -62,8 +62,12 @@ public:
     void cancelCurveEdit();
     /// For edits that are a step by themselves: remembers the state before it, unless a gesture is open.
     void recordStep();
+    /// Nothing while a gesture is open.
     void undo();
     void redo();
+    /// For what happens by itself, to be no part of a gesture: runs now, or once the open one has ended either way. Not
+    /// at all when another clip is opened first.
+    void afterGesture(std::function<void()> task);
 
     /// After every change of speed, smoothing or trim: the automatic ranges follow, previews that no longer fit go.
     void invalidateEditedPreviews();
@@ -83,10 +87,12 @@ private:
     void applySnapshot(const CurveSnapshot& snapshot);
     void installProjectEdits(const ProjectEdits& edits);
     void followCurve();
+    void runWaiting();
 
     EditHost host_;
     Observed<OpenClip> clip_;
     Observed<std::vector<SubjectTrackingRange>> trackedRanges_;
+    std::vector<std::function<void()>> waiting_; ///< for the end of the gesture
     bool isRestoringProject_ = false;
 };
 

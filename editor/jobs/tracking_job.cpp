@@ -84,7 +84,10 @@ void TrackingJob::startTracking(const SubjectBox& box) {
             return media->track(*clip, seed, box, range, onProgress, isCancelled);
         },
         [this, id, before = basis()](Outcome<SubjectTrackResult>& outcome) {
-            if (id == trackingID_) finish(outcome, before);
+            session_.afterGesture(
+                [this, id, before, kept = std::make_shared<Outcome<SubjectTrackResult>>(std::move(outcome))] {
+                    if (id == trackingID_) finish(*kept, before);
+                });
         });
 }
 

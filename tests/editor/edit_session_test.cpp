@@ -68,6 +68,9 @@ TEST_F(EditSessionTest, ACancelledGestureNeverWas) {
     model->beginCurveEdit();
     model->replaceKeyframes({point(0, 1), point(10, 2)});
     model->addZoomBlock({4, 5});
+    model->undo();
+    model->redo();
+    EXPECT_EQ(steps(), stepsBefore);
     model->cancelCurveEdit();
     model->endCurveEdit();
     EXPECT_EQ(model->currentSnapshot(), before);

@@ -291,5 +291,31 @@ TEST_F(JobsTest, TrackingEndsWithTheSentenceOfWhatItCameTo) {
     EXPECT_NE(model->tracking().trackingMessage()->find("Could not decode tracking frames."), std::string::npos);
 }
 
+TEST_F(JobsTest, ATrackThatEndsDuringADragIsAStepBehindIt) {
+    open();
+    media->tracked = straightTrack();
+    for (const bool isCancelled : {true, false}) {
+        const std::size_t steps = model->history().undoStack().size();
+        const SpeedKeyframes before = model->curve().keyframes();
+        model->startTracking({0.1, 0.1, 0.2, 0.2});
+        model->beginCurveEdit();
+        model->replaceKeyframes({point(0, 1), point(5, 2), point(10, 1)});
+        scheduler.settle();
+        EXPECT_TRUE(model->trackedRanges().empty());
+        model->replaceKeyframes({point(0, 1), point(5, 3), point(10, 1)});
+        EXPECT_EQ(model->history().undoStack().size(), steps);
+        if (isCancelled)
+            model->cancelCurveEdit();
+        else
+            model->endCurveEdit();
+        EXPECT_EQ(model->curve().keyframes() == before, isCancelled);
+        EXPECT_EQ(model->trackedRanges().size(), 1U);
+        EXPECT_FALSE(model->tracking().isTracking());
+        EXPECT_EQ(model->history().undoStack().size(), steps + (isCancelled ? 1 : 2));
+        model->undo();
+        EXPECT_TRUE(model->trackedRanges().empty());
+    }
+}
+
 } // namespace
 } // namespace flowtide::test

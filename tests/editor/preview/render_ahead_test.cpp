@@ -82,7 +82,10 @@ TEST_F(RenderAheadTest, AnIdleRenderWaitsForTheEndOfAllActivity) {
              model->endCurveEdit();
              model->beginCurveEdit();
          },
-         [&] { model->undo(); }},
+         [&] {
+             model->endCurveEdit();
+             model->undo();
+         }},
         {"moving gesture",
          [&] {
              model->beginCurveEdit();
