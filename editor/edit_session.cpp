@@ -148,7 +148,11 @@ void EditSession::followCurve() {
     const FlowMarks before = pending ? FlowMarks{pending->flowRanges, pending->originalFrames} : flow.marks();
     flow.setMarks(
         carriedOver(before, FlowScope::automaticRanges(curve, clip()->frameRate, host_.smoothMotionFrameRate())));
-    if (!flow.selectedOpticalFlowRangeID()) timeline.setLoopPreview(false);
+    if (flow.selectedOpticalFlowRangeID()) return;
+    if (pending) // a range that went on the way may be back, and the loop goes with it at the end
+        flow.select(pending->selectedFlowID);
+    else
+        timeline.setLoopPreview(false);
 }
 
 void EditSession::invalidateEditedPreviews() {

@@ -32,22 +32,22 @@ void TrimEdits::resetTrimRange() {
 
 TrimState TrimEdits::state() const {
     const TimelineView& view = session_.timeline;
-    return {session_.clip(),     session_.curve.trimRange(), session_.currentSnapshot(),
-            view.timelineZoom(), view.timelineCenter(),      view.scrubPosition()};
+    return {session_.clip(),       session_.curve.trimRange(), session_.currentSnapshot(), view.timelineZoom(),
+            view.timelineCenter(), view.scrubPosition(),       view.loopPreview()};
 }
 
 void TrimEdits::restore(const TrimState& before) {
-    if (!session_.clip() || session_.clip() != before.clip) return;
-    if (before.trim != session_.curve.trimRange()) {
-        session_.curve.setTrim(before.trim, before.edits.speed);
-        session_.framing.setCenterKeyframes(before.edits.center);
-        session_.flow.setMarks({before.edits.flowRanges, before.edits.originalFrames});
-        session_.flow.select(before.edits.selectedFlowID);
-        session_.timeline.setTimelineZoom(before.timelineZoom);
-        session_.timeline.setTimelineCenter(before.timelineCenter);
-        session_.refreshPreview();
-        session_.scheduleProjectSave();
-    }
+    // A trim that is back where it began may have cost the selected range on the way: all is compared.
+    if (!session_.clip() || session_.clip() != before.clip || state() == before) return;
+    session_.curve.setTrim(before.trim, before.edits.speed);
+    session_.framing.setCenterKeyframes(before.edits.center);
+    session_.flow.setMarks({before.edits.flowRanges, before.edits.originalFrames});
+    session_.flow.select(before.edits.selectedFlowID);
+    session_.timeline.setLoopPreview(before.loopPreview);
+    session_.timeline.setTimelineZoom(before.timelineZoom);
+    session_.timeline.setTimelineCenter(before.timelineCenter);
+    session_.refreshPreview();
+    session_.scheduleProjectSave();
     session_.preview().scrub(before.scrubPosition);
 }
 

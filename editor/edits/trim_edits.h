@@ -13,6 +13,8 @@ struct TrimState {
     double timelineZoom = 1;
     double timelineCenter = 0.5;
     double scrubPosition = 0;
+    bool loopPreview = false;
+    friend bool operator==(const TrimState&, const TrimState&) = default;
 };
 
 /// Changed without history. Without a clip they do nothing.

@@ -151,6 +151,40 @@ TEST_F(FlowEditsTest, ALostSelectionEndsTheLoop) {
     model->selectOpticalFlowRange(Uuid::random());
     EXPECT_FALSE(model->timeline().loopPreview());
 
+    // What a drag has lost on the way comes back with the range, and with Esc.
+    const Uuid another = model->flow().opticalFlowRanges()[0].id;
+    const SpeedKeyframes slow = model->curve().keyframes();
+    const SpeedKeyframes even{point(0, 1), point(10, 1)};
+    const auto isLooping = [&] {
+        return model->flow().selectedOpticalFlowRangeID() == another && model->timeline().loopPreview();
+    };
+    model->selectOpticalFlowRange(another);
+    model->setLoopPreview(true);
+    const std::size_t steps = model->history().undoStack().size();
+    for (const bool isCancelled : {false, true}) {
+        model->beginCurveEdit();
+        model->replaceKeyframes(even);
+        EXPECT_FALSE(model->flow().selectedOpticalFlowRangeID());
+        if (isCancelled) {
+            model->cancelCurveEdit();
+        } else {
+            model->replaceKeyframes(slow);
+            model->endCurveEdit();
+        }
+        EXPECT_TRUE(isLooping()) << isCancelled;
+        EXPECT_EQ(model->history().undoStack().size(), steps);
+    }
+    const TrimState untrimmed = model->trimState();
+    model->applyTrimRange(5, 10);
+    model->applyTrimRange(0, 10);
+    model->restoreTrim(untrimmed);
+    EXPECT_TRUE(isLooping());
+    model->beginCurveEdit();
+    model->replaceKeyframes(even);
+    model->endCurveEdit();
+    EXPECT_FALSE(model->timeline().loopPreview());
+    model->undo();
+
     smoothMotion = 24; // a tenth is slow for that too
     model->smoothMotionFrameRateChanged();
     EXPECT_EQ(model->flow().opticalFlowRanges().size(), 1U);
