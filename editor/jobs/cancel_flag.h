@@ -16,18 +16,22 @@ public:
     CancelFlag(const CancelFlag&) = delete;
     CancelFlag& operator=(const CancelFlag&) = delete;
 
-    /// For a new job; the one before is cancelled.
+    /// For a new job, which has begun once it asks; the one before is cancelled.
     CancelCheck renewed() {
         raise();
-        isRaised_ = std::make_shared<std::atomic<bool>>(false);
-        return [isRaised = isRaised_] { return isRaised->load(); };
+        state_ = std::make_shared<std::atomic<State>>(State::waiting);
+        return [state = state_] {
+            State before = State::waiting;
+            state->compare_exchange_strong(before, State::begun);
+            return before == State::raised;
+        };
     }
-    void raise() {
-        if (isRaised_) *isRaised_ = true;
-    }
+    /// Whether the job is one that waits: it will do nothing.
+    bool raise() { return state_ && state_->exchange(State::raised) == State::waiting; }
 
 private:
-    std::shared_ptr<std::atomic<bool>> isRaised_;
+    enum class State { waiting, begun, raised };
+    std::shared_ptr<std::atomic<State>> state_;
 };
 
 } // namespace flowtide

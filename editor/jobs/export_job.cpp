@@ -32,17 +32,26 @@ void ExportJob::start(const std::filesystem::path& destination) {
     end_.set(nullptr);
     destination_ = destination;
     frameCount_ = outputFrameCount(session_.curve.timeMap().outputDuration(), session_.clip()->frameDuration);
-    startedAt_ = jobs_.scheduler().now();
     ExportRequest request = session_.exportRequest();
     request.outputURL = destination;
     const auto onProgress = jobs_.home<double>([this](double fraction) { receiveProgress(fraction); });
-    const CancelCheck isCancelled = cancelFlag_.renewed();
+    const auto onBegin = jobs_.home<Nothing>([this](Nothing) { startedAt_ = jobs_.scheduler().now(); });
     jobs_.start(
         BackgroundQueue::jobs,
-        [media = media_, request = std::move(request), onProgress, isCancelled] {
+        [media = media_, request = std::move(request), onBegin, onProgress, isCancelled = cancelFlag_.renewed()] {
+            throwIfCancelled(isCancelled);
+            onBegin({});
             return media->exportClip(request, onProgress, isCancelled);
         },
-        [this, clip = session_.clip()](Outcome<ExportValidationReport>& outcome) { finish(outcome, clip); });
+        [this, id = ++exportID_, clip = session_.clip()](Outcome<ExportValidationReport>& outcome) {
+            if (id == exportID_) finish(outcome, clip);
+        });
+}
+
+void ExportJob::cancel() {
+    if (!cancelFlag_.raise()) return;
+    ++exportID_;
+    finish({ExportEnd::Kind::cancelled, {}, {}});
 }
 
 void ExportJob::receiveProgress(double fraction) {
@@ -53,8 +62,6 @@ void ExportJob::receiveProgress(double fraction) {
 }
 
 void ExportJob::finish(Outcome<ExportValidationReport>& outcome, const OpenClip& clip) {
-    isExporting_.set(false);
-    remainingTime_.set({});
     ExportEnd end;
     try {
         end.report = std::make_shared<const ExportValidationReport>(outcome.get());
@@ -64,6 +71,12 @@ void ExportJob::finish(Outcome<ExportValidationReport>& outcome, const OpenClip&
         end.kind = failure ? ExportEnd::Kind::failed : ExportEnd::Kind::cancelled;
         end.failure = failure.value_or(std::string());
     }
+    finish(std::move(end));
+}
+
+void ExportJob::finish(ExportEnd end) {
+    isExporting_.set(false);
+    remainingTime_.set({});
     end_.set(std::make_shared<const ExportEnd>(std::move(end)));
     session_.preview().scheduleSmartPreview();
 }

@@ -44,13 +44,15 @@ public:
 
     /// Nothing happens without a clip, or while an export runs.
     void start(const std::filesystem::path& destination);
-    void cancel() { cancelFlag_.raise(); }
+    /// One that waits for another job ends at once.
+    void cancel();
     /// The report is of another clip from now on.
     void forgetVerification() { report_.set(nullptr); }
 
 private:
     void receiveProgress(double fraction);
     void finish(Outcome<ExportValidationReport>& outcome, const OpenClip& clip);
+    void finish(ExportEnd end);
 
     EditSession& session_;
     SessionJobs& jobs_;
@@ -62,7 +64,8 @@ private:
     Observed<std::shared_ptr<const ExportEnd>> end_;
     std::filesystem::path destination_;
     std::int64_t frameCount_ = 0;
-    double startedAt_ = 0; ///< Scheduler::now()
+    double startedAt_ = 0;       ///< Scheduler::now() when the job began
+    std::uint64_t exportID_ = 0; ///< the outcome of another one is late
     CancelFlag cancelFlag_;
 };
 

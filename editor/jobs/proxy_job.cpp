@@ -27,9 +27,19 @@ void ProxyJob::start() {
     jobs_.start(
         BackgroundQueue::jobs,
         [media = media_, clip, onProgress, isCancelled = cancelFlag_.renewed()] {
+            throwIfCancelled(isCancelled);
             return media->makeProxy(*clip, onProgress, isCancelled);
         },
-        [this, clip](Outcome<std::filesystem::path>& outcome) { finish(outcome, clip); });
+        [this, id = ++proxyID_, clip](Outcome<std::filesystem::path>& outcome) {
+            if (id == proxyID_) finish(outcome, clip);
+        });
+}
+
+void ProxyJob::cancel() {
+    if (!cancelFlag_.raise()) return;
+    ++proxyID_;
+    isGeneratingProxy_.set(false);
+    proxyMessage_.set({});
 }
 
 void ProxyJob::finish(Outcome<std::filesystem::path>& outcome, const OpenClip& clip) {

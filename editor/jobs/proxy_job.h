@@ -6,6 +6,7 @@
 #include "editor/jobs/session_jobs.h"
 #include "editor/jobs/session_media.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -28,7 +29,8 @@ public:
 
     /// Nothing happens without a clip, or while a proxy is being built.
     void start();
-    void cancel() { cancelFlag_.raise(); }
+    /// One that waits for another job ends at once.
+    void cancel();
     /// Another clip is open from now on.
     void reset();
 
@@ -43,6 +45,7 @@ private:
     Observed<double> proxyProgress_;
     Observed<std::optional<std::string>> proxyMessage_;
     std::optional<std::filesystem::path> proxy_;
+    std::uint64_t proxyID_ = 0; ///< the outcome of another one is late
     CancelFlag cancelFlag_;
 };
 

@@ -69,9 +69,11 @@ TEST_F(JobsTest, AnExportIsOfTheEditsAsTheyWereWhenItBegan) {
 TEST_F(JobsTest, TimeLeftFollowsTheShareDone) {
     open();
     model->exportClip(folder / "out.mov");
-    scheduler.advance(3);
+    scheduler.advance(100); // behind another job
     std::vector<std::optional<double>> left;
     media->whileExporting = [&](const std::function<void(double)>& onProgress) {
+        scheduler.turn();
+        scheduler.advance(3);
         for (const double share : {0.0199, 0.02, 0.25, 0.5}) {
             onProgress(share);
             scheduler.turn();
@@ -148,6 +150,30 @@ TEST_F(JobsTest, AProxyIsBuiltOnce) {
     model->makeProxy();
     scheduler.settle();
     EXPECT_NE(model->proxies().proxyMessage()->find("Proxy decode failed"), std::string::npos);
+}
+
+TEST_F(JobsTest, WhatWaitsForAnotherJobIsCancelledAtOnce) {
+    open();
+    model->startTracking({0.1, 0.1, 0.2, 0.2}); // in front
+    model->exportClip(folder / "out.mov");
+    model->cancelExport();
+    EXPECT_FALSE(model->exporting().isExporting());
+    EXPECT_EQ(model->exporting().lastExportEnd()->kind, ExportEnd::Kind::cancelled);
+    model->makeProxy();
+    model->cancelProxy();
+    EXPECT_FALSE(model->proxies().isGeneratingProxy() || model->proxies().proxyMessage());
+    model->exportClip(folder / "other.mov");
+    model->makeProxy();
+    for (int i = 0; i < 3; ++i) { // the tracking and the two that were given up
+        EXPECT_TRUE(scheduler.runJob(BackgroundQueue::jobs));
+        scheduler.turn();
+    }
+    EXPECT_TRUE(model->exporting().isExporting() && model->proxies().isGeneratingProxy());
+    EXPECT_FALSE(media->exported);
+    scheduler.settle();
+    EXPECT_EQ(media->exported->outputURL, folder / "other.mov");
+    EXPECT_EQ(model->exporting().lastExportEnd()->kind, ExportEnd::Kind::verified);
+    EXPECT_TRUE(model->proxies().proxy());
 }
 
 TEST_F(JobsTest, TrackingTellsHowFarItIs) {
