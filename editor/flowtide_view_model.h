@@ -148,7 +148,9 @@ public:
     /// The user's setting of smooth motion has changed.
     void smoothMotionFrameRateChanged() {
         notifier_.changed(Property::smoothMotionFrameRate);
-        if (clip()) session_.refreshPreview();
+        if (!clip()) return;
+        session_.refreshPreview();
+        session_.scheduleProjectSave(); // of the ranges, which follow
     }
 
     // Playback.

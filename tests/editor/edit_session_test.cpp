@@ -241,6 +241,11 @@ TEST_F(EditSessionTest, EveryEditIsStored) {
         {"panned", [&] { model->setTimelineCenter(0.2); }},
         {"playhead", [&] { model->scrub(0.4); }},
         {"step", [&] { model->nudgePlayhead(1); }},
+        {"smooth motion",
+         [&] {
+             smoothMotion = 60;
+             model->smoothMotionFrameRateChanged();
+         }},
         {"document", [&] { model->applyProjectEdits(model->projectSnapshot().edits); }},
     };
     for (const auto& [what, edit] : edits) {
