@@ -38,6 +38,10 @@ bool DragGuard::eventFilter(QObject*, QEvent* event) {
         return true;
     case QEvent::ContextMenu:
         return true;
+    case QEvent::MouseMove:
+        // The release went elsewhere, for example because what was dragged has been hidden.
+        if (!(static_cast<QMouseEvent*>(event)->buttons() & Qt::LeftButton)) end();
+        return false;
     case QEvent::MouseButtonPress:
     case QEvent::MouseButtonDblClick:
         return static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton;

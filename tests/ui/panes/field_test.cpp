@@ -1,6 +1,7 @@
 // A field accepts, refuses and restores; settings survive a restart.
 #include "core/speed_keyframe.h"
 #include "tests/support/temporary_folder.h"
+#include "ui/controls/drag_guard.h"
 #include "ui/controls/slider.h"
 #include "ui/panes/field_pair.h"
 #include "ui/panes/value_formats.h"
@@ -61,6 +62,20 @@ TEST_F(FieldTest, RefusesWithASentenceAndRestores) {
     type("fast");
     QTest::keyClick(&field, Qt::Key_Return);
     EXPECT_EQ(sentence, "Type a speed, as 0.25x or 25%.");
+}
+
+TEST(DragGuardTest, KeepsKeysUntilNoButtonIsHeldAnyMore) {
+    QLineEdit typed;
+    DragGuard guard([] {});
+    guard.begin();
+    QTest::keyClick(&typed, Qt::Key_A);
+    EXPECT_EQ(typed.text(), "");
+    for (const Qt::MouseButton held : {Qt::LeftButton, Qt::NoButton}) {
+        QMouseEvent move(QEvent::MouseMove, QPointF(1, 1), QPointF(1, 1), Qt::NoButton, held, {});
+        QCoreApplication::sendEvent(&typed, &move);
+        QTest::keyClick(&typed, Qt::Key_A);
+        EXPECT_EQ(typed.text(), held ? "" : "a");
+    }
 }
 
 TEST(ValueSliderTest, AGrabbedThumbStaysUntilItIsMoved) {
