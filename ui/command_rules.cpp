@@ -10,6 +10,10 @@ bool needsClip(Command command) {
     return needsProject(command) && command != Command::toggleSidebar;
 }
 
+bool isClipSeen(const FlowtideViewModel& model) {
+    return model.clip() && !model.clips().pendingRelinkProject();
+}
+
 bool leavesFullScreen(Command command) {
     switch (command) {
     case Command::open:

@@ -172,8 +172,9 @@ void MainWindow::showContent() {
     if (hasProject && !workspace_->isVisible() && timeline_->graph()) timeline_->graph()->setFocus();
     workspace_->setVisible(hasProject);
     topBar_->showPanes(workspace_->showsSidebar(), workspace_->showsInspector());
-    setWindowTitle(hasWorkableClip() ? tr("%1 – Loftwell Video").arg(valueText::fileName(model_.clip()->url))
-                                     : tr("Loftwell Video"));
+    setWindowTitle(commandRules::isClipSeen(model_)
+                       ? tr("%1 – Loftwell Video").arg(valueText::fileName(model_.clip()->url))
+                       : tr("Loftwell Video"));
     place();
 }
 
@@ -313,15 +314,10 @@ bool MainWindow::handleKey(QKeyEvent& event, bool isOnlyAsked) {
         if (owner == KeysOwner::control) return false;
         if (binding->command == Command::switchCurve && owner != KeysOwner::editor) return false;
     }
-    if (commandRules::needsClip(binding->command) && !hasWorkableClip()) return false;
+    if (commandRules::needsClip(binding->command) && !commandRules::isClipSeen(model_)) return false;
     if (commandRules::needsProject(binding->command) && !workspace_->isVisible()) return false;
     if (!isOnlyAsked && (!event.isAutoRepeat() || commandRules::repeats(binding->command))) perform(binding->command);
     return true;
-}
-
-bool MainWindow::hasWorkableClip() const {
-    // While the window asks for a project's missing clip, one that is still open lies unseen below.
-    return model_.clip() && !model_.clips().pendingRelinkProject();
 }
 
 bool MainWindow::endTopmost() {
@@ -392,7 +388,7 @@ QMenu* MainWindow::makeMenu() {
     connect(menu, &QMenu::aboutToShow, this, [this, forClip, mute] {
         mute->setChecked(model_.transport().isMuted());
         for (QAction* action : forClip)
-            action->setEnabled(hasWorkableClip());
+            action->setEnabled(commandRules::isClipSeen(model_));
     });
     return menu;
 }

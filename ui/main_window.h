@@ -56,7 +56,6 @@ private:
     void showContent();
     void place();
     bool handleKey(QKeyEvent& event, bool isOnlyAsked);
-    bool hasWorkableClip() const; ///< one that is seen
     bool endTopmost();
     void walkPanes(int direction);
     QMenu* makeMenu();

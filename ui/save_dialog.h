@@ -16,7 +16,8 @@ struct SaveRequest {
     bool (*isOfKind)(const std::filesystem::path& file);
 };
 
-/// Waits for the user; nothing when he gives up. A file that is there is only named after he agreed to replace it.
+/// Waits for the user; nothing when the dialog is cancelled. A file that is there is only named when the user has
+/// agreed to replace it.
 std::optional<std::filesystem::path> askWhereToSave(QWidget& window, const SaveRequest& request);
 
 } // namespace flowtide

@@ -37,8 +37,8 @@ void DropTarget::showDrop(const QString& name, bool isOpenable) {
     showButton();
 }
 
-void DropTarget::showOpening(const QString& name) {
-    opening_ = name;
+void DropTarget::showOpening(const QString& sentence) {
+    opening_ = sentence;
     showButton();
 }
 
@@ -70,7 +70,7 @@ void DropTarget::paintEvent(QPaintEvent*) {
     const auto line = [&](double top, double height) { return QRectF(24, top, width() - 48.0, height); };
     icons::draw(painter, QStringLiteral("import"), line(40, 32), 32, isRefused ? attention : text2);
     if (hasDrop || !opening_.isEmpty()) {
-        const QString words = hasDrop ? dropSentence(dropName_, isOpenable_) : tr("Opening %1…").arg(opening_);
+        const QString words = hasDrop ? dropSentence(dropName_, isOpenable_) : opening_;
         const QFontMetricsF metrics(theme::font(Type::headline));
         drawLine(painter, line(96, 24), Qt::AlignHCenter, Type::headline, theme::text,
                  metrics.elidedText(words, Qt::ElideMiddle, width() - 48.0));

@@ -22,8 +22,8 @@ public:
     Button* openButton() const { return open_; }
     /// What hangs over the window: its name, and whether it can be opened; empty: nothing.
     void showDrop(const QString& name, bool isOpenable);
-    /// What is being opened: its name; empty: nothing.
-    void showOpening(const QString& name);
+    /// What is said of the file that is being opened; empty: nothing.
+    void showOpening(const QString& sentence);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

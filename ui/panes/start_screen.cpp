@@ -3,6 +3,7 @@
 #include "ui/icons.h"
 #include "ui/key_names.h"
 #include "ui/theme.h"
+#include "ui/viewer/state_chip.h"
 
 #include <QPainter>
 #include <algorithm>
@@ -17,7 +18,6 @@ constexpr int headingTop = padding + DropTarget::targetHeight + 36;
 constexpr int headingHeight = 16;
 constexpr int cardsTop = headingTop + headingHeight + 20;
 constexpr int wideScreen = 1920;
-constexpr int openingMilliseconds = 200;
 
 int columnWidth(int columns) {
     return columns * ProjectButton::cardSize.width() + (columns - 1) * cardGap;
@@ -66,9 +66,8 @@ StartScreen::StartScreen(SessionHost& host, std::function<void(Command)> perform
     area_->setContent(content_);
     summaries_.onChanged = [this] { content_->update(); };
     opening_.setSingleShot(true);
-    opening_.setInterval(openingMilliseconds);
-    connect(&opening_, &QTimer::timeout, this,
-            [this] { target_->showOpening(QString::fromStdString(model_.clips().isOpening())); });
+    opening_.setInterval(StateChip::waitMilliseconds);
+    connect(&opening_, &QTimer::timeout, this, [this] { target_->showOpening(PictureState::of(model_).words); });
     changes_ = model_.subscribe(properties({Property::recentProjects, Property::isOpening}),
                                 [this](const PropertySet& changed) {
                                     if (changed != properties({Property::isOpening})) refresh();

@@ -1,5 +1,6 @@
 #include "ui/panes/top_bar.h"
 
+#include "ui/command_rules.h"
 #include "ui/icons.h"
 #include "ui/key_names.h"
 #include "ui/session_text.h"
@@ -76,8 +77,7 @@ void TopBar::setMenu(QMenu* menu) {
 void TopBar::refresh() {
     const auto& clip = model_.clip();
     const auto& relink = model_.clips().pendingRelinkProject();
-    // While a project asks for its clip, one that is still open lies unseen below.
-    hasClip_ = clip && !relink;
+    hasClip_ = commandRules::isClipSeen(model_);
     const bool hasProject = hasClip_ || relink;
     for (QWidget* widget : std::initializer_list<QWidget*>{undo_, redo_, inspector_, export_})
         widget->setVisible(hasClip_);

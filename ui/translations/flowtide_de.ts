@@ -946,10 +946,6 @@
         <source>MOV · MP4 · M4V · Saved projects     ⌘O</source>
         <translation>MOV · MP4 · M4V · Gesicherte Projekte     ⌘O</translation>
     </message>
-    <message>
-        <source>Opening %1…</source>
-        <translation>%1 wird geöffnet …</translation>
-    </message>
 </context>
 <context>
     <name>flowtide::ExportPanel</name>
