@@ -202,11 +202,11 @@ TEST_F(ProjectStoreTest, ClipsAreFoundAndRelinkedByContent) {
     EXPECT_FALSE(ProjectStore::resolve(project));
     writeFile(clip, std::string(200'000, 'd'));
     EXPECT_FALSE(ProjectStore::resolve(project));
-    EXPECT_EQ(refusal([&] { store.relink(project, clip); }),
+    EXPECT_EQ(refusal([&] { ProjectStore::relink(project, clip); }),
               "This video does not match the project's original clip. Choose the original file to relink it.");
     EXPECT_FALSE(fs::exists(store.directory()));
 
-    const FlowtideProject relinked = store.relink(project, moved);
+    const FlowtideProject relinked = ProjectStore::relink(project, moved);
     EXPECT_EQ(relinked.savedAt, project.savedAt);
     EXPECT_EQ(ProjectStore::resolve(relinked), moved);
     EXPECT_FALSE(relinked.source.bookmark);

@@ -57,7 +57,8 @@ protected:
     }
     void start() {
         host = std::make_unique<SessionHost>(
-            WindowPlatform{backend, [](AudioFormat, AudioPull, const PlaybackClock&) { return nullptr; }}, settings());
+            WindowPlatform{backend, [](AudioFormat, const AudioPull&, const PlaybackClock&) { return nullptr; }},
+            settings());
         window = std::make_unique<MainWindow>(*host);
         window->resize(1440, 900);
         window->show();

@@ -19,7 +19,6 @@ namespace {
 
 using testing::Contains;
 using testing::IsEmpty;
-using testing::Not;
 using testing::Pair;
 
 std::vector<std::pair<QAccessible::Event, std::string>> told;

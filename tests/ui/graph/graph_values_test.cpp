@@ -18,7 +18,6 @@
 namespace flowtide {
 namespace {
 
-using testing::DoubleNear;
 using testing::ElementsAre;
 
 SpeedKeyframe point(double time, double speed, SpeedKeyframeRole role = SpeedKeyframeRole::curve) {

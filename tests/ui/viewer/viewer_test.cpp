@@ -43,7 +43,7 @@ protected:
 
     ScriptedBackend backend{MediaScript{}};
     VirtualClock clock;
-    PreviewPlayer previewPlayer{{&backend, &clock, [](std::function<void()>) {}, {}}};
+    PreviewPlayer previewPlayer{{&backend, &clock, [](const std::function<void()>&) {}, {}}};
     PictureLoader loader{backend};
     PictureFeed feed{previewPlayer, *model, loader};
     ViewerPane pane{*model, feed};
