@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 namespace flowtide::test {
 namespace {
 
@@ -21,7 +23,7 @@ TEST(PreviewFiles, OnlyWhatHasSucceededIsLeft) {
         return count;
     };
     bool isToBeCancelled = false;
-    bool isCancelled = false;
+    std::atomic<bool> isCancelled = false; // asked on every thread of the render
     script.onAppendVideo = [&](std::int64_t) { isCancelled = isToBeCancelled; };
     const ScriptedBackend backend(script);
     FaultyOperations operations;
@@ -32,7 +34,7 @@ TEST(PreviewFiles, OnlyWhatHasSucceededIsLeft) {
     request.keyframes = {{Uuid::random(), 0, 1}, {Uuid::random(), 2, 1}};
     const auto render = [&] {
         return media.renderPreview(
-            Uuid::random(), request, [](double) {}, [&] { return isCancelled; });
+            Uuid::random(), request, [](double) {}, [&] { return isCancelled.load(); });
     };
     operations.failing = {"makeFolder", ENOSPC};
     EXPECT_ANY_THROW(render());
