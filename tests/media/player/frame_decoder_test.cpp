@@ -69,7 +69,7 @@ TEST(FrameDecoder, SkipsAheadWhenItIsLate) {
             const double time = stage.player->currentTime().value;
             ASSERT_TRUE(stage.mailbox.runUntil(
                 [&] { return stage.player->picture()->isDue && stage.player->picture()->time.value >= time; }));
-            // Leads that double from 0.02 s to 1 s come to 2.3 s, and until each proves too short frames are decoded.
+            // Trying leads of 0.02 s to 1 s, each twice the last, takes 2.3 s, and each try ends some frames late.
             ASSERT_LT(stage.player->picture()->time.value, time + 4) << "found its lead";
         }
         EXPECT_GT(last, 25 * 29);
