@@ -11,6 +11,16 @@ std::optional<CropPlan> exportedCrop(const ImportedClip& clip, CropAspectRatio r
                                clip.metadata.sampleAspectRatio.seconds());
 }
 
+namespace {
+
+/// What is played over the trim: the glide would be drawn to points outside it as if they lay at its ends.
+SpeedKeyframes playedKeyframes(const SpeedKeyframes& keyframes, const SpeedCurve& curve) {
+    if (keyframes.empty()) return {};
+    return KeyframeRules::curveForSourceRange(keyframes, curve.duration(), curve.trimRange(), centeredCrop);
+}
+
+} // namespace
+
 Framing::Framing(ChangeNotifier& notifier, const SpeedCurve& curve)
     : curve_(curve)
     , centerKeyframes_(notifier, Property::centerKeyframes)
@@ -31,7 +41,8 @@ std::optional<SpeedKeyframes> Framing::bounded(SpeedKeyframes points) const {
 
 std::optional<VerticalCropSettings> Framing::exportSettings() const {
     if (!isVerticalCropEnabled()) return std::nullopt;
-    return VerticalCropSettings{widthOverHeight(cropAspectRatio()), centerKeyframes(), centerSmoothing()};
+    return VerticalCropSettings{widthOverHeight(cropAspectRatio()), playedKeyframes(centerKeyframes(), curve_),
+                                centerSmoothing()};
 }
 
 double Framing::liveCropTravel(double time) const {
@@ -41,7 +52,8 @@ double Framing::liveCropTravel(double time) const {
 double Framing::glidedCropTravel(double time) const {
     GlideTableKey key{centerKeyframes(), centerSmoothing(), curve_.keyframes(), curve_.smoothing(), curve_.trimRange()};
     if (glideTableKey_ != key) {
-        glideTableSamples_ = glideTable(centerKeyframes(), centerSmoothing(), curve_.timeMap(), glideTableStep_);
+        glideTableSamples_ = glideTable(playedKeyframes(centerKeyframes(), curve_), centerSmoothing(), curve_.timeMap(),
+                                        glideTableStep_);
         glideTableKey_ = std::move(key);
     }
     if (glideTableSamples_.size() < 2) return liveCropTravel(time);

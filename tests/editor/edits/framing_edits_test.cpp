@@ -53,6 +53,18 @@ TEST_F(FramingEditsTest, TheGlideIsTheExportsOwn) {
     EXPECT_NE(model->framing().glidedCropTravel(4), model->framing().liveCropTravel(4));
 }
 
+TEST_F(FramingEditsTest, WhatLiesOutsideTheTrimDoesNotDrawTheGlide) {
+    open();
+    model->replaceCenterKeyframes({point(0, 0.5), point(1, 0.1), point(6, 0.9), point(10, 0.2)});
+    model->setVerticalCropEnabled(true);
+    model->applyTrimRange(5, 9);
+    EXPECT_NEAR(model->framing().glidedCropTravel(5), model->framing().liveCropTravel(5), 0.03);
+    const auto exported = model->framing().exportSettings();
+    const auto table = glideTable(exported->centerKeyframes, exported->smoothing, model->curve().timeMap(), 1.0 / 30);
+    EXPECT_NEAR(table.front(), model->framing().glidedCropTravel(5), 1e-6);
+    EXPECT_NEAR(table.back(), model->framing().glidedCropTravel(9 - 1 / 30.0), 1e-6);
+}
+
 TEST_F(FramingEditsTest, ATrackReplacesTheFramingOfItsSpan) {
     open();
     model->replaceCenterKeyframes({point(0, 0.1), point(3.998, 0.9), point(3.9995, 0.9), point(5, 0.9),
