@@ -51,10 +51,11 @@ ExportFrame ExportFrameEngine::frame(const ExportRequest& request, OutputSeconds
     result.sourceTime = plan.timeMap.sourceTime(OutputSeconds{plan.video.frameDuration.secondsTimes(result.index)});
     const bool isScoped = plan.interpolation == FrameInterpolation::opticalFlow &&
                           OpticalFlowScope::contains(plan.opticalFlowRanges, result.sourceTime);
+    FramesAround& around = framesOf(clip, plan.video.layout);
     FrameInterpolating* renderer = isScoped ? &rendererFor(static_cast<int>(clip.encodedWidth()),
                                                            static_cast<int>(clip.encodedHeight()), plan.video.layout)
                                             : nullptr;
-    GivenFrames reader(framesOf(clip, plan.video.layout).at(result.sourceTime, isCancelled));
+    GivenFrames reader(around.at(result.sourceTime, isCancelled));
     OutputFrames frames(plan, reader, renderer, result.index);
     auto drawn = frames.next();
     if (!drawn) throw FlowtideError::readerFailed("There is no frame at this time.");
@@ -76,8 +77,10 @@ ExportPicture ExportFrameEngine::picture(const ExportRequest& request, OutputSec
 }
 
 FramesAround& ExportFrameEngine::framesOf(const ImportedClip& clip, PixelLayout layout) {
-    if (!around_ || around_->clip().url != clip.url || around_->layout() != layout)
+    if (!around_ || around_->clip().url != clip.url || around_->layout() != layout) {
         around_ = std::make_unique<FramesAround>(backend_, clip, layout);
+        renderer_.reset(); // it knows frames by their times alone
+    }
     return *around_;
 }
 

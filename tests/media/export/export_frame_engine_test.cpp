@@ -75,5 +75,39 @@ TEST(ExportFrameEngine, EveryFrameIsTheExportsOwn) {
     EXPECT_THROW(engine.frame(request, {0}, [] { return true; }), FlowtideError);
 }
 
+TEST(ExportFrameEngine, ANewClipsPicturesAreItsOwn) {
+    const TemporaryFolder folder;
+    const auto backend = makeFFmpegBackend();
+    ExportFrameEngine engine(*backend);
+    const auto inBetween = [&](const char* name, double speed, ExportFrameEngine& drawing) {
+        if (!std::filesystem::exists(folder / name)) {
+            ClipRecipe recipe;
+            recipe.frameCount = 10;
+            recipe.picture = [&](std::int64_t i) {
+                return drawn({}, 96, 64,
+                             [&](double x, double y) { return texture(x, y + speed * static_cast<double>(i)); });
+            };
+            makeClip(*backend, folder / name, recipe);
+        }
+        ExportRequest request;
+        request.clip = ImportedClip::load(*backend, folder / name);
+        request.keyframes = {{Uuid::random(), 0, 0.25, SpeedKeyframeRole::curve}};
+        request.interpolation = FrameInterpolation::opticalFlow;
+        request.opticalFlowRanges = {{0, 0.4}};
+        const ExportFrame made = drawing.frame(request, {0.24});
+        EXPECT_TRUE(made.isInBetween);
+        return made.frame;
+    };
+    inBetween("down.mov", 2, engine);
+    for (const bool isClosed : {false, true}) {
+        if (isClosed) {
+            inBetween("down.mov", 2, engine);
+            engine.closeClip();
+        }
+        ExportFrameEngine fresh(*backend);
+        EXPECT_TRUE(samePixels(inBetween("up.mov", -3, engine), inBetween("up.mov", -3, fresh))) << isClosed;
+    }
+}
+
 } // namespace
 } // namespace flowtide::test
