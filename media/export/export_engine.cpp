@@ -39,6 +39,15 @@ void requireWritableDestination(const std::filesystem::path& destination) {
         throw FlowtideError::writerFailed("The destination is not a regular file. Choose another file name.");
 }
 
+/// All that takes time on a slow disk happens here, so that a cancel is heard until the very end.
+void finishWriting(TemporaryExport& file) {
+    try {
+        file.finishWriting();
+    } catch (const std::system_error& error) {
+        throw FlowtideError::writerFailed("The movie could not be written to the disk: " + describe(error.code()));
+    }
+}
+
 void replaceFinalExport(TemporaryExport& file) {
     try {
         file.moveIntoPlace();
@@ -101,6 +110,7 @@ ExportValidationReport ExportEngine::run(const ExportRequest& wanted, const Prog
         }
     }();
     render(request, plan, renderer.get(), *file, onProgress);
+    finishWriting(*file);
     if (isCancelled()) throw FlowtideError::exportCancelled();
 
     ExportValidationReport report = validateOutputFile(backend_, file->path(), request.clip, plan.expected);

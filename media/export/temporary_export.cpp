@@ -56,6 +56,10 @@ std::int64_t TemporaryExport::size() const {
     return size_;
 }
 
+void TemporaryExport::finishWriting() {
+    file_.finishWriting();
+}
+
 void TemporaryExport::moveIntoPlace() {
     static_cast<void>(file_.moveIntoPlace());
 }

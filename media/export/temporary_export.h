@@ -31,6 +31,9 @@ public:
     void seek(std::int64_t position) override;
     std::int64_t size() const override;
 
+    /// As HiddenFile::finishWriting().
+    void finishWriting();
+
     /// As HiddenFile::moveIntoPlace(). A folder that cannot be flushed (some network file systems) is no failure: the
     /// movie is in place and whole.
     void moveIntoPlace();

@@ -50,7 +50,10 @@ public:
         return openPrivate(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK);
     }
     int openExisting(const std::filesystem::path& path) override {
-        return retried([&] { return ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); });
+        constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+        // NFS grants an exclusive lock only on what is open for writing.
+        const int descriptor = retried([&] { return ::open(path.c_str(), O_RDWR | flags); });
+        return descriptor >= 0 ? descriptor : retried([&] { return ::open(path.c_str(), O_RDONLY | flags); });
     }
     int openFolder(const std::filesystem::path& path) override {
         return retried([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
@@ -60,6 +63,9 @@ public:
     }
     int tryLock(int descriptor) override {
         return retried([&] { return ::flock(descriptor, LOCK_EX | LOCK_NB); });
+    }
+    int shareLock(int descriptor) override {
+        return retried([&] { return ::flock(descriptor, LOCK_SH | LOCK_NB); });
     }
     int status(int descriptor, struct stat& result) override { return ::fstat(descriptor, &result); }
     int status(const std::filesystem::path& path, struct stat& result) override {

@@ -25,13 +25,16 @@ public:
     virtual int createFile(const std::filesystem::path& path, mode_t mode) = 0;
     /// A file to lock, created when missing (0600, whatever the umask).
     virtual int openLockFile(const std::filesystem::path& path) = 0;
-    /// An existing file for reading; never a symbolic link's target, never waiting for a pipe's other end.
+    /// An existing file to lock, for writing too where that is allowed, since NFS locks no other; never a symbolic
+    /// link's target, never waiting for a pipe's other end.
     virtual int openExisting(const std::filesystem::path& path) = 0;
     virtual int openFolder(const std::filesystem::path& path) = 0;
     /// Waits for the exclusive lock. It ends with the descriptor, hence with its process, however that ends.
     virtual int lock(int descriptor) = 0;
     /// The same without waiting: fails with EWOULDBLOCK when somebody else holds the lock.
     virtual int tryLock(int descriptor) = 0;
+    /// Turns the exclusive lock into one that others may share, without waiting.
+    virtual int shareLock(int descriptor) = 0;
     virtual int status(int descriptor, struct stat& result) = 0;
     /// Of what has the name, be it a symbolic link.
     virtual int status(const std::filesystem::path& path, struct stat& result) = 0;

@@ -134,6 +134,12 @@ void HiddenFile::writeAt(std::int64_t offset, std::span<const std::byte> bytes) 
     descriptor_.writeAll(bytes, offset);
 }
 
+void HiddenFile::finishWriting() {
+    check(operations_.flush(descriptor_.get()));
+    // A clean-up that takes the file between the two locks is noticed when it is moved into place.
+    static_cast<void>(operations_.shareLock(descriptor_.get()));
+}
+
 /// As the destination is now: its rights may have been changed while this file was written. Where a file system cannot
 /// change them, those of the creation stay.
 void HiddenFile::keepModeOfDestination() {

@@ -54,6 +54,10 @@ public:
     /// Writes all of `bytes`; `offset` is in bytes from the file's start. Throws std::system_error.
     void writeAt(std::int64_t offset, std::span<const std::byte> bytes);
 
+    /// Flushes the file to the disk and lets others open it, who see an exclusive lock as a refusal where locks are
+    /// mandatory (SMB shares). To be called between the last writeAt() and any reading. Throws std::system_error.
+    void finishWriting();
+
     /// Flushes the file to the disk, renames it over the destination in one step and flushes the folder. Throws
     /// std::system_error, or ProjectError when its name no longer leads to this file; the destination is then what it
     /// was. Returns the error when only the last flush failed: the file is in place, but may not outlast a power cut.

@@ -3,8 +3,11 @@
 #include "tests/project/files/faulty_operations.h"
 #include "tests/support/temporary_folder.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <regex>
@@ -52,13 +55,18 @@ TEST(TemporaryExport, IsRenamedFlushedAndKeepsTheMode) {
         writeMovie(file);
         EXPECT_EQ(file.size(), 9);
         EXPECT_EQ(readFile(folder / "out.mov"), "old");
+        file.finishWriting();
+        const int reader = ::open(file.path().c_str(), O_RDONLY); // as where a lock keeps others from reading
+        EXPECT_EQ(::flock(reader, LOCK_SH | LOCK_NB), 0);
+        ::close(reader);
+        removeStaleTemporaryExports(folder / "out.mov");
         file.moveIntoPlace();
     }
     std::vector<std::string> lasting;
     std::copy_if(operations.calls().begin(), operations.calls().end(), std::back_inserter(lasting),
                  [](const auto& call) { return call == "writeAt" || call == "rename" || call.starts_with("flush"); });
-    EXPECT_EQ(lasting,
-              (std::vector<std::string>{"writeAt", "writeAt", "writeAt", "flush file", "rename", "flush folder"}));
+    EXPECT_EQ(lasting, (std::vector<std::string>{"writeAt", "writeAt", "writeAt", "flush file", "flush file", "rename",
+                                                 "flush folder"}));
     EXPECT_EQ(folder.names(), std::vector<std::string>{"out.mov"});
     EXPECT_EQ(readFile(folder / "out.mov"), "new movie");
     struct stat status {};
@@ -80,6 +88,7 @@ public:
         try {
             TemporaryExport file(destination(), operations);
             writeMovie(file);
+            file.finishWriting();
             file.moveIntoPlace();
             return true;
         } catch (const std::system_error&) {
@@ -118,8 +127,8 @@ TEST(TemporaryExport, AnyOperationFails) {
                 if (fault == Fault::failsForever) removeStaleTemporaryExports(attempt.destination());
                 attempt.expectNothingElse();
                 // The rights, locks and the folder's flush are the only ones to be done without.
-                if (fault == Fault::fails && call != "changeMode" && call != "tryLock" && call != "openFolder" &&
-                    call != "flush folder" && call != "close") {
+                if (fault == Fault::fails && call != "changeMode" && call != "tryLock" && call != "shareLock" &&
+                    call != "openFolder" && call != "flush folder" && call != "close") {
                     EXPECT_FALSE(inPlace);
                 }
             }

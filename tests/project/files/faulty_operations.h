@@ -64,6 +64,9 @@ public:
     int tryLock(int descriptor) override {
         return passed("tryLock", [&] { return system_.tryLock(descriptor); });
     }
+    int shareLock(int descriptor) override {
+        return passed("shareLock", [&] { return system_.shareLock(descriptor); });
+    }
     int status(int descriptor, struct stat& result) override {
         return passed("status", [&] { return system_.status(descriptor, result); });
     }
