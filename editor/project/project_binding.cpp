@@ -117,7 +117,8 @@ void ProjectBinding::saveProjectCopy(const std::filesystem::path& file) {
         BackgroundQueue::projects,
         [project = projectSnapshot(), file] {
             if (const auto clip = project.source.url.filePath()) LocalFileSafety::requireDistinct(*clip, file);
-            writeAtomically(systemFileOperations(), file, encodeProject(project));
+            // The user's own file in a folder of their choice, unlike the projects in the state directory.
+            writeAtomically(systemFileOperations(), file, encodeProject(project), HiddenFile::Access::destination);
             return Nothing{};
         },
         [this](Outcome<Nothing>& outcome) {

@@ -1,8 +1,6 @@
 // Saving on top of hidden files.
 #include "project/files/atomic_file.h"
 
-#include "project/files/hidden_file.h"
-
 #include <span>
 #include <system_error>
 
@@ -19,11 +17,12 @@ void check(const std::error_code& error) {
 
 } // namespace
 
-void writeAtomically(FileOperations& operations, const fs::path& path, std::string_view bytes) {
+void writeAtomically(FileOperations& operations, const fs::path& path, std::string_view bytes,
+                     HiddenFile::Access access) {
     try {
         const HiddenName name{{}, savingMarker, {}};
         HiddenFile file(
-            operations, path, [&] { return name.newPathBeside(path); }, HiddenFile::Access::user);
+            operations, path, [&] { return name.newPathBeside(path); }, access);
         file.writeAt(0, std::as_bytes(std::span(bytes)));
         check(file.moveIntoPlace());
     } catch (const std::system_error& error) {

@@ -1,17 +1,18 @@
 // Replaces files in one step: whoever reads finds the old content or the new, whatever happens in between.
 #pragma once
 
-#include "project/files/file_operations.h"
+#include "project/files/hidden_file.h"
 
 #include <filesystem>
 #include <string_view>
 
 namespace flowtide {
 
-/// Writes a hidden file beside `path` with mode 0600 and moves it into place (HiddenFile). Throws ProjectError with the
-/// system's sentence and takes the hidden file away; `path` then holds what it held, except when only the last flush
-/// failed.
-void writeAtomically(FileOperations& operations, const std::filesystem::path& path, std::string_view bytes);
+/// Writes a hidden file beside `path` and moves it into place (HiddenFile), open to those that `access` tells. Throws
+/// ProjectError with the system's sentence and takes the hidden file away; `path` then holds what it held, except when
+/// only the last flush failed.
+void writeAtomically(FileOperations& operations, const std::filesystem::path& path, std::string_view bytes,
+                     HiddenFile::Access access = HiddenFile::Access::user);
 
 /// Removes the hidden files that killed processes left in a folder while they wrote atomically. Best effort.
 void removeAbandonedSaves(FileOperations& operations, const std::filesystem::path& folder);

@@ -349,6 +349,10 @@ TEST_F(ProjectBindingTest, CopiesGoWhereTheUserSaysButNeverOverTheClip) {
     scheduler.settle();
     EXPECT_EQ(ProjectStore::load(folder / "copy.flowtide").edits.smoothing, 0.3);
     EXPECT_FALSE(model->alert().showError());
+    ::chmod((folder / "copy.flowtide").c_str(), 0640); // shared with a group, and stays so
+    model->saveProjectCopy(folder / "copy.flowtide");
+    scheduler.settle();
+    EXPECT_EQ(fs::status(folder / "copy.flowtide").permissions(), fs::perms(0640));
     const std::string clip = readFile(folder / "clip.mov");
     model->saveProjectCopy(folder / "clip.mov");
     scheduler.settle();
