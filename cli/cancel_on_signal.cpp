@@ -49,7 +49,9 @@ void CancelOnSignal::wait() {
         if (sigwait(&awaited, &signal) != 0 || signal == wakeUp) continue;
         cancel_();
         // From here on this thread takes the next request, with its default action: the end of the process.
-        pthread_sigmask(SIG_UNBLOCK, &requests_, nullptr);
+        sigset_t repeated = requests_;
+        sigdelset(&repeated, SIGHUP);
+        pthread_sigmask(SIG_UNBLOCK, &repeated, nullptr);
         sigemptyset(&awaited);
         sigaddset(&awaited, wakeUp);
     }

@@ -10,8 +10,9 @@
 namespace flowtide {
 
 /// While it lives, the first SIGINT, SIGTERM, SIGHUP or SIGQUIT calls a function (on a thread of its own) instead of
-/// ending the process, and a second one ends it. Signals that the process was started to ignore stay ignored. Made
-/// before any other thread starts, so that every thread inherits the blocked signals.
+/// ending the process, and a second one ends it, but for SIGHUP: a closed terminal sends that twice, from the shell and
+/// from the system. Signals that the process was started to ignore stay ignored. Made before any other thread starts,
+/// so that every thread inherits the blocked signals.
 class CancelOnSignal {
 public:
     explicit CancelOnSignal(std::function<void()> cancel);

@@ -20,7 +20,7 @@ void Console::printText(std::string_view text) const {
     errno = 0;
     output << text << std::flush;
     const int cause = errno;
-    if (output || cause == EPIPE) return;
+    if (output || cause == EPIPE || (isTerminal && cause == EIO)) return;
     throw FlowtideError::outputFailed(fmt::format("Standard output could not be written: {} (error {})",
                                                   std::generic_category().message(cause), cause));
 }

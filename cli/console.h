@@ -10,9 +10,11 @@ namespace flowtide {
 struct Console {
     std::ostream& output;
     std::ostream& error;
+    bool isTerminal = false; ///< whether the output was one at the start; a terminal can be closed
 
     /// Prints a line. Throws FlowtideError the first time that standard output does not take what it is given, so that
-    /// nobody takes a lost answer for a given one. A reader that goes away has read what it wanted: that is no failure.
+    /// nobody takes a lost answer for a given one. A reader or a terminal that goes away has been read as far as
+    /// anybody wanted: that is no failure.
     void print(std::string_view line) const;
     /// The same for a text that brings its own line feeds.
     void printText(std::string_view text) const;

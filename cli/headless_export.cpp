@@ -65,11 +65,19 @@ void printDerivedRanges(const HeadlessExportArguments& arguments, const ExportRe
                               ranges.empty() ? "none" : ranges));
 }
 
-/// Prints a line of the export; a warning is told on standard error too, where scripts look for it.
+/// Prints a line of the export; a warning, and what is left out, is told on standard error too, where scripts look for
+/// it.
 void printExportLine(std::string_view line, RunDisplay& display) {
     display.print(line);
+    constexpr std::string_view prefix = "[Export] ";
     constexpr std::string_view warning = "[Export] Warning: ";
-    if (line.starts_with(warning)) display.warn("[Headless] Warning: " + std::string(line.substr(warning.size())));
+    const auto warn = [&](std::size_t start) {
+        display.warn("[Headless] Warning: " + std::string(line.substr(start)));
+    };
+    if (line.starts_with(warning))
+        warn(warning.size());
+    else if (line.starts_with("[Export] Vertical crop skipped"))
+        warn(prefix.size());
 }
 
 void showProgressBar(std::int64_t frameCount, const Console& console, RunDisplay& display) {

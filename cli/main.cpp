@@ -7,6 +7,8 @@
 #include "ui/flowtide_app.h"
 #endif
 
+#include <unistd.h>
+
 #include <csignal>
 #include <exception>
 #include <filesystem>
@@ -37,7 +39,8 @@ int main(int argc, char** argv) {
     try {
         const auto backend = flowtide::makeFFmpegBackend();
         const flowtide::HeadlessExport::Arguments arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-        return flowtide::FlowtideMain::main(arguments, *backend, {std::cout, std::cerr}, windowStart(*backend));
+        return flowtide::FlowtideMain::main(arguments, *backend, {std::cout, std::cerr, ::isatty(STDOUT_FILENO) == 1},
+                                            windowStart(*backend));
     } catch (const std::exception& error) {
         std::cerr << "Loftwell Video ended unexpectedly: " << flowtide::sentenceFor(error) << '\n';
     } catch (...) {

@@ -8,13 +8,14 @@
 #include <csignal>
 #include <cstdlib>
 #include <future>
+#include <thread>
 
 namespace flowtide {
 namespace {
 
 TEST(CancelOnSignalDeathTest, FirstCancelsSecondEndsTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
+    for (const int signal : {SIGINT, SIGTERM, SIGQUIT}) {
         EXPECT_EXIT(
             {
                 ::signal(signal, SIG_DFL); // whatever this test was started with
@@ -22,12 +23,31 @@ TEST(CancelOnSignalDeathTest, FirstCancelsSecondEndsTheProcess) {
                 const CancelOnSignal cancelOnSignal([&] { cancelled.set_value(); });
                 ::kill(::getpid(), signal);
                 cancelled.get_future().wait();
+                ::kill(::getpid(), SIGHUP); // a terminal that closes, which is no second thought
                 ::kill(::getpid(), signal);
                 for (;;)
                     ::pause();
             },
             testing::KilledBySignal(signal), "");
     }
+}
+
+TEST(CancelOnSignalDeathTest, AClosedTerminalMaySaySoTwice) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            ::signal(SIGHUP, SIG_DFL);
+            std::promise<void> cancelled;
+            const CancelOnSignal cancelOnSignal([&] { cancelled.set_value(); });
+            ::kill(::getpid(), SIGHUP);
+            cancelled.get_future().wait();
+            for (int i = 0; i < 100; ++i) { // until a wrong waiter has certainly unblocked it
+                ::kill(::getpid(), SIGHUP);
+                std::this_thread::yield();
+            }
+            std::_Exit(3); // as it would after tidying up
+        },
+        testing::ExitedWithCode(3), "");
 }
 
 TEST(CancelOnSignal, StrayWakeUpsDoNotStopIt) {

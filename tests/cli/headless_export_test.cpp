@@ -26,12 +26,12 @@ protected:
 
     int run(HeadlessExport::Arguments arguments) { return runInto(output_, std::move(arguments)); }
 
-    int runInto(std::ostream& output, HeadlessExport::Arguments arguments) {
+    int runInto(std::ostream& output, HeadlessExport::Arguments arguments, bool isTerminal = false) {
         for (auto& argument : arguments)
             if (argument.ends_with(".mov")) argument = (folder_ / argument.c_str()).string();
         output_.str("");
         error_.str("");
-        return FlowtideMain::main(arguments, ScriptedBackend(script_), {output, error_});
+        return FlowtideMain::main(arguments, ScriptedBackend(script_), {output, error_, isTerminal});
     }
 
     TemporaryFolder folder_;
@@ -122,18 +122,22 @@ TEST_F(HeadlessExportTest, ALineThatCannotBePrintedEndsTheRunUnlessItsReaderHasG
         int status;
         std::string error;
         bool isInPlace;
+        bool isTerminal = false;
     } cases[] = {
         {"[Headless] Curve", ENOSPC, 1, "[Headless] Export failed: " + full, false},
         {"[Export] Verification passed", ENOSPC, 1, "[Headless] Export failed: " + full, false},
         {"[Headless] Done", ENOSPC, 1, "[Headless] Export failed: The export is in place, but: " + full, true},
         {"[Headless] Curve", EPIPE, 0, "", true},
+        {"[Export] Verification passed", EIO, 0, "", true, true},
+        {"[Headless] Curve", EIO, 1,
+         "[Headless] Export failed: Standard output could not be written: Input/output error (error 5)\n", false},
     };
-    for (const auto& [line, cause, status, error, isInPlace] : cases) {
+    for (const auto& [line, cause, status, error, isInPlace, isTerminal] : cases) {
         SCOPED_TRACE(line);
         std::filesystem::remove(folder_ / "out.mov");
         FailingBuffer buffer(line, cause);
         std::ostream output(&buffer);
-        EXPECT_EQ(runInto(output, arguments), status);
+        EXPECT_EQ(runInto(output, arguments, isTerminal), status);
         EXPECT_EQ(error_.str(), error);
         EXPECT_EQ(folder_.names(),
                   isInPlace ? std::vector<std::string>({"in.mov", "out.mov"}) : std::vector<std::string>({"in.mov"}));
