@@ -143,6 +143,23 @@ void makeDemoClip(const MediaBackend& backend, const std::filesystem::path& path
     file.moveIntoPlace();
 }
 
+struct DemoNames {
+    std::filesystem::path source;
+    std::filesystem::path retimed;
+};
+
+/// The first pair of names that nothing in the folder has: nobody was asked whether a file may be replaced.
+DemoNames freeNames(const std::filesystem::path& folder) {
+    const auto isTaken = [](const std::filesystem::path& path) {
+        return std::filesystem::exists(std::filesystem::symlink_status(path));
+    };
+    for (int number = 1;; ++number) {
+        const std::string stem = number == 1 ? "demo" : fmt::format("demo-{}", number);
+        DemoNames names{folder / (stem + ".mov"), folder / (stem + "-retimed.mov")};
+        if (!isTaken(names.source) && !isTaken(names.retimed)) return names;
+    }
+}
+
 } // namespace
 
 int runDemo(const std::filesystem::path& folder, const MediaBackend& backend, const Console& console) {
@@ -154,8 +171,7 @@ int runDemo(const std::filesystem::path& folder, const MediaBackend& backend, co
             engine.cancel();
         });
         std::filesystem::create_directories(folder);
-        const auto source = folder / "demo.mov";
-        const auto retimed = folder / "demo-retimed.mov";
+        const auto [source, retimed] = freeNames(folder);
         makeDemoClip(backend, source, isCancelled);
         console.print(
             fmt::format("The clip, four seconds long, is at {}.", std::filesystem::absolute(source).string()));

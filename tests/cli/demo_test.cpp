@@ -150,6 +150,26 @@ TEST(Demo, TheClipIsWhatItIsSaidToBe) {
     }
 }
 
+TEST(Demo, NobodysFilesAreReplaced) {
+    const TemporaryFolder folder;
+    writeFile(folder / "demo.mov", "a recording");
+    writeFile(folder / "demo-2-retimed.mov", "another");
+    std::vector<RecordedMovie> movies;
+    movies.reserve(2);
+    std::ostringstream output;
+    std::ostringstream error;
+    MediaScript script;
+    script.source = plainProbe();
+    script.probeOfOutput = [&](ProbedMedia media) {
+        media.duration = static_cast<double>(movies.back().frames.size()) / 25;
+        return media;
+    };
+    ASSERT_EQ(runDemo(folder.path(), RecordingBackend(script, movies), {output, error}), 0) << error.str();
+    EXPECT_EQ(folder.names(),
+              (std::vector<std::string>{"demo-2-retimed.mov", "demo-3-retimed.mov", "demo-3.mov", "demo.mov"}));
+    EXPECT_EQ(readFile(folder / "demo.mov") + readFile(folder / "demo-2-retimed.mov"), "a recordinganother");
+}
+
 TEST(Demo, AFailureIsOneSentence) {
     const TemporaryFolder folder;
     writeFile(folder / "file", "in the way");
