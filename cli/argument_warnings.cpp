@@ -66,27 +66,56 @@ void addZoomFields(const SortedWords& words, Warnings& warnings) {
     }
 }
 
-void addPointsOutsideTheTrim(const SortedWords& words, const ExportRequest& request, Warnings& warnings) {
-    if (words.positional(2).value_or("").empty()) return; // the default curve spans the whole clip
+/// Of points that a curve over the trim is made of. `what` and `value` name them and their value.
+void addPointsOutsideTheTrim(const char* what, const char* value, const SpeedKeyframes& points, double otherwise,
+                             const ExportRequest& request, Warnings& warnings) {
+    if (points.empty()) return;
     const SourceRange range = *request.sourceRange;
-    const SpeedKeyframes curve =
-        KeyframeRules::curveForSourceRange(request.keyframes, request.clip.duration, range, realTimeSpeed);
+    const SpeedKeyframes curve = KeyframeRules::curveForSourceRange(points, request.clip.duration, range, otherwise);
     std::string before;
     std::string after;
-    for (const SpeedKeyframe& point : request.keyframes) {
+    for (const SpeedKeyframe& point : points) {
         const auto isPoint = [&](const SpeedKeyframe& kept) { return kept.id == point.id; };
         if (std::any_of(curve.begin(), curve.end(), isPoint)) continue;
         std::string& side = point.time <= range.lower ? before : after;
         side +=
             fmt::format("{}{}:{}", side.empty() ? "" : ", ", shortestDecimal(point.time), shortestDecimal(point.speed));
     }
-    const auto add = [&](const std::string& points, const char* side, const char* edge, double speed) {
-        if (!points.empty())
-            warnings.push_back(fmt::format("Curve points {} the trim have no effect ({}); the export {} at speed {}.",
-                                           side, points, edge, shortestDecimal(speed)));
+    const auto add = [&](const std::string& outside, const char* side, const char* edge, double atEdge) {
+        if (!outside.empty())
+            warnings.push_back(fmt::format("{} points {} the trim have no effect ({}); the export {} at {} {}.", what,
+                                           side, outside, edge, value, shortestDecimal(atEdge)));
     };
     add(before, "before", "starts", curve.front().speed);
     add(after, "after", "ends", curve.back().speed);
+}
+
+void addPointsOutsideTheTrim(const SortedWords& words, const ExportRequest& request, Warnings& warnings) {
+    // The default curve spans the whole clip.
+    if (!words.positional(2).value_or("").empty())
+        addPointsOutsideTheTrim("Curve", "speed", request.keyframes, realTimeSpeed, request, warnings);
+    addPointsOutsideTheTrim("Crop", "position",
+                            parseCropPoints(words.option("--vertical-crop").value_or(""), request.clip.duration),
+                            centeredCrop, request, warnings);
+}
+
+void addStretchesOutsideTheTrim(const SortedWords& words, const ExportRequest& request, Warnings& warnings) {
+    const SourceRange trim = *request.sourceRange;
+    const auto add = [&](const std::string& stretch, double start, double end) {
+        if (end <= start)
+            warnings.push_back(fmt::format("The {} ends before it begins and has no effect.", stretch));
+        else if (end <= trim.lower || trim.upper <= start)
+            warnings.push_back(fmt::format("The {} lies outside the trim and has no effect.", stretch));
+    };
+    for (const ZoomFields& fields : splitZoomBlocks(words.option("--zoom").value_or("")))
+        if (const auto zoom = parseZoomBlocks(fields.text))
+            for (const ZoomBlock& block : zoom->blocks)
+                add(fmt::format("zoom block \"{}\"", fields.text), block.startTime, block.endTime);
+    if (request.interpolation != FrameInterpolation::opticalFlow) return;
+    const auto ranges = parseOpticalFlowRanges(words.option("--flow-ranges"), request.clip.duration);
+    for (const SourceRange& range : ranges.value_or(SourceRanges{}))
+        add(fmt::format("flow range {}:{}", shortestDecimal(range.lower), shortestDecimal(range.upper)), range.lower,
+            range.upper);
 }
 
 void addForeignExtension(const ExportRequest& request, Warnings& warnings) {
@@ -108,6 +137,7 @@ std::vector<std::string> warningsAbout(const SortedWords& words, const ExportReq
     addOptionsWithoutEffect(words, request, warnings);
     addZoomFields(words, warnings);
     addPointsOutsideTheTrim(words, request, warnings);
+    addStretchesOutsideTheTrim(words, request, warnings);
     addForeignExtension(request, warnings);
     return warnings;
 }

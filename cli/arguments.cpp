@@ -174,17 +174,22 @@ double parseAspect(const std::optional<std::string>& text) {
     return aspect;
 }
 
+SpeedKeyframes parseCropPoints(const std::string& text, double duration) {
+    if (text.empty() || isCenter(text)) return {};
+    return parsePoints(text, duration, leftmostCrop, rightmostCrop, [](const std::string& piece) {
+        return fmt::format("Invalid centering segment \"{}\" — expected time:position (0-1)", piece);
+    });
+}
+
 std::optional<VerticalCropSettings> parseVerticalCrop(const std::optional<std::string>& text, double aspect,
                                                       double smoothing, double duration, SourceRange sourceRange) {
     if (!text) return std::nullopt;
     VerticalCropSettings settings;
     settings.aspectRatio = aspect;
     settings.smoothing = std::clamp(smoothing, 0.0, 1.0);
-    if (text->empty() || isCenter(*text)) return settings;
-    const auto points = parsePoints(*text, duration, leftmostCrop, rightmostCrop, [](const std::string& piece) {
-        return fmt::format("Invalid centering segment \"{}\" — expected time:position (0-1)", piece);
-    });
-    settings.centerKeyframes = KeyframeRules::curveForSourceRange(points, duration, sourceRange, centeredCrop);
+    const SpeedKeyframes points = parseCropPoints(*text, duration);
+    if (!points.empty())
+        settings.centerKeyframes = KeyframeRules::curveForSourceRange(points, duration, sourceRange, centeredCrop);
     return settings;
 }
 

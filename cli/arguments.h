@@ -36,7 +36,10 @@ std::optional<SourceRanges> parseOpticalFlowRanges(const std::optional<std::stri
 /// "width:height" as width ÷ height; no text: the first shape, 9:16.
 double parseAspect(const std::optional<std::string>& text);
 
-/// "time:position,…" or "center"; no crop at all when absent.
+/// "time:position,…", sorted and clamped to the clip and to the crop's positions; none for "center" and no text.
+SpeedKeyframes parseCropPoints(const std::string& text, double duration);
+
+/// As parseCropPoints() has it, over the trim; no crop at all when absent.
 std::optional<VerticalCropSettings> parseVerticalCrop(const std::optional<std::string>& text, double aspect,
                                                       double smoothing, double duration, SourceRange sourceRange);
 

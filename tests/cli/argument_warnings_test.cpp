@@ -59,6 +59,16 @@ TEST(ArgumentWarnings, EachTrapIsNamedOnce) {
         {{"1.9:0.5,2:3,8:4,8.1:5", "", "2:8"},
          {"Curve points before the trim have no effect (1.9:0.5); the export starts at speed 3.0.",
           "Curve points after the trim have no effect (8.1:5.0); the export ends at speed 4.0."}},
+        {{"", "", "5:8", "--vertical-crop", "0:0.2,6:0.5,8:1,9:0.1"},
+         {"Crop points before the trim have no effect (0.0:0.2); the export starts at position 0.5.",
+          "Crop points after the trim have no effect (9.0:0.1); the export ends at position 1.0."}},
+        {{"", "", "2:8", "--zoom", "5-4:2;1-2:2;1-2.1:2;7.9-9:2;8-9:2"},
+         {"The zoom block \"5-4:2\" ends before it begins and has no effect.",
+          "The zoom block \"1-2:2\" lies outside the trim and has no effect.",
+          "The zoom block \"8-9:2\" lies outside the trim and has no effect."}},
+        {{"", "", "2:8", "--interpolation", "optical-flow", "--flow-ranges", "0:2,1:3,8:10"},
+         {"The flow range 0.0:2.0 lies outside the trim and has no effect.",
+          "The flow range 8.0:10.0 lies outside the trim and has no effect."}},
     };
     for (const auto& [words, expected] : cases)
         EXPECT_EQ(warnings(words), expected) << testing::PrintToString(words);
