@@ -106,6 +106,9 @@ private:
                                       const_cast<const std::uint8_t**>(frame_->extended_data), frame_->nb_samples);
         if (count < 0) throw FlowtideError::readerFailed("Could not read decoded audio.");
 
+        // No number is no sound: it would spread through the encoder, or be refused by it.
+        std::replace_if(
+            block.samples.begin(), block.samples.end(), [](float sample) { return !std::isfinite(sample); }, 0.0F);
         const double start = startOf(*frame_);
         nextStart_ = start + static_cast<double>(frame_->nb_samples) / frame_->sample_rate;
         const double audible = trackEnd_ ? std::round((*trackEnd_ - start) * sampleRate_) : count;

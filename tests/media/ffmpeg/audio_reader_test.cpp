@@ -57,6 +57,22 @@ TEST_F(AudioReaderTest, EditsPlayOneAfterTheOther) {
     }
 }
 
+TEST_F(AudioReaderTest, SamplesThatAreNoNumbersAreSilent) {
+    ClipRecipe recipe;
+    recipe.sampleRate = 48'000;
+    recipe.audioFormat = linearPCM;
+    recipe.audioBitDepth = 32;
+    recipe.sound = [](double seconds, int channel) {
+        if (channel == 0 && seconds == 0.5) return std::nan("");
+        return channel == 1 && seconds == 0.25 ? HUGE_VAL : 0.125;
+    };
+    const AudioData audio = AudioDecoding::readAll(*backend_, make("in.mov", recipe), {0, 1});
+    EXPECT_EQ(audio.samples.at(2 * 24'000), 0);
+    EXPECT_EQ(audio.samples.at(2 * 12'000 + 1), 0);
+    EXPECT_EQ(std::count(audio.samples.begin(), audio.samples.end(), 0.125F),
+              static_cast<std::ptrdiff_t>(audio.samples.size()) - 2);
+}
+
 TEST_F(AudioReaderTest, AFileThatEndsEarlyIsAFailureWhereItsSoundIsAskedFor) {
     for (const auto& [name, format] : {std::pair{"in.mov", linearPCM}, {"in.mp4", aac}}) {
         ClipRecipe recipe;
