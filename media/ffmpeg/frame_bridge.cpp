@@ -4,6 +4,7 @@
 #include "media/flowtide_error.h"
 
 extern "C" {
+#include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
 
@@ -52,6 +53,19 @@ const int* coefficients(const AVFrame& frame) {
     const int matrix = codeIn(frame.colorspace);
     const bool known = matrix != AVCOL_SPC_UNSPECIFIED && matrix != AVCOL_SPC_RGB;
     return sws_getCoefficients(known ? matrix : frame.height > 576 ? SWS_CS_ITU709 : SWS_CS_ITU601);
+}
+
+/// Where the scaler takes chroma samples to lie across, in 1/256 of a luma pixel from the left one of those they stand
+/// for. Of its own accord it puts them in the middle; codecs put them on the left unless a frame says otherwise.
+constexpr int chromaOnTheLeft = 0;
+constexpr int chromaInTheMiddle = -513;
+
+int chromaPosition(const AVFrame& frame) {
+    const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
+    const int location = codeIn(frame.chroma_location);
+    const bool isCentered =
+        location == AVCHROMA_LOC_CENTER || location == AVCHROMA_LOC_TOP || location == AVCHROMA_LOC_BOTTOM;
+    return isCentered || !format || format->log2_chroma_w == 0 ? chromaInTheMiddle : chromaOnTheLeft;
 }
 
 /// A code's standard name; nothing for "unspecified", for 0 (RGB or reserved, which no YCbCr track means) and for
@@ -119,9 +133,17 @@ VideoFrame FrameImporter::convert(const AVFrame& frame) {
     converted->height = height_;
     if (av_frame_get_buffer(converted.get(), 0) < 0) throw std::bad_alloc();
 
+    if (!scaler_) {
+        // The positions outlast what sws_getCachedContext makes of it.
+        scaler_.reset(sws_alloc_context());
+        if (!scaler_ || av_opt_set_int(scaler_.get(), "src_h_chr_pos", chromaPosition(frame), 0) < 0 ||
+            av_opt_set_int(scaler_.get(), "dst_h_chr_pos", chromaOnTheLeft, 0) < 0)
+            throw std::bad_alloc();
+    }
+    // With the chroma of every pixel: else RGB's is averaged in pairs first.
+    constexpr int flags = SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT | SWS_FULL_CHR_H_INP;
     scaler_.reset(sws_getCachedContext(scaler_.release(), frame.width, frame.height, withoutRange(frame.format), width_,
-                                       height_, pixelFormat(layout_),
-                                       SWS_BICUBIC | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr));
+                                       height_, pixelFormat(layout_), flags, nullptr, nullptr, nullptr));
     if (!scaler_) throw FlowtideError::readerFailed(decodeFailure);
     constexpr int neutral = 1 << 16; // 1.0 in 16.16: contrast and saturation untouched
     sws_setColorspaceDetails(scaler_.get(), coefficients(frame), isFullRange(frame) ? 1 : 0, coefficients(frame),

@@ -58,6 +58,32 @@ TEST(FrameImporter, RGBBecomesBT709InEverySize) {
             }
 }
 
+TEST(FrameImporter, ChromaLiesOnTheLeft) {
+    // Half red, half blue: a chroma sample on column 8 lies half a pixel behind the edge, that on column 6 one and a
+    // half before it.
+    constexpr int edge = 8;
+    FramePtr rgb = flatFrame(AV_PIX_FMT_RGB24, 32, 16, {255, 0, 0});
+    FramePtr yuv = flatFrame(AV_PIX_FMT_YUV444P, 32, 16, {63, 102, 240});
+    FramePtr centered = flatFrame(AV_PIX_FMT_YUV422P, 32, 16, {63, 102, 240});
+    centered->chroma_location = AVCHROMA_LOC_CENTER;
+    for (int y = 0; y < 16; ++y) {
+        for (int x = edge; x < 32; ++x) {
+            const std::uint8_t blue[] = {0, 0, 255};
+            std::copy(blue, blue + 3, rgb->data[0] + y * rgb->linesize[0] + 3 * x);
+            yuv->data[1][y * yuv->linesize[1] + x] = 240;
+        }
+        for (int x = edge / 2; x < 16; ++x)
+            centered->data[1][y * centered->linesize[1] + x] = 240;
+    }
+    for (FramePtr* frame : {&rgb, &yuv, &centered}) {
+        FrameImporter importer({}, 32, 16);
+        const VideoFrame imported = importer.import(std::move(*frame));
+        EXPECT_LE(std::abs(sample(imported, 1, 3, 4) - 102), 12) << "before the edge";
+        EXPECT_GE(std::abs(sample(imported, 1, 4, 4) - 240), 15) << "on it";
+        EXPECT_LE(std::abs(sample(imported, 1, 6, 4) - 240), 4) << "behind it";
+    }
+}
+
 TEST(FrameImporter, RangesAreKeptOrConvertedAsTheFramesSay) {
     // Video range 16...235 and 16...240 stands for what full range 0...255 does.
     const struct {
