@@ -94,6 +94,8 @@ CodecContextPtr openDecoder(const AVStream& stream, const char* failure, Decoder
     auto context = allocated<CodecContextPtr>(avcodec_alloc_context3(codec));
     context->pkt_timebase = stream.time_base;
     context->thread_count = 0; // one per core
+    // Else columns that are cropped from the left stay in the picture where that keeps it aligned.
+    context->flags |= AV_CODEC_FLAG_UNALIGNED;
     context->thread_type = threads == DecoderThreads::lowDelay ? FF_THREAD_SLICE : FF_THREAD_FRAME | FF_THREAD_SLICE;
     if (avcodec_parameters_to_context(context.get(), stream.codecpar) < 0 ||
         avcodec_open2(context.get(), codec, nullptr) < 0)
