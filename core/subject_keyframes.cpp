@@ -120,60 +120,62 @@ public:
         , tolerance_(tolerance)
         , points_{{0, path.front()}} {
         if (times.size() > 1) points_.push_back({times.size() - 1, path.back()});
-        for (std::size_t i = 0; i < times.size();
-             ++i) // a path that could not suit a sample is all that can be asked for
+        // A path that could not suit a sample is all that can be asked for.
+        for (std::size_t i = 0; i < times.size(); ++i)
             allowed_.push_back(std::max(tolerance, std::abs(path[i] - wanted[i]) + (1 - pathShare) * tolerance));
     }
 
     /// Takes points of the path in until the curve suits every sample.
     void refine() {
+        if (points_.size() < 2) return;
+        std::vector<Excess> worst{worstBetween(0)}; // by the point before it
         for (;;) {
-            std::optional<std::size_t> worst;
-            double most = rounding;
-            walk(points_, 0, points_.size() - 1, [&](std::size_t i, double value) {
-                const double excess = excessOf(i, value);
-                if (excess <= most) return;
-                worst = i;
-                most = excess;
-            });
-            if (!worst) return;
-            const auto place = std::partition_point(points_.begin(), points_.end(),
-                                                    [&](const Point& point) { return point.sample < *worst; });
-            points_.insert(place, {*worst, path_[*worst]});
+            const auto most = std::max_element(worst.begin(), worst.end(),
+                                               [](const Excess& a, const Excess& b) { return a.amount < b.amount; });
+            if (most->amount <= rounding) return;
+            const std::size_t sample = most->sample;
+            const auto added = static_cast<std::size_t>(most - worst.begin()) + 1;
+            points_.insert(points_.begin() + static_cast<std::ptrdiff_t>(added), {sample, path_[sample]});
+            worst.insert(most, Excess{});
+            const Stretch bent = stretchAround(points_, added, added);
+            for (std::size_t i = bent.first; i < bent.last; ++i)
+                worst[i] = worstBetween(i);
         }
     }
 
     /// Leaves points out again for as long as the curve still suits every sample; first those that bring the curve
     /// least far from the path.
     void prune() {
+        std::vector<double> strays; // by point
+        for (std::size_t i = 0; i < points_.size(); ++i)
+            strays.push_back(strayWithout(i));
         for (;;) {
-            std::optional<std::size_t> best;
-            double bestStray = std::numeric_limits<double>::infinity();
-            for (std::size_t i = 1; i + 1 < points_.size(); ++i) {
-                const Points fewer = without(i);
-                const Stretch stretch = stretchAround(fewer, i - 1, i);
-                if (misfit(fewer, stretch) > 0) continue;
-                double stray = 0;
-                walk(fewer, stretch.first, stretch.last,
-                     [&](std::size_t k, double value) { stray = std::max(stray, std::abs(value - path_[k])); });
-                if (stray < bestStray) {
-                    best = i;
-                    bestStray = stray;
-                }
-            }
-            if (!best) break;
-            points_ = without(*best);
+            const auto best = std::min_element(strays.begin(), strays.end());
+            if (*best == indispensable) return;
+            const auto removed = static_cast<std::size_t>(best - strays.begin());
+            points_.erase(points_.begin() + static_cast<std::ptrdiff_t>(removed));
+            strays.erase(best);
+            const std::size_t first = removed > reach ? removed - reach : 0;
+            for (std::size_t i = first; i < std::min(removed + reach, points_.size()); ++i)
+                strays[i] = strayWithout(i);
         }
     }
 
     /// Leaves out points that can be done without once their neighbours are moved.
     void merge() {
+        std::vector<bool> isWorthTrying(points_.size(), true); // by point: not where nothing near it has changed since
         for (bool changes = true; changes;) {
             changes = false;
             for (std::size_t i = 1; i + 1 < points_.size(); ++i) {
+                if (!isWorthTrying[i]) continue;
                 Points fewer = without(i);
-                if (!settle(fewer, i)) continue;
+                isWorthTrying[i] = settle(fewer, i);
+                if (!isWorthTrying[i]) continue;
                 points_ = std::move(fewer);
+                isWorthTrying.erase(isWorthTrying.begin() + static_cast<std::ptrdiff_t>(i));
+                const std::size_t first = i > reach ? i - reach - 1 : 0;
+                for (std::size_t k = first; k < std::min(i + reach + 1, points_.size()); ++k)
+                    isWorthTrying[k] = true;
                 changes = true;
                 --i;
             }
@@ -193,6 +195,41 @@ private:
         std::size_t first;
         std::size_t last;
     };
+
+    /// By how much a curve exceeds what is allowed at a sample.
+    struct Excess {
+        std::size_t sample = 0;
+        double amount = 0;
+    };
+    /// The largest between a point and the next one.
+    Excess worstBetween(std::size_t point) const {
+        Excess worst;
+        walk(points_, point, point + 1, [&](std::size_t i, double value) {
+            if (const double amount = excessOf(i, value); amount > worst.amount) worst = {i, amount};
+        });
+        return worst;
+    }
+
+    static constexpr double indispensable = std::numeric_limits<double>::infinity();
+    /// Points farther from one that is left out have no part in the curve around it: that bends up to the second one on
+    /// either side, whose slopes look one farther.
+    static constexpr std::size_t reach = 5;
+
+    /// How far from the path a curve without one point comes, where it still suits every sample.
+    double strayWithout(std::size_t point) const {
+        if (point == 0 || point + 1 >= points_.size()) return indispensable;
+        const std::size_t from = point > reach ? point - reach : 0;
+        const std::size_t to = std::min(point + reach + 1, points_.size());
+        Points fewer(points_.begin() + static_cast<std::ptrdiff_t>(from),
+                     points_.begin() + static_cast<std::ptrdiff_t>(to));
+        fewer.erase(fewer.begin() + static_cast<std::ptrdiff_t>(point - from));
+        const Stretch stretch = stretchAround(fewer, point - from - 1, point - from);
+        if (misfit(fewer, stretch) > 0) return indispensable;
+        double stray = 0;
+        walk(fewer, stretch.first, stretch.last,
+             [&](std::size_t i, double value) { stray = std::max(stray, std::abs(value - path_[i])); });
+        return stray;
+    }
 
     Points without(std::size_t i) const {
         Points fewer = points_;

@@ -74,32 +74,28 @@ void FramingEdits::cancelCropDrag() {
     session_.cancelCurveEdit();
 }
 
-SpeedKeyframes FramingEdits::trackedKeyframes(const SubjectTrackResult& result) const {
-    if (!session_.clip()) return {};
-    return result.keyframes(cropFraction(*session_.clip(), session_.framing.cropAspectRatio()));
-}
-
-void FramingEdits::applySubjectTrackingResult(const SubjectTrackResult& result) {
-    if (!session_.clip() || result.samples.empty()) return;
+std::size_t FramingEdits::applySubjectTrackingResult(const SubjectTrackResult& result) {
+    if (!session_.clip() || result.samples.empty()) return 0;
     const ImportedClip& clip = *session_.clip();
     SpeedKeyframes keyframes = session_.framing.centerKeyframes();
     const double first = result.samples.front().time - spanTolerance;
     // The last frame is shown to its end: a point left there would draw the crop away from the subject.
     const double last = result.samples.back().time + clip.frameDuration.seconds() + spanTolerance;
     std::erase_if(keyframes, [&](const SpeedKeyframe& each) { return each.time >= first && each.time <= last; });
-    const SpeedKeyframes tracked = trackedKeyframes(result);
+    const SpeedKeyframes tracked = result.keyframes(cropFraction(clip, session_.framing.cropAspectRatio()));
     keyframes.insert(keyframes.end(), tracked.begin(), tracked.end());
     std::vector<SubjectTrackingRange> ranges = session_.trackedRanges();
     const auto found = result.trackedRanges(clip.frameDuration.seconds(), session_.curve.trimRange());
     ranges.insert(ranges.end(), found.begin(), found.end());
     ranges = SubjectTrackingRange::merged(std::move(ranges));
-    if (ranges.size() > mostTrackingRanges) return;
+    if (ranges.size() > mostTrackingRanges) return 0;
 
     session_.beginCurveEdit();
     replaceCenterKeyframes(std::move(keyframes));
     session_.setTrackedRanges(std::move(ranges));
     session_.endCurveEdit();
     session_.scheduleProjectSave();
+    return tracked.size();
 }
 
 void FramingEdits::setCenterSmoothing(double glide) {

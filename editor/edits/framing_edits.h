@@ -26,10 +26,9 @@ public:
     void endCropDrag();
     void cancelCropDrag();
 
-    /// Puts a finished track's keyframes in place of those in the tracked span. One step of history.
-    void applySubjectTrackingResult(const SubjectTrackResult& result);
-    /// A track's keyframes for the crop as it is chosen.
-    SpeedKeyframes trackedKeyframes(const SubjectTrackResult& result) const;
+    /// Puts a finished track's keyframes, for the crop as it is chosen, in place of those in the tracked span. One step
+    /// of history. Returns how many they are.
+    std::size_t applySubjectTrackingResult(const SubjectTrackResult& result);
 
     void setCenterSmoothing(double glide);
     void setVerticalCropEnabled(bool enabled);

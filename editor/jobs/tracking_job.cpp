@@ -141,18 +141,17 @@ void TrackingJob::finish(Outcome<SubjectTrackResult>& outcome, const Basis& befo
             trackingMessage_.set("Framing changed while tracking. Track again to keep your new edits.");
             return;
         }
-        framing_.applySubjectTrackingResult(result);
+        const std::size_t count = framing_.applySubjectTrackingResult(result);
         if (result.lostSubject && !result.samples.empty())
             trackingStoppedAt_.set(result.lostAfterSeed ? result.samples.back().time : result.samples.front().time);
-        trackingMessage_.set(closingSentence(result));
+        trackingMessage_.set(closingSentence(result, count));
     } catch (const std::exception& error) {
         trackingMessage_.set(failureToShow(error));
     }
     session_.preview().scheduleSmartPreview();
 }
 
-std::string TrackingJob::closingSentence(const SubjectTrackResult& result) const {
-    const std::size_t count = framing_.trackedKeyframes(result).size();
+std::string TrackingJob::closingSentence(const SubjectTrackResult& result, std::size_t count) const {
     if (result.lostSubject)
         return count == 0 ? "Tracking stopped — subject lost. Choose a clearer frame and try again."
                           : fmt::format("Tracking stopped — subject lost. Tracked {} keyframes. Review the orange "
