@@ -8,18 +8,22 @@ namespace flowtide {
 constexpr std::string_view helpText = R"(Loftwell Video: change the playback speed of one clip along a smooth curve.
 
 Usage:
+  Flowtide [clip or .flowtide project]
   Flowtide --headless-export <input> <output> [curve] [smoothing] [trim] [options]
   Flowtide --headless-proxy <input>
   Flowtide demo [folder]
   Flowtide --help | --version
 
 The input (MOV, MP4 or M4V) is never written to. The output keeps the input's
-container, codec, size, frame rate, bit depth, colour tags and audio format. It is
+container, codec, size, frame rate, bit depth, colour tags and audio format, where
+those are H.264, HEVC or ProRes and AAC or linear PCM; others become HEVC and AAC. It is
 reopened and compared with the input before it replaces anything.
 
 --headless-proxy makes a copy that fits into 1280 × 720 and shows any of its frames at
 once (H.264 with key frames only, each frame at its own time), in $TMPDIR or /tmp, and
 prints its path. The copy stays until you delete it.
+
+demo makes a clip and a retimed one in the folder (default: flowtide-demo).
 
 Positional arguments of --headless-export:
   curve      time:speed,…     Points of the speed curve: source seconds and a speed
@@ -34,17 +38,18 @@ Positional arguments of --headless-export:
 Options, anywhere on the line, each with one value:
   --interpolation WORD        nearest (repeat original frames, the default) or
                               optical-flow (make in-between frames).
-  --smooth-fps RATE           Unique frames per output second below which a stretch
-                              counts as slow motion. Default: 30.
-  --flow-ranges RANGES        start:end,… in source seconds, or none. Default: derived
-                              from the curve.
+  --smooth-fps RATE           With optical-flow: unique frames per output second below
+                              which a stretch counts as slow motion. Default: 30.
+  --flow-ranges RANGES        With optical-flow: start:end,… in source seconds, or none.
+                              Default: derived from the curve.
   --vertical-crop POINTS      Crop to a narrower frame: time:position,… with positions
                               0 (left) to 1 (right), or center.
   --vertical-aspect W:H       The crop's shape. Default: 9:16.
   --vertical-smoothing 0…1    How softly the crop glides. Default: 0.5.
-  --zoom BLOCKS               start-end:amount[:mode[:fx:fy[:speed]]];… Mode is inout,
-                              in, out or constant; fx and fy (0…1, or from>to) are the
-                              focal point, speed is the ramp in seconds.
+  --zoom BLOCKS               start-end:amount[:mode[:fx:fy[:ramp]]];… Amount is 1.1 to
+                              4. Mode is inout (default), in, out or constant; fx and fy
+                              (0…1, or from>to; default 0.5) are the focal point; ramp
+                              is 0 to 3 seconds of the output (default 0.6).
 
 Examples:
   Flowtide --headless-export take.mov dip.mov 0:1,1:0.25,2:1
@@ -56,7 +61,7 @@ Sound is decoded into memory: the exported part may hold 512 MB of it, 134,217,7
 samples (23 minutes of stereo at 48 kHz). What the trim leaves out does not count.
 
 Exit status: 0 on success; 1 after one line on standard error that says why, with the
-destination as it was. What was asked for and is not done gets a line of its own there,
+destination as it was unless the line says that the export is in place. What was asked for and is not done gets a line of its own there,
 "[Headless] Warning: …", and the export goes on. Ctrl-C, a closed terminal or a
 termination request cancels and leaves nothing behind.
 )";
