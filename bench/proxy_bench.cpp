@@ -135,8 +135,13 @@ int main(int argc, char** argv) {
                 if (!measureProxy(argv[i], scratch)) return 1;
             return 0;
         }
+        const std::filesystem::path footage(FLOWTIDE_CLIPS);
+        if (!std::filesystem::exists(footage)) {
+            std::printf("No footage in %s\n", footage.c_str());
+            return 0;
+        }
         for (const char* clip : clips)
-            if (!measureProxy(std::string(FLOWTIDE_CLIPS) + "/camera/" + clip, scratch)) return 1;
+            if (!measureProxy(footage / "camera" / clip, scratch)) return 1;
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
