@@ -1,6 +1,7 @@
 // The framing's state and its glide table.
 #include "editor/framing.h"
 
+#include <tuple>
 #include <utility>
 
 namespace flowtide {
@@ -50,11 +51,15 @@ double Framing::liveCropTravel(double time) const {
 }
 
 double Framing::glidedCropTravel(double time) const {
-    GlideTableKey key{centerKeyframes(), centerSmoothing(), curve_.keyframes(), curve_.smoothing(), curve_.trimRange()};
-    if (glideTableKey_ != key) {
-        glideTableSamples_ = glideTable(playedKeyframes(centerKeyframes(), curve_), centerSmoothing(), curve_.timeMap(),
-                                        glideTableStep_);
-        glideTableKey_ = std::move(key);
+    const double glide = centerSmoothing();
+    const double smoothing = curve_.smoothing();
+    const SourceRange trim = curve_.trimRange();
+    // Of references: this is asked for every column of the graph.
+    const auto key = std::tie(centerKeyframes(), glide, curve_.keyframes(), smoothing, trim);
+    if (!glideTableKey_ || *glideTableKey_ != key) {
+        glideTableSamples_ =
+            glideTable(playedKeyframes(centerKeyframes(), curve_), glide, curve_.timeMap(), glideTableStep_);
+        glideTableKey_ = key;
     }
     if (glideTableSamples_.size() < 2) return liveCropTravel(time);
     return glidedCenter(glideTableSamples_, {time}, curve_.timeMap(), glideTableStep_);

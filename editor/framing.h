@@ -9,6 +9,7 @@
 #include "media/imported_clip.h"
 
 #include <optional>
+#include <tuple>
 #include <vector>
 
 namespace flowtide {
@@ -60,14 +61,8 @@ private:
     Observed<bool> lockCropCenter_;
     Observed<bool> isCropDragActive_;
 
-    struct GlideTableKey {
-        SpeedKeyframes centerKeyframes;
-        double glide = 0;
-        SpeedKeyframes speedKeyframes;
-        double speedSmoothing = 0;
-        SourceRange trimRange;
-        friend bool operator==(const GlideTableKey&, const GlideTableKey&) = default;
-    };
+    /// What the table was made of: framing keyframes, glide, speed keyframes, smoothing, trim.
+    using GlideTableKey = std::tuple<SpeedKeyframes, double, SpeedKeyframes, double, SourceRange>;
     mutable std::optional<GlideTableKey> glideTableKey_;
     mutable std::vector<double> glideTableSamples_;
     double glideTableStep_ = 1.0 / 60; ///< output seconds: the clip's frame duration, as exports have it
