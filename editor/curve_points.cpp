@@ -47,11 +47,22 @@ std::optional<SpeedKeyframes> boundedPoints(SpeedKeyframes points, SourceRange t
     return bounded;
 }
 
+SpeedKeyframes playedPoints(const SpeedKeyframes& points, SourceRange trim, const CurveDomain& domain) {
+    SpeedKeyframes played = KeyframeRules::curveForSourceRange(points, domain.duration, trim, domain.restValue);
+    if (!domain.isHeldAtEnds || points.empty()) return played;
+    const auto isOurs = [&](const SpeedKeyframe& end) {
+        return std::any_of(points.begin(), points.end(),
+                           [&](const SpeedKeyframe& point) { return point.id == end.id; });
+    };
+    if (!isOurs(played.back())) played.pop_back();
+    if (!played.empty() && !isOurs(played.front())) played.erase(played.begin());
+    return played.empty() ? points : played;
+}
+
 double playedValue(const SpeedKeyframes& points, double time, SourceRange trim, const CurveDomain& domain) {
     const bool isKept = time >= trim.lower && time <= trim.upper;
-    const SpeedKeyframes played =
-        isKept ? KeyframeRules::curveForSourceRange(points, domain.duration, trim, domain.restValue) : points;
-    return CurveEngine::value(time, played, domain.smoothing, domain.limits);
+    return CurveEngine::value(time, isKept ? playedPoints(points, trim, domain) : points, domain.smoothing,
+                              domain.limits);
 }
 
 } // namespace flowtide

@@ -16,6 +16,9 @@ struct CurveDomain {
     CurveEngine::Limits limits = CurveEngine::speedLimits;
     double restValue = 1; ///< of a curve that nobody has drawn
     double smoothing = 0; ///< with which the curve is evaluated
+    /// Whether the outermost points go on to the clip's ends where none stands there. Else the curve comes from rest
+    /// and returns to it.
+    bool isHeldAtEnds = false;
 };
 
 /// The points in order of time, within the domain; points that are not numbers, and the later ones of an id that occurs
@@ -24,6 +27,9 @@ struct CurveDomain {
 /// hold.
 std::optional<SpeedKeyframes> boundedPoints(SpeedKeyframes points, SourceRange trim, const CurveDomain& domain,
                                             std::optional<KeyframeRules::BoundaryValues> boundaryValues = {});
+
+/// The points that the curve over a trim is drawn by: those outside of it have no part in it.
+SpeedKeyframes playedPoints(const SpeedKeyframes& points, SourceRange trim, const CurveDomain& domain);
 
 /// The curve's value at a source time as it plays under a trim: outside of the trim as the points there draw it.
 double playedValue(const SpeedKeyframes& points, double time, SourceRange trim, const CurveDomain& domain);

@@ -1,7 +1,6 @@
 // The framing's state and its glide table.
 #include "editor/framing.h"
 
-#include <tuple>
 #include <utility>
 
 namespace flowtide {
@@ -11,16 +10,6 @@ std::optional<CropPlan> exportedCrop(const ImportedClip& clip, CropAspectRatio r
     return CropPlan::forSource({clip.width, clip.height}, {widthOverHeight(ratio), {}, {}},
                                clip.metadata.sampleAspectRatio.seconds());
 }
-
-namespace {
-
-/// What is played over the trim: the glide would be drawn to points outside it as if they lay at its ends.
-SpeedKeyframes playedKeyframes(const SpeedKeyframes& keyframes, const SpeedCurve& curve) {
-    if (keyframes.empty()) return {};
-    return KeyframeRules::curveForSourceRange(keyframes, curve.duration(), curve.trimRange(), centeredCrop);
-}
-
-} // namespace
 
 Framing::Framing(ChangeNotifier& notifier, const SpeedCurve& curve)
     : curve_(curve)
@@ -32,8 +21,9 @@ Framing::Framing(ChangeNotifier& notifier, const SpeedCurve& curve)
     , isCropDragActive_(notifier, Property::isCropDragActive) {}
 
 CurveDomain Framing::domain() const {
-    constexpr double smoothing = 1; // the framing curve is always drawn as a full curve
-    return {curve_.duration(), {leftmostCrop, rightmostCrop}, centeredCrop, smoothing};
+    constexpr double smoothing = 1;     // the framing curve is always drawn as a full curve
+    constexpr bool isHeldAtEnds = true; // a track ends with its last frame, and must not leave its subject then
+    return {curve_.duration(), {leftmostCrop, rightmostCrop}, centeredCrop, smoothing, isHeldAtEnds};
 }
 
 std::optional<SpeedKeyframes> Framing::bounded(SpeedKeyframes points) const {
@@ -42,24 +32,28 @@ std::optional<SpeedKeyframes> Framing::bounded(SpeedKeyframes points) const {
 
 std::optional<VerticalCropSettings> Framing::exportSettings() const {
     if (!isVerticalCropEnabled()) return std::nullopt;
-    return VerticalCropSettings{widthOverHeight(cropAspectRatio()), playedKeyframes(centerKeyframes(), curve_),
-                                centerSmoothing()};
+    return VerticalCropSettings{widthOverHeight(cropAspectRatio()),
+                                playedPoints(centerKeyframes(), curve_.trimRange(), domain()), centerSmoothing()};
 }
 
 double Framing::liveCropTravel(double time) const {
     return playedValue(centerKeyframes(), time, curve_.trimRange(), domain());
 }
 
+/// Compares in place: this is asked for every column of the graph.
+bool Framing::isGlideTableCurrent() const {
+    return glideTableKey_ && glideTableKey_->centerKeyframes == centerKeyframes() &&
+           glideTableKey_->glide == centerSmoothing() && glideTableKey_->speedKeyframes == curve_.keyframes() &&
+           glideTableKey_->speedSmoothing == curve_.smoothing() && glideTableKey_->trimRange == curve_.trimRange();
+}
+
 double Framing::glidedCropTravel(double time) const {
-    const double glide = centerSmoothing();
-    const double smoothing = curve_.smoothing();
-    const SourceRange trim = curve_.trimRange();
-    // Of references: this is asked for every column of the graph.
-    const auto key = std::tie(centerKeyframes(), glide, curve_.keyframes(), smoothing, trim);
-    if (!glideTableKey_ || *glideTableKey_ != key) {
-        glideTableSamples_ =
-            glideTable(playedKeyframes(centerKeyframes(), curve_), glide, curve_.timeMap(), glideTableStep_);
-        glideTableKey_ = key;
+    if (!isGlideTableCurrent()) {
+        // Points outside the trim would draw the glide as if they lay at its ends.
+        glideTableSamples_ = glideTable(playedPoints(centerKeyframes(), curve_.trimRange(), domain()),
+                                        centerSmoothing(), curve_.timeMap(), glideTableStep_);
+        glideTableKey_ = {centerKeyframes(), centerSmoothing(), curve_.keyframes(), curve_.smoothing(),
+                          curve_.trimRange()};
     }
     if (glideTableSamples_.size() < 2) return liveCropTravel(time);
     return glidedCenter(glideTableSamples_, {time}, curve_.timeMap(), glideTableStep_);

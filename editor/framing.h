@@ -9,7 +9,6 @@
 #include "media/imported_clip.h"
 
 #include <optional>
-#include <tuple>
 #include <vector>
 
 namespace flowtide {
@@ -61,8 +60,15 @@ private:
     Observed<bool> lockCropCenter_;
     Observed<bool> isCropDragActive_;
 
-    /// What the table was made of: framing keyframes, glide, speed keyframes, smoothing, trim.
-    using GlideTableKey = std::tuple<SpeedKeyframes, double, SpeedKeyframes, double, SourceRange>;
+    struct GlideTableKey {
+        SpeedKeyframes centerKeyframes;
+        double glide = 0;
+        SpeedKeyframes speedKeyframes;
+        double speedSmoothing = 0;
+        SourceRange trimRange;
+    };
+    bool isGlideTableCurrent() const;
+
     mutable std::optional<GlideTableKey> glideTableKey_;
     mutable std::vector<double> glideTableSamples_;
     double glideTableStep_ = 1.0 / 60; ///< output seconds: the clip's frame duration, as exports have it
