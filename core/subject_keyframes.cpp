@@ -163,7 +163,8 @@ public:
 
     /// Leaves out points that can be done without once their neighbours are moved.
     void merge() {
-        std::vector<bool> isWorthTrying(points_.size(), true); // by point: not where nothing near it has changed since
+        // By point: whether something near it has changed since it was tried.
+        std::vector<bool> isWorthTrying(points_.size(), true);
         for (bool changes = true; changes;) {
             changes = false;
             for (std::size_t i = 1; i + 1 < points_.size(); ++i) {
@@ -211,8 +212,8 @@ private:
     }
 
     static constexpr double indispensable = std::numeric_limits<double>::infinity();
-    /// Points farther from one that is left out have no part in the curve around it: that bends up to the second one on
-    /// either side, whose slopes look one farther.
+    /// Points farther from one that is left out have no part in what is looked at around it: the stretch begins three
+    /// before it, and its slopes look one farther. One more is to be safe.
     static constexpr std::size_t reach = 5;
 
     /// How far from the path a curve without one point comes, where it still suits every sample.

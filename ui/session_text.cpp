@@ -35,6 +35,7 @@ constexpr std::array sentences{
     QT_TRANSLATE_NOOP("Session", "Following the subject…"),
     QT_TRANSLATE_NOOP("Session", "Looking for the subject…"),
     QT_TRANSLATE_NOOP("Session", "Framing changed while tracking. Track again to keep your new edits."),
+    QT_TRANSLATE_NOOP("Session", "There is no room for so many framing points. Remove some and track again."),
     QT_TRANSLATE_NOOP("Session", "Tracking complete: %1 framing points across the retained clip. %2 to undo."),
     QT_TRANSLATE_NOOP("Session", "Tracking finished with gaps. Review the orange flags where the subject was lost."),
     QT_TRANSLATE_NOOP("Session", "Tracking stopped — subject lost. Choose a clearer frame and try again."),

@@ -74,7 +74,7 @@ void FramingEdits::cancelCropDrag() {
     session_.cancelCurveEdit();
 }
 
-std::size_t FramingEdits::applySubjectTrackingResult(const SubjectTrackResult& result) {
+std::optional<std::size_t> FramingEdits::applySubjectTrackingResult(const SubjectTrackResult& result) {
     if (!session_.clip() || result.samples.empty()) return 0;
     const ImportedClip& clip = *session_.clip();
     SpeedKeyframes keyframes = session_.framing.centerKeyframes();
@@ -88,10 +88,10 @@ std::size_t FramingEdits::applySubjectTrackingResult(const SubjectTrackResult& r
     const auto found = result.trackedRanges(clip.frameDuration.seconds(), session_.curve.trimRange());
     ranges.insert(ranges.end(), found.begin(), found.end());
     ranges = SubjectTrackingRange::merged(std::move(ranges));
-    if (ranges.size() > mostTrackingRanges) return 0;
+    if (ranges.size() > mostTrackingRanges || !session_.framing.bounded(keyframes)) return {};
 
     session_.beginCurveEdit();
-    replaceCenterKeyframes(std::move(keyframes));
+    install(std::move(keyframes));
     session_.setTrackedRanges(std::move(ranges));
     session_.endCurveEdit();
     session_.scheduleProjectSave();

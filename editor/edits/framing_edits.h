@@ -27,8 +27,8 @@ public:
     void cancelCropDrag();
 
     /// Puts a finished track's keyframes, for the crop as it is chosen, in place of those in the tracked span. One step
-    /// of history. Returns how many they are.
-    std::size_t applySubjectTrackingResult(const SubjectTrackResult& result);
+    /// of history. Returns how many they are; nothing, and changes nothing, when a project cannot hold them.
+    std::optional<std::size_t> applySubjectTrackingResult(const SubjectTrackResult& result);
 
     void setCenterSmoothing(double glide);
     void setVerticalCropEnabled(bool enabled);

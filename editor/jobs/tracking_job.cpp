@@ -141,10 +141,14 @@ void TrackingJob::finish(Outcome<SubjectTrackResult>& outcome, const Basis& befo
             trackingMessage_.set("Framing changed while tracking. Track again to keep your new edits.");
             return;
         }
-        const std::size_t count = framing_.applySubjectTrackingResult(result);
+        const auto count = framing_.applySubjectTrackingResult(result);
+        if (!count) {
+            trackingMessage_.set("There is no room for so many framing points. Remove some and track again.");
+            return;
+        }
         if (result.lostSubject && !result.samples.empty())
             trackingStoppedAt_.set(result.lostAfterSeed ? result.samples.back().time : result.samples.front().time);
-        trackingMessage_.set(closingSentence(result, count));
+        trackingMessage_.set(closingSentence(result, *count));
     } catch (const std::exception& error) {
         trackingMessage_.set(failureToShow(error));
     }

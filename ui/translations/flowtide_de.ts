@@ -383,6 +383,10 @@
         <translation>Der Ausschnitt wurde währenddessen geändert. Verfolgen Sie erneut, um Ihre Änderungen zu behalten.</translation>
     </message>
     <message>
+        <source>There is no room for so many framing points. Remove some and track again.</source>
+        <translation>So viele Ausschnittspunkte haben keinen Platz. Entfernen Sie welche und verfolgen Sie erneut.</translation>
+    </message>
+    <message>
         <source>Tracking finished with gaps. Review the orange flags where the subject was lost.</source>
         <translation>Verfolgt mit Lücken. Orange Fahnen zeigen, wo das Motiv verloren ging.</translation>
     </message>

@@ -59,10 +59,23 @@ TEST_F(FramingEditsTest, WhatLiesOutsideTheTrimDoesNotDrawTheGlide) {
     model->setVerticalCropEnabled(true);
     model->applyTrimRange(5, 9);
     EXPECT_NEAR(model->framing().glidedCropTravel(5), model->framing().liveCropTravel(5), 0.03);
+    for (const SpeedKeyframe& exported : model->framing().exportSettings()->centerKeyframes)
+        EXPECT_TRUE(5 <= exported.time && exported.time <= 9) << exported.time;
+}
+
+TEST_F(FramingEditsTest, TheOutermostPointsGoOnToTheClipsEnds) {
+    open();
+    model->replaceKeyframes({point(0, 0.25), point(10, 0.25)}); // each frame plays four times
+    model->replaceCenterKeyframes({point(1 / 30.0, 0.2), point(5, 0.4), point(10 - 1 / 30.0, 1)});
+    model->setVerticalCropEnabled(true);
+    for (const auto& [time, value] : {std::pair{0.0, 0.2}, {10.0, 1.0}}) {
+        EXPECT_NEAR(model->framing().liveCropTravel(time), value, 1e-9);
+        EXPECT_NEAR(model->framing().glidedCropTravel(time), value, 0.01);
+    }
     const auto exported = model->framing().exportSettings();
-    const auto table = glideTable(exported->centerKeyframes, exported->smoothing, model->curve().timeMap(), 1.0 / 30);
-    EXPECT_NEAR(table.front(), model->framing().glidedCropTravel(5), 1e-6);
-    EXPECT_NEAR(table.back(), model->framing().glidedCropTravel(9 - 1 / 30.0), 1e-6);
+    EXPECT_EQ(exported->centerKeyframes, model->framing().centerKeyframes());
+    model->replaceCenterKeyframes({point(5, 0.4)}); // a single one holds throughout
+    EXPECT_EQ(model->framing().liveCropTravel(10), 0.4);
 }
 
 TEST_F(FramingEditsTest, ATrackReplacesTheFramingOfItsSpan) {
@@ -95,6 +108,14 @@ TEST_F(FramingEditsTest, ATrackReplacesTheFramingOfItsSpan) {
     EXPECT_EQ(model->framing().centerKeyframes().size(), 7U);
     model->applySubjectTrackingResult({});
     EXPECT_EQ(model->history().redoStack().size(), 2U);
+
+    SpeedKeyframes many;
+    for (std::size_t i = 0; i < mostKeyframes; ++i)
+        many.push_back(point(static_cast<double>(i) * 1e-4, 0.5));
+    model->replaceCenterKeyframes(many);
+    model->applySubjectTrackingResult(result);
+    EXPECT_EQ(model->framing().centerKeyframes().size(), mostKeyframes);
+    EXPECT_TRUE(model->trackedRanges().empty()); // nothing is tracked where no point has room
 }
 
 TEST_F(FramingEditsTest, ZoomBlocks) {
