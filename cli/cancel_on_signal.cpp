@@ -38,6 +38,16 @@ CancelOnSignal::~CancelOnSignal() {
     ending_ = true;
     pthread_kill(waiter_.native_handle(), wakeUp);
     waiter_.join();
+    // The hangups after a first request are still to come, and would end the process now.
+    sigset_t pending;
+    if (isRequested_ && sigismember(&requests_, SIGHUP) == 1 && sigpending(&pending) == 0 &&
+        sigismember(&pending, SIGHUP) == 1) {
+        sigset_t hangUp;
+        sigemptyset(&hangUp);
+        sigaddset(&hangUp, SIGHUP);
+        int signal = 0;
+        sigwait(&hangUp, &signal);
+    }
     pthread_sigmask(SIG_SETMASK, &previousMask_, nullptr);
 }
 
@@ -47,6 +57,7 @@ void CancelOnSignal::wait() {
     while (!ending_) {
         int signal = 0;
         if (sigwait(&awaited, &signal) != 0 || signal == wakeUp) continue;
+        isRequested_ = true;
         cancel_();
         // From here on this thread takes the next request, with its default action: the end of the process.
         sigset_t repeated = requests_;

@@ -27,6 +27,7 @@ private:
     sigset_t requests_{}; ///< the signals that cancel
     sigset_t previousMask_{};
     std::atomic<bool> ending_ = false;
+    std::atomic<bool> isRequested_ = false;
     std::thread waiter_;
 };
 
