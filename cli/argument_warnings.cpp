@@ -77,7 +77,7 @@ void addPointsOutsideTheTrim(const char* what, const char* value, const SpeedKey
     for (const SpeedKeyframe& point : points) {
         const auto isPoint = [&](const SpeedKeyframe& kept) { return kept.id == point.id; };
         if (std::any_of(curve.begin(), curve.end(), isPoint)) continue;
-        std::string& side = point.time <= range.lower ? before : after;
+        std::string& side = point.time <= range.lower + KeyframeRules::interiorMargin ? before : after;
         side +=
             fmt::format("{}{}:{}", side.empty() ? "" : ", ", shortestDecimal(point.time), shortestDecimal(point.speed));
     }
@@ -103,7 +103,7 @@ void addStretchesOutsideTheTrim(const SortedWords& words, const ExportRequest& r
     const SourceRange trim = *request.sourceRange;
     const auto add = [&](const std::string& stretch, double start, double end) {
         if (end <= start)
-            warnings.push_back(fmt::format("The {} ends before it begins and has no effect.", stretch));
+            warnings.push_back(fmt::format("The {} ends no later than it begins and has no effect.", stretch));
         else if (end <= trim.lower || trim.upper <= start)
             warnings.push_back(fmt::format("The {} lies outside the trim and has no effect.", stretch));
     };

@@ -187,9 +187,9 @@ std::optional<VerticalCropSettings> parseVerticalCrop(const std::optional<std::s
     VerticalCropSettings settings;
     settings.aspectRatio = aspect;
     settings.smoothing = std::clamp(smoothing, 0.0, 1.0);
-    const SpeedKeyframes points = parseCropPoints(*text, duration);
-    if (!points.empty())
-        settings.centerKeyframes = KeyframeRules::curveForSourceRange(points, duration, sourceRange, centeredCrop);
+    if (text->empty() || isCenter(*text)) return settings;
+    settings.centerKeyframes =
+        KeyframeRules::curveForSourceRange(parseCropPoints(*text, duration), duration, sourceRange, centeredCrop);
     return settings;
 }
 

@@ -148,7 +148,8 @@ struct DemoNames {
     std::filesystem::path retimed;
 };
 
-/// The first pair of names that nothing in the folder has: nobody was asked whether a file may be replaced.
+/// The first pair of names that nothing in the folder has when the demo begins: nobody was asked whether a file may be
+/// replaced.
 DemoNames freeNames(const std::filesystem::path& folder) {
     const auto isTaken = [](const std::filesystem::path& path) {
         return std::filesystem::exists(std::filesystem::symlink_status(path));

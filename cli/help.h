@@ -43,7 +43,8 @@ Options, anywhere on the line, each with one value:
   --flow-ranges RANGES        With optical-flow: start:end,… in source seconds, or none.
                               Default: derived from the curve.
   --vertical-crop POINTS      Crop to a narrower frame: time:position,… with positions
-                              0 (left) to 1 (right), or center.
+                              0 (left) to 1 (right), or center. The exported part starts
+                              and ends centred unless a point stands there.
   --vertical-aspect W:H       The crop's shape. Default: 9:16.
   --vertical-smoothing 0…1    How softly the crop glides. Default: 0.5.
   --zoom BLOCKS               start-end:amount[:mode[:fx:fy[:ramp]]];… Amount is 1.1 to
@@ -61,9 +62,10 @@ Sound is decoded into memory: the exported part may hold 512 MB of it, 134,217,7
 samples (23 minutes of stereo at 48 kHz). What the trim leaves out does not count.
 
 Exit status: 0 on success; 1 after one line on standard error that says why, with the
-destination as it was unless the line says that the export is in place. What was asked for and is not done gets a line of its own there,
-"[Headless] Warning: …", and the export goes on. Ctrl-C, a closed terminal or a
-termination request cancels and leaves nothing behind.
+destination as it was unless the line says that the export is in place. What was asked
+for and is not done gets a line of its own there, "[Headless] Warning: …", and the
+export goes on. Ctrl-C, a closed terminal or a termination request cancels and leaves
+nothing behind.
 )";
 
 } // namespace flowtide

@@ -63,7 +63,7 @@ TEST(ArgumentWarnings, EachTrapIsNamedOnce) {
          {"Crop points before the trim have no effect (0.0:0.2); the export starts at position 0.5.",
           "Crop points after the trim have no effect (9.0:0.1); the export ends at position 1.0."}},
         {{"", "", "2:8", "--zoom", "5-4:2;1-2:2;1-2.1:2;7.9-9:2;8-9:2"},
-         {"The zoom block \"5-4:2\" ends before it begins and has no effect.",
+         {"The zoom block \"5-4:2\" ends no later than it begins and has no effect.",
           "The zoom block \"1-2:2\" lies outside the trim and has no effect.",
           "The zoom block \"8-9:2\" lies outside the trim and has no effect."}},
         {{"", "", "2:8", "--interpolation", "optical-flow", "--flow-ranges", "0:2,1:3,8:10"},

@@ -55,7 +55,9 @@ TEST_F(HeadlessExportTest, LinesOfAnExport) {
 
 TEST_F(HeadlessExportTest, WarningsGoToStandardErrorAndChangeNothingElse) {
     script_.source.video->hasAlpha = true; // of the export, told in its log too
-    EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov", "", "soft"}), 0);
+    EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov", "", "soft", "--vertical-crop", "center",
+                   "--vertical-aspect", "100:1"}),
+              0);
     EXPECT_EQ(error_.str(), "[Headless] Warning: \"soft\" is no number; the smoothing is 0.5.\n"
                             "[Headless] Warning: the source's alpha channel is not kept; the export is opaque.\n");
     EXPECT_NE(output_.str().find("\n[Export] Warning: the source's alpha channel is not kept;"), std::string::npos);
