@@ -39,7 +39,7 @@ void requireWritableDestination(const std::filesystem::path& destination) {
         throw FlowtideError::writerFailed("The destination is not a regular file. Choose another file name.");
 }
 
-/// All that takes time on a slow disk happens here, so that a cancel is heard until the very end.
+/// What a slow disk has not taken yet is waited for here, before the last time that a cancel is heard.
 void finishWriting(TemporaryExport& file) {
     try {
         file.finishWriting();

@@ -43,7 +43,8 @@ public:
         return result;
     }
     int createFile(const std::filesystem::path& path, mode_t mode) override {
-        constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+        // NFS grants a shared lock only on what is open for reading.
+        constexpr int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
         return retried([&] { return ::open(path.c_str(), flags, mode); });
     }
     int openLockFile(const std::filesystem::path& path) override {
@@ -65,6 +66,8 @@ public:
         return retried([&] { return ::flock(descriptor, LOCK_EX | LOCK_NB); });
     }
     int shareLock(int descriptor) override {
+        // SMB would keep the exclusive lock beside the shared one.
+        ::flock(descriptor, LOCK_UN);
         return retried([&] { return ::flock(descriptor, LOCK_SH | LOCK_NB); });
     }
     int status(int descriptor, struct stat& result) override { return ::fstat(descriptor, &result); }

@@ -33,7 +33,7 @@ public:
     virtual int lock(int descriptor) = 0;
     /// The same without waiting: fails with EWOULDBLOCK when somebody else holds the lock.
     virtual int tryLock(int descriptor) = 0;
-    /// Turns the exclusive lock into one that others may share, without waiting.
+    /// Puts a lock that others may share in the exclusive one's place, without waiting. In between there is none.
     virtual int shareLock(int descriptor) = 0;
     virtual int status(int descriptor, struct stat& result) = 0;
     /// Of what has the name, be it a symbolic link.

@@ -136,7 +136,8 @@ void HiddenFile::writeAt(std::int64_t offset, std::span<const std::byte> bytes) 
 
 void HiddenFile::finishWriting() {
     check(operations_.flush(descriptor_.get()));
-    // A clean-up that takes the file between the two locks is noticed when it is moved into place.
+    // A clean-up that takes the file between the two locks is noticed by whoever reads it next, and at the latest when
+    // it is moved into place.
     static_cast<void>(operations_.shareLock(descriptor_.get()));
 }
 
