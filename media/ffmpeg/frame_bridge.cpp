@@ -55,10 +55,10 @@ const int* coefficients(const AVFrame& frame) {
     return sws_getCoefficients(known ? matrix : frame.height > 576 ? SWS_CS_ITU709 : SWS_CS_ITU601);
 }
 
-/// Where the scaler takes chroma samples to lie across, in 1/256 of a luma pixel from the left one of those they stand
-/// for. Of its own accord it puts them in the middle; codecs put them on the left unless a frame says otherwise.
-constexpr int chromaOnTheLeft = 0;
-constexpr int chromaInTheMiddle = -513;
+/// Where the scaler takes chroma samples to lie across: on the left one of the pixels that they stand for, as codecs
+/// have it unless a frame says otherwise, or as it has it of its own accord, in their middle.
+constexpr int chromaOnTheLeft = 0;      // in 1/256 of a pixel
+constexpr int chromaInTheMiddle = -513; // libswscale's "not set"
 
 int chromaPosition(const AVFrame& frame) {
     const AVPixFmtDescriptor* format = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(frame.format));
@@ -133,10 +133,11 @@ VideoFrame FrameImporter::convert(const AVFrame& frame) {
     converted->height = height_;
     if (av_frame_get_buffer(converted.get(), 0) < 0) throw std::bad_alloc();
 
-    if (!scaler_) {
+    if (const int position = chromaPosition(frame); !scaler_ || position != scalersChromaPosition_) {
         // The positions outlast what sws_getCachedContext makes of it.
         scaler_.reset(sws_alloc_context());
-        if (!scaler_ || av_opt_set_int(scaler_.get(), "src_h_chr_pos", chromaPosition(frame), 0) < 0 ||
+        scalersChromaPosition_ = position;
+        if (!scaler_ || av_opt_set_int(scaler_.get(), "src_h_chr_pos", position, 0) < 0 ||
             av_opt_set_int(scaler_.get(), "dst_h_chr_pos", chromaOnTheLeft, 0) < 0)
             throw std::bad_alloc();
     }

@@ -48,6 +48,7 @@ private:
     int width_;
     int height_;
     ScalerPtr scaler_;
+    int scalersChromaPosition_ = 0;
 };
 
 /// A libav frame that shares our frame's planes.
