@@ -2,6 +2,8 @@
 #include "media/decode_layout.h"
 #include "media/ffmpeg/ffmpeg_backend.h"
 #include "media/flowtide_error.h"
+#include "tests/media/ffmpeg/remux.h"
+#include "tests/media/flow/drawn_scenes.h"
 #include "tests/support/clip_maker.h"
 #include "tests/support/movie_atoms.h"
 #include "tests/support/temporary_folder.h"
@@ -37,6 +39,20 @@ protected:
     std::unique_ptr<MediaBackend> backend_ = makeFFmpegBackend();
     TemporaryFolder folder_;
 };
+
+TEST_F(VideoReaderTest, ColumnsThatAreCroppedFromTheLeftAreNotRead) {
+    ClipRecipe recipe;
+    recipe.frameCount = 2;
+    recipe.picture = [](std::int64_t) { return drawn({}, 96, 64, [](double x, double) { return 40 + 2 * x; }); };
+    makeClip(*backend_, folder_ / "whole.mp4", recipe);
+    remux({folder_ / "whole.mp4"}, folder_ / "in.mp4", {}, "h264_metadata=crop_left=20");
+    const ImportedClip clip = ImportedClip::load(*backend_, folder_ / "in.mp4");
+    const auto read = backend_->openVideo(clip, decodePixelFormat(clip), {0, clip.duration})->next();
+    ASSERT_TRUE(read);
+    ASSERT_EQ(read->frame.width, 76);
+    for (const int x : {0, 40, 75})
+        EXPECT_NEAR(read->frame.planes[0].data[32 * read->frame.planes[0].stride + x], 40 + 2 * (20 + x), 3) << x;
+}
 
 TEST_F(VideoReaderTest, EditsPlayOneAfterTheOther) {
     const std::vector<SourceRange> lists[] = {{{0, 3}, {6, 8}}, {{0, 2}, {1, 3}, {0, 2}}, {{2, 4}, {2, 4}}};
