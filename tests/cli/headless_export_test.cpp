@@ -59,7 +59,9 @@ TEST_F(HeadlessExportTest, WarningsGoToStandardErrorAndChangeNothingElse) {
                    "--vertical-aspect", "100:1"}),
               0);
     EXPECT_EQ(error_.str(), "[Headless] Warning: \"soft\" is no number; the smoothing is 0.5.\n"
-                            "[Headless] Warning: the source's alpha channel is not kept; the export is opaque.\n");
+                            "[Headless] Warning: the source's alpha channel is not kept; the export is opaque.\n"
+                            "[Headless] Warning: Vertical crop skipped — source (64x48) is not wider than the "
+                            "crop frame\n");
     EXPECT_NE(output_.str().find("\n[Export] Warning: the source's alpha channel is not kept;"), std::string::npos);
     EXPECT_EQ(run({"--headless-export", "in.mov", "out.mov", "bad", "soft"}), 1);
     EXPECT_EQ(error_.str(), "[Headless] Export failed: Invalid curve segment \"bad\" — expected time:speed\n");

@@ -59,8 +59,9 @@ TEST_F(FramingEditsTest, WhatLiesOutsideTheTrimDoesNotDrawTheGlide) {
     model->setVerticalCropEnabled(true);
     model->applyTrimRange(5, 9);
     EXPECT_NEAR(model->framing().glidedCropTravel(5), model->framing().liveCropTravel(5), 0.03);
-    for (const SpeedKeyframe& exported : model->framing().exportSettings()->centerKeyframes)
-        EXPECT_TRUE(5 <= exported.time && exported.time <= 9) << exported.time;
+    const auto exported = model->framing().exportSettings();
+    for (const SpeedKeyframe& each : exported->centerKeyframes)
+        EXPECT_TRUE(5 <= each.time && each.time <= 9) << each.time;
 }
 
 TEST_F(FramingEditsTest, TheOutermostPointsGoOnToTheClipsEnds) {
