@@ -47,7 +47,7 @@ std::optional<SpeedKeyframes> boundedPoints(SpeedKeyframes points, SourceRange t
     return bounded;
 }
 
-SpeedKeyframes playedPoints(const SpeedKeyframes& points, SourceRange trim, const CurveDomain& domain) {
+SpeedKeyframes playedCurve(const SpeedKeyframes& points, SourceRange trim, const CurveDomain& domain) {
     SpeedKeyframes played = KeyframeRules::curveForSourceRange(points, domain.duration, trim, domain.restValue);
     if (!domain.isHeldAtEnds || points.empty()) return played;
     const auto isOurs = [&](const SpeedKeyframe& end) {
@@ -61,7 +61,7 @@ SpeedKeyframes playedPoints(const SpeedKeyframes& points, SourceRange trim, cons
 
 double playedValue(const SpeedKeyframes& points, double time, SourceRange trim, const CurveDomain& domain) {
     const bool isKept = time >= trim.lower && time <= trim.upper;
-    return CurveEngine::value(time, isKept ? playedPoints(points, trim, domain) : points, domain.smoothing,
+    return CurveEngine::value(time, isKept ? playedCurve(points, trim, domain) : points, domain.smoothing,
                               domain.limits);
 }
 

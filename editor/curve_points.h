@@ -29,7 +29,7 @@ std::optional<SpeedKeyframes> boundedPoints(SpeedKeyframes points, SourceRange t
                                             std::optional<KeyframeRules::BoundaryValues> boundaryValues = {});
 
 /// The points that the curve over a trim is drawn by: those outside of it have no part in it.
-SpeedKeyframes playedPoints(const SpeedKeyframes& points, SourceRange trim, const CurveDomain& domain);
+SpeedKeyframes playedCurve(const SpeedKeyframes& points, SourceRange trim, const CurveDomain& domain);
 
 /// The curve's value at a source time as it plays under a trim: outside of the trim as the points there draw it.
 double playedValue(const SpeedKeyframes& points, double time, SourceRange trim, const CurveDomain& domain);

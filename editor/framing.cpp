@@ -33,7 +33,7 @@ std::optional<SpeedKeyframes> Framing::bounded(SpeedKeyframes points) const {
 std::optional<VerticalCropSettings> Framing::exportSettings() const {
     if (!isVerticalCropEnabled()) return std::nullopt;
     return VerticalCropSettings{widthOverHeight(cropAspectRatio()),
-                                playedPoints(centerKeyframes(), curve_.trimRange(), domain()), centerSmoothing()};
+                                playedCurve(centerKeyframes(), curve_.trimRange(), domain()), centerSmoothing()};
 }
 
 double Framing::liveCropTravel(double time) const {
@@ -50,8 +50,8 @@ bool Framing::isGlideTableCurrent() const {
 double Framing::glidedCropTravel(double time) const {
     if (!isGlideTableCurrent()) {
         // Points outside the trim would draw the glide as if they lay at its ends.
-        glideTableSamples_ = glideTable(playedPoints(centerKeyframes(), curve_.trimRange(), domain()),
-                                        centerSmoothing(), curve_.timeMap(), glideTableStep_);
+        glideTableSamples_ = glideTable(playedCurve(centerKeyframes(), curve_.trimRange(), domain()), centerSmoothing(),
+                                        curve_.timeMap(), glideTableStep_);
         glideTableKey_ = {centerKeyframes(), centerSmoothing(), curve_.keyframes(), curve_.smoothing(),
                           curve_.trimRange()};
     }

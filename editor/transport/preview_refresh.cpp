@@ -47,7 +47,7 @@ void PreviewRefresh::refreshPreviewForCurrentCurve() {
 std::shared_ptr<PlaybackItem> PreviewRefresh::built() const {
     RetimedCompositionRequest request;
     request.clip = session_.clip();
-    request.keyframes = session_.curve.keyframes();
+    request.keyframes = playedCurve(session_.curve.keyframes(), session_.curve.trimRange(), session_.curve.domain());
     request.sourceRange = session_.curve.trimRange();
     request.smoothing = session_.curve.smoothing();
     request.segmentRate = segmentRate;

@@ -188,7 +188,7 @@ void CurveGraph::buildCurves(const CurveGraphPicture& former) {
     const FlowtideViewModel& model = context_.model();
     const CurveDomain domain = context_.isFraming() ? model.framing().domain() : model.curve().domain();
     const auto line = [&](const SpeedKeyframes& points) {
-        const SpeedKeyframes played = playedPoints(points, picture_.trim, domain);
+        const SpeedKeyframes played = playedCurve(points, picture_.trim, domain);
         CurveEvaluator value(played, domain.smoothing, domain.limits);
         return curveLine([&](double seconds) { return value(seconds); }, played, picture_.geometry, picture_.trim);
     };

@@ -56,6 +56,19 @@ TEST_F(PreviewRefreshTest, AnEditReachesThePlayerAfterATwelfthOfASecondOfRest) {
     EXPECT_FALSE(player.item());
 }
 
+TEST_F(PreviewRefreshTest, WhatPlaysIsTheCurveOfTheExport) {
+    open();
+    const auto expectTheSame = [&](const char* what) {
+        rebuilds();
+        EXPECT_NEAR(player.duration(), model->curve().timeMap().outputDuration(), 0.01) << what;
+    };
+    model->replaceKeyframes({point(0, 1), point(5, 0.25)});
+    expectTheSame("the curve comes back to speed 1 where its last point is gone");
+    model->replaceKeyframes({point(0, 1), point(4, 0.2), point(10, 1)});
+    model->applyTrimRange(2, 10);
+    expectTheSame("points before the trim don't bend it");
+}
+
 TEST_F(PreviewRefreshTest, SoundAndProxyArriveWhenTheyAreThere) {
     // Opens a clip whose sound is not decoded yet; that of the clip before comes home right after it.
     const auto openSoundless = [&](const std::string& name) {
