@@ -105,6 +105,7 @@ public:
     void resetCurve() { curveEdits_.resetCurve(); }
     void setCurveSmoothing(double smoothing) { curveEdits_.setCurveSmoothing(smoothing); }
     void applyTrimRange(double start, double end) { trimEdits_.applyTrimRange(start, end); }
+    void dragTrim(const TrimState& before, double start, double end) { trimEdits_.dragTrim(before, start, end); }
     void resetTrimRange() { trimEdits_.resetTrimRange(); }
     TrimState trimState() const { return trimEdits_.state(); }
     void restoreTrim(const TrimState& before) { trimEdits_.restore(before); }

@@ -52,11 +52,15 @@ void FramingEdits::updateCropDrag(double travel) {
     const double time = clamped(session_.playheadSeconds(), trim.lower, trim.upper);
     const double position = clamped(travel, leftmostCrop, rightmostCrop);
     SpeedKeyframes keyframes = session_.framing.centerKeyframes();
-    const auto nearest = std::min_element(keyframes.begin(), keyframes.end(), [&](const auto& a, const auto& b) {
+    // A point under a trim's end has no part in the curve, and moving it would show nothing.
+    const SpeedKeyframes played = playedCurve(keyframes, trim, session_.framing.domain());
+    const auto nearest = std::min_element(played.begin(), played.end(), [&](const auto& a, const auto& b) {
         return std::abs(a.time - time) < std::abs(b.time - time);
     });
-    if (nearest != keyframes.end() && std::abs(nearest->time - time) <= dragMatchTolerance)
-        nearest->speed = position;
+    if (nearest != played.end() && std::abs(nearest->time - time) <= dragMatchTolerance)
+        std::find_if(keyframes.begin(), keyframes.end(), [&](const auto& each) {
+            return each.id == nearest->id;
+        })->speed = position;
     else
         keyframes.push_back({Uuid::random(), time, position, SpeedKeyframeRole::curve});
     install(std::move(keyframes));

@@ -9,20 +9,29 @@
 namespace flowtide {
 
 void TrimEdits::applyTrimRange(double start, double end) {
+    apply(start, end, nullptr);
+}
+
+void TrimEdits::dragTrim(const TrimState& before, double start, double end) {
+    if (session_.clip() == before.clip) apply(start, end, &before);
+}
+
+void TrimEdits::apply(double start, double end, const TrimState* before) {
     const double duration = session_.curve.duration();
     const bool isInside = start >= -boundsTolerance && end <= duration + boundsTolerance; // NaN is not
     const SourceRange trim{clamped(start, 0, duration), clamped(end, 0, duration)};
     if (!session_.clip() || !isInside || !(trim.upper - trim.lower >= shortestTrim)) return;
-    const SourceRange before = session_.curve.trimRange();
-    if (std::abs(trim.lower - before.lower) <= unchangedTolerance &&
-        std::abs(trim.upper - before.upper) <= unchangedTolerance)
+    const SourceRange current = session_.curve.trimRange();
+    if (std::abs(trim.lower - current.lower) <= unchangedTolerance &&
+        std::abs(trim.upper - current.upper) <= unchangedTolerance)
         return;
+    if (before) putBack(*before);
+    if (!install(trim) && !before) return;
     session_.preview().pausePlayback();
-    install(trim);
     session_.timeline.setTimelineZoom(1);
     session_.timeline.setTimelineCenter(0.5);
     session_.refreshPreview();
-    keepPlayheadInside(trim);
+    keepPlayheadInside(session_.curve.trimRange());
     session_.scheduleProjectSave();
 }
 
@@ -39,11 +48,7 @@ TrimState TrimEdits::state() const {
 void TrimEdits::restore(const TrimState& before) {
     // A trim that is back where it began may have cost the selected range on the way: all is compared.
     if (!session_.clip() || session_.clip() != before.clip || state() == before) return;
-    session_.curve.setTrim(before.trim, before.edits.speed);
-    session_.framing.setCenterKeyframes(before.edits.center);
-    session_.flow.setMarks({before.edits.flowRanges, before.edits.originalFrames});
-    session_.flow.select(before.edits.selectedFlowID);
-    session_.timeline.setLoopPreview(before.loopPreview);
+    putBack(before);
     session_.timeline.setTimelineZoom(before.timelineZoom);
     session_.timeline.setTimelineCenter(before.timelineCenter);
     session_.refreshPreview();
@@ -51,7 +56,15 @@ void TrimEdits::restore(const TrimState& before) {
     session_.preview().scrub(before.scrubPosition);
 }
 
-void TrimEdits::install(SourceRange trim) {
+void TrimEdits::putBack(const TrimState& before) {
+    session_.curve.setTrim(before.trim, before.edits.speed);
+    session_.framing.setCenterKeyframes(before.edits.center);
+    session_.flow.setMarks({before.edits.flowRanges, before.edits.originalFrames});
+    session_.flow.select(before.edits.selectedFlowID);
+    session_.timeline.setLoopPreview(before.loopPreview);
+}
+
+bool TrimEdits::install(SourceRange trim) {
     const SpeedCurve& curve = session_.curve;
     const KeyframeRules::BoundaryValues speeds{curve.speedAt(trim.lower), curve.speedAt(trim.upper)};
     const auto travel = [&](double time) {
@@ -62,9 +75,10 @@ void TrimEdits::install(SourceRange trim) {
     const KeyframeRules::BoundaryValues positions{travel(trim.lower), travel(trim.upper)};
     auto keyframes = boundedPoints(curve.keyframes(), trim, curve.domain(), speeds);
     auto centers = boundedPoints(session_.framing.centerKeyframes(), trim, session_.framing.domain(), positions);
-    if (!keyframes || !centers) return; // as many points as a project holds, and the boundaries on top
+    if (!keyframes || !centers) return false; // as many points as a project holds, and the boundaries on top
     session_.curve.setTrim(trim, std::move(*keyframes));
     session_.framing.setCenterKeyframes(std::move(*centers));
+    return true;
 }
 
 void TrimEdits::keepPlayheadInside(SourceRange trim) {

@@ -28,8 +28,12 @@ public:
         : session_(session) {}
 
     /// Keeps `start`...`end`, source seconds. The speed and the framing at the new ends stay what they were. Ranges
-    /// that are too short, or lie outside the clip, change nothing.
+    /// that are too short, or lie outside the clip, change nothing; nor do those whose ends are more points than a
+    /// project can hold.
     void applyTrimRange(double start, double end);
+    /// The same from what was there `before` a drag that goes on: were each move made from the one before it, the
+    /// speed and the framing at the ends would depend on how many there are. Nothing once another clip is open.
+    void dragTrim(const TrimState& before, double start, double end);
     /// Keeps the whole clip.
     void resetTrimRange();
 
@@ -38,7 +42,11 @@ public:
     void restore(const TrimState& before);
 
 private:
-    void install(SourceRange trim);
+    /// From `before`, or, where there is none, from what is there.
+    void apply(double start, double end, const TrimState* before);
+    void putBack(const TrimState& before);
+    /// False when there is no room for the points at the ends.
+    bool install(SourceRange trim);
     void keepPlayheadInside(SourceRange trim);
 
     EditSession& session_;

@@ -127,7 +127,10 @@ void TrimHandle::trimTo(double seconds) {
         trim.lower = std::clamp(seconds, 0.0, std::max(trim.upper - frame, 0.0));
     else
         trim.upper = std::clamp(seconds, std::min(trim.lower + frame, context_.duration()), context_.duration());
-    context_.model().applyTrimRange(trim.lower, trim.upper);
+    if (before_)
+        context_.model().dragTrim(*before_, trim.lower, trim.upper);
+    else
+        context_.model().applyTrimRange(trim.lower, trim.upper);
     context_.scrubTo(edge());
 }
 

@@ -1,6 +1,7 @@
 // Edits of speed and trim.
 #include "tests/support/session_stage.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace flowtide::test {
@@ -35,8 +36,12 @@ TEST_F(CurveEditsTest, PointsAreSortedLimitedAndNeverNone) {
     model->replaceKeyframes(many);
     EXPECT_EQ(model->curve().keyframes().size(), mostKeyframes);
     EXPECT_EQ(model->history().undoStack().size(), steps + 1);
+    model->scrub(0.9);
+    model->setTimelineZoom(4);
     model->applyTrimRange(1, 2); // there is no room for its boundaries
     EXPECT_EQ(model->curve().trimRange(), (SourceRange{0, 10}));
+    EXPECT_DOUBLE_EQ(model->playheadSeconds(), 9);
+    EXPECT_EQ(model->timeline().timelineZoom(), 4);
 }
 
 TEST_F(CurveEditsTest, ResetPlaysTheKeptPartAtSpeedOne) {
@@ -55,6 +60,27 @@ TEST_F(CurveEditsTest, ResetPlaysTheKeptPartAtSpeedOne) {
     EXPECT_NEAR(model->curve().timeMap().outputDuration(), 6, 1e-9);
     model->undo();
     EXPECT_FALSE(model->curve().isIdentity());
+}
+
+TEST_F(CurveEditsTest, ADraggedTrimIsThatOfOneMove) {
+    open();
+    model->replaceKeyframes({point(0, 1), point(5, 0.25), point(10, 1)});
+    model->replaceCenterKeyframes({point(0, 0), point(5, 1), point(10, 0.3)});
+    const double speed = model->curve().speedAt(2);
+    const double travel = model->framing().glidedCropTravel(2);
+    const TrimState before = model->trimState();
+    for (const double start : {1.0, 2.5, 4.0, 3.0, 2.0})
+        model->dragTrim(before, start, 10);
+    EXPECT_EQ(model->curve().trimRange(), (SourceRange{2, 10}));
+    EXPECT_DOUBLE_EQ(model->curve().speedAt(2), speed);
+    EXPECT_DOUBLE_EQ(model->framing().centerKeyframes()[0].speed, 0);
+    EXPECT_EQ(model->curve().keyframes().size(), 4U);
+    const auto trimPoint = [](const SpeedKeyframe& each) { return each.role == SpeedKeyframeRole::trimStart; };
+    const auto& centers = model->framing().centerKeyframes();
+    EXPECT_DOUBLE_EQ(std::find_if(centers.begin(), centers.end(), trimPoint)->speed, travel);
+    open("other.mov");
+    model->dragTrim(before, 4, 10);
+    EXPECT_EQ(model->curve().trimRange(), (SourceRange{0, 10}));
 }
 
 TEST_F(CurveEditsTest, TrimKeepsSpeedAndFramingAtItsEnds) {

@@ -35,6 +35,15 @@ TEST_F(FramingEditsTest, ACropDragKeysThePlayhead) {
     model->resetCenterCurve();
     EXPECT_EQ(model->framing().centerKeyframes().size(), 2U);
     EXPECT_EQ(model->framing().liveCropTravel(4), 0.5);
+
+    // A trim that begins at a point puts its own above it.
+    model->replaceCenterKeyframes({point(0, 0), point(4, 0.4), point(10, 1)});
+    model->applyTrimRange(4, 9);
+    model->scrub(0.4);
+    model->beginCropDrag();
+    model->updateCropDrag(0.8);
+    model->endCropDrag();
+    EXPECT_EQ(model->framing().liveCropTravel(4), 0.8);
 }
 
 TEST_F(FramingEditsTest, TheGlideIsTheExportsOwn) {
