@@ -225,15 +225,24 @@ void EditSession::applyProjectEdits(const ProjectEdits& edits) {
 void EditSession::installProjectEdits(const ProjectEdits& edits) {
     const FlagScope restoring(isRestoringProject_);
     curve.setSmoothing(edits.smoothing);
-    curve.setTrim({edits.trimStart, edits.trimEnd}, edits.keyframes);
-    framing.setCenterKeyframes(edits.centerKeyframes);
+    // Documents hold everything in any order.
+    const auto sorted = [](SpeedKeyframes points) {
+        sortByTime(points);
+        return points;
+    };
+    curve.setTrim({edits.trimStart, edits.trimEnd}, sorted(edits.keyframes));
+    framing.setCenterKeyframes(sorted(edits.centerKeyframes));
     framing.setCenterSmoothing(edits.centerSmoothing);
     framing.setVerticalCropEnabled(edits.cropEnabled);
     framing.setCropAspectRatio(edits.cropAspect);
     framing.setLockCropCenter(edits.lockCropCenter);
-    ZoomBlockRules::Blocks blocks = edits.zoomBlocks; // documents hold them in any order
+    ZoomBlockRules::Blocks blocks = edits.zoomBlocks;
     std::stable_sort(blocks.begin(), blocks.end(),
                      [](const ZoomBlock& a, const ZoomBlock& b) { return a.startTime < b.startTime; });
+    for (ZoomBlock& block : blocks)
+        std::stable_sort(
+            block.focalKeyframes.begin(), block.focalKeyframes.end(),
+            [](const ZoomFocalKeyframe& a, const ZoomFocalKeyframe& b) { return a.progress < b.progress; });
     zoom.setZoomBlocks(std::move(blocks));
     flow.setFrameInterpolation(edits.interpolation);
     timeline.setPreviewResolution(edits.previewResolution);

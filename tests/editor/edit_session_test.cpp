@@ -118,12 +118,16 @@ TEST_F(EditSessionTest, ADocumentsZoomBlocksComeInOrder) {
         block.id = Uuid::random();
         block.startTime = start;
         block.endTime = start + 1;
+        block.focalKeyframes = {{.progress = 0.9}, {.progress = 0.1}};
     }
+    edits.keyframes = {point(10, 2), point(0, 1)};
     model->applyProjectEdits(edits);
+    EXPECT_EQ(model->curve().keyframes()[0].time, 0);
     const auto& blocks = model->zoom().zoomBlocks();
     ASSERT_EQ(blocks.size(), 3);
     for (std::size_t i = 0; i < blocks.size(); ++i)
         EXPECT_EQ(blocks[i].startTime, 1 + 2 * static_cast<double>(i));
+    EXPECT_EQ(blocks[0].focalKeyframes[0].progress, 0.1);
 }
 
 TEST_F(EditSessionTest, HistoryKeepsTwoHundredEditsAndAllThatIsUndone) {
