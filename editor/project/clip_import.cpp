@@ -5,6 +5,7 @@
 #include "project/files/project_error.h"
 #include "project/project_validation.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace flowtide {
@@ -156,10 +157,13 @@ void ClipImport::restoreLastProject() {
     start(
         BackgroundQueue::projects, begin(std::string()),
         [store = binding_.store(), open = StoredProject(binding_.stored())]() -> std::optional<FoundProject> {
+            // The list is in the order in which projects were added; what was worked on last was saved last.
             const RecentProjects recent = store->recent();
-            if (recent.empty()) return std::nullopt;
+            const auto last = std::max_element(recent.begin(), recent.end(),
+                                               [](const auto& a, const auto& b) { return a.savedAt < b.savedAt; });
+            if (last == recent.end()) return std::nullopt;
             try {
-                return find(*recent.front().projectURL.filePath(), open);
+                return find(*last->projectURL.filePath(), open);
             } catch (const ProjectError&) {
                 return std::nullopt; // nobody has asked for it: the start screen lists it
             }

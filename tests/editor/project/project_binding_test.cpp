@@ -103,6 +103,18 @@ TEST_F(ProjectBindingTest, ARestartBringsEverythingBack) {
     EXPECT_EQ(undated(storedText()), undated(unsaved));
 }
 
+TEST_F(ProjectBindingTest, AStartGoesOnWithWhatWasOpenLast) {
+    for (const char* name : {"one.mov", "two.mov", "one.mov"}) {
+        open(name);
+        rest();
+    }
+    const Uuid last = model->binding().projectID();
+    makeModel();
+    model->restoreLastProject();
+    scheduler.settle();
+    EXPECT_EQ(model->binding().projectID(), last);
+}
+
 TEST_F(ProjectBindingTest, InstallingEditsIsNoStepOfHistory) {
     open("one.mov");
     rest();
