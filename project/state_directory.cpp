@@ -58,7 +58,11 @@ fs::path stateDirectory(const Environment& environment) {
 fs::path defaultDirectory(const Environment& environment, FileOperations& operations) {
     const fs::path parent = dataFolder(environment);
     fs::path folder = parent / folderName;
-    makePrivateFolders(operations, folder);
+    try {
+        makePrivateFolders(operations, folder);
+    } catch (const ProjectError&) {
+        return folder; // the first save makes it, or says why it cannot
+    }
     for (const char* name : formerFolderNames)
         migrateDirectory(parent / name, folder);
     return folder;

@@ -45,10 +45,10 @@ TEST(StateDirectory, Precedence) {
     EXPECT_EQ(ProjectStore(folder / "given").directory(), folder / "given");
 
     writeFile(folder / "file", "");
-    EXPECT_EQ(refusal([&] {
-                  stateDirectory(environmentOf({{"HOME", (folder / "file").string()}}));
-              }),
-              "Not a directory (error 20)");
+    // A window opens all the same; the first save says what is wrong.
+    const fs::path unusable = stateDirectory(environmentOf({{"HOME", (folder / "file").string()}}));
+    EXPECT_EQ(unusable, folder / "file/.local/share/Loftwell Video");
+    EXPECT_TRUE(ProjectStore(unusable).recent().empty());
 }
 
 TEST(StateDirectory, FormerFoldersMoveIn) {
