@@ -94,7 +94,7 @@ int followOne(const char* const* words, const std::string& picture) {
     std::printf("keyframes (seconds:centre of the crop)\n");
     for (const auto& keyframe : keyframes)
         std::printf("%s%.4f:%.4f", &keyframe == keyframes.data() ? "" : ",", keyframe.time, keyframe.speed);
-    std::printf("\n%s\n", tracking::finishedMessage(result, keyframes.size()).c_str());
+    std::printf("\n%s\n", tracking::finishedMessage(result, keyframes.size(), "Ctrl+Z").c_str());
     writeStrip(picture, *backend, clip, sightings, keyframes, crop);
     std::printf("Pictures: %s\n", picture.c_str());
     return 0;

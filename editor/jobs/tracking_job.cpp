@@ -2,8 +2,7 @@
 #include "editor/jobs/tracking_job.h"
 
 #include "core/clamp.h"
-
-#include <fmt/format.h>
+#include "media/tracking/tracking_messages.h"
 
 #include <utility>
 
@@ -141,29 +140,19 @@ void TrackingJob::finish(Outcome<SubjectTrackResult>& outcome, const Basis& befo
             trackingMessage_.set("Framing changed while tracking. Track again to keep your new edits.");
             return;
         }
-        const auto count = framing_.applySubjectTrackingResult(result);
+        // What was drawn is what the user knew already.
+        const auto count = tracking::isSeedAlone(result) ? 0 : framing_.applySubjectTrackingResult(result);
         if (!count) {
             trackingMessage_.set("There is no room for so many framing points. Remove some and track again.");
             return;
         }
         if (result.lostSubject && !result.samples.empty())
             trackingStoppedAt_.set(result.lostAfterSeed ? result.samples.back().time : result.samples.front().time);
-        trackingMessage_.set(closingSentence(result, *count));
+        trackingMessage_.set(tracking::finishedMessage(result, *count, undoKeys_));
     } catch (const std::exception& error) {
         trackingMessage_.set(failureToShow(error));
     }
     session_.preview().scheduleSmartPreview();
-}
-
-std::string TrackingJob::closingSentence(const SubjectTrackResult& result, std::size_t count) const {
-    if (result.lostSubject)
-        return count == 0 ? "Tracking stopped — subject lost. Choose a clearer frame and try again."
-                          : fmt::format("Tracking stopped — subject lost. Tracked {} keyframes. Review the orange "
-                                        "flags.",
-                                        count);
-    if (!result.lostFrames.empty())
-        return "Tracking finished with gaps. Review the orange flags where the subject was lost.";
-    return fmt::format("Tracking complete: {} framing points across the retained clip. {} to undo.", count, undoKeys_);
 }
 
 } // namespace flowtide

@@ -57,7 +57,6 @@ private:
     void receiveProgress(const TrackingProgress& progress);
     void stopFollowing();
     void finish(Outcome<SubjectTrackResult>& outcome, const Basis& before);
-    std::string closingSentence(const SubjectTrackResult& result, std::size_t count) const;
 
     EditSession& session_;
     SessionJobs& jobs_;

@@ -50,17 +50,18 @@ bool followAll(DirectionTracking& direction, PictureWalk& walk, Progress& progre
                const SubjectTrackingCallbacks& callbacks) {
     std::size_t told = 0;
     bool wasLooking = false;
-    while (const auto picture = walk.next()) {
-        const bool goesOn = direction.follow(picture->picture, picture->time);
+    bool isGivenUp = false;
+    while (const auto picture = isGivenUp ? std::nullopt : walk.next()) {
+        isGivenUp = !direction.follow(picture->picture, picture->time);
         for (; callbacks.sighted && told < direction.sightings().size(); ++told)
             callbacks.sighted(direction.sightings()[told]);
         if (callbacks.looking && wasLooking != direction.isLooking()) callbacks.looking(direction.isLooking());
         wasLooking = direction.isLooking();
         if (callbacks.looked) callbacks.looked(*picture, boxAt(direction, picture->time));
         progress.frameDone();
-        if (!goesOn) return true;
     }
-    return false;
+    if (callbacks.looking && wasLooking) callbacks.looking(false);
+    return isGivenUp;
 }
 
 void append(const DirectionTracking& direction, SubjectTrackResult& result) {

@@ -41,9 +41,7 @@ Uuid idOf(const CoverageFlag& flag) {
 std::vector<CoverageFlag> coverageFlags(const std::vector<SubjectTrackingRange>& ranges) {
     std::vector<CoverageFlag> flags;
     for (const SubjectTrackingRange& range : ranges) {
-        // A range tells one last frame; where both ends were lost that is the later one's.
-        if (range.lostBefore)
-            flags.push_back({range.start, range.lostAfter ? range.start : range.lastFrameTime, false});
+        if (range.lostBefore) flags.push_back({range.start, range.start, false});
         if (range.lostAfter) flags.push_back({range.end, range.lastFrameTime, true});
     }
     return flags;

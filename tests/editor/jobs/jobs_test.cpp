@@ -257,19 +257,19 @@ TEST_F(JobsTest, TrackingEndsWithTheSentenceOfWhatItCameTo) {
     const struct {
         bool lost;
         std::vector<double> lostFrames;
-        bool hasSamples;
+        std::size_t samples;
         const char* sentence;
     } ends[] = {
-        {false, {}, true, "Tracking complete: 2 framing points across the retained clip. Ctrl+Z to undo."},
-        {false, {4.5}, true, "Tracking finished with gaps. Review the orange flags where the subject was lost."},
-        {true, {}, true, "Tracking stopped — subject lost. Tracked 2 keyframes. Review the orange flags."},
-        {true, {}, false, "Tracking stopped — subject lost. Choose a clearer frame and try again."},
+        {true, {}, 1, "Tracking stopped — subject lost. Choose a clearer frame and try again."},
+        {false, {0.1}, 1, "Tracking stopped — subject lost. Choose a clearer frame and try again."},
+        {false, {}, 301, "Tracking complete: 2 framing points across the retained clip. Ctrl+Z to undo."},
+        {false, {4.5}, 301, "Tracking finished with gaps. Review the orange flags where the subject was lost."},
+        {true, {}, 301, "Tracking stopped — subject lost. Tracked 2 keyframes. Review the orange flags."},
+        {true, {}, 0, "Tracking stopped — subject lost. Choose a clearer frame and try again."},
     };
-    for (const auto& [lost, lostFrames, hasSamples, sentence] : ends) {
-        if (hasSamples)
-            media->tracked = straightTrack();
-        else
-            media->tracked = {};
+    for (const auto& [lost, lostFrames, samples, sentence] : ends) {
+        media->tracked = straightTrack();
+        media->tracked.samples.resize(samples);
         media->tracked.lostSubject = media->tracked.lostAfterSeed = lost;
         media->tracked.lostFrames = lostFrames;
         model->beginSubjectSelection();
@@ -285,7 +285,9 @@ TEST_F(JobsTest, TrackingEndsWithTheSentenceOfWhatItCameTo) {
         scheduler.settle();
         EXPECT_FALSE(model->tracking().isTracking());
         EXPECT_EQ(model->tracking().trackingMessage(), sentence);
-        EXPECT_EQ(model->tracking().trackingStoppedAt(), lost && hasSamples ? std::optional(10.0) : std::nullopt);
+        EXPECT_EQ(model->tracking().trackingStoppedAt(),
+                  lost && samples > 0 ? std::optional(media->tracked.samples.back().time) : std::nullopt);
+        EXPECT_EQ(model->trackedRanges().empty(), samples == 1) << "what was drawn is no track";
     }
     EXPECT_EQ(model->trackedRanges().size(), 1U);
 

@@ -127,7 +127,16 @@ TEST(SubjectTrackingEngineTest, WhatStaysHiddenIsGivenUp) {
           {"on both sides", [](double t) { return t < 0.79 || t > 1.61; }, 175, true, true, true}}) {
         Job job{.subject = {swaying, isHidden}, .frames = frames};
         job.range.upper = frames * interval;
-        const SubjectTrackResult result = job.run();
+        bool isLooking = false;
+        int changes = 0;
+        SubjectTrackingCallbacks callbacks;
+        callbacks.looking = [&](bool now) {
+            isLooking = now;
+            ++changes;
+        };
+        const SubjectTrackResult result = job.run(callbacks);
+        EXPECT_FALSE(isLooking) << "what is given up is not looked for any longer: " << what;
+        EXPECT_EQ(changes, before && after ? 4 : 2) << what;
         EXPECT_EQ(result.lostSubject, lost) << what;
         EXPECT_EQ(result.lostBeforeSeed, before) << what;
         EXPECT_EQ(result.lostAfterSeed, after) << what;
