@@ -52,7 +52,8 @@ void Transport::startPlayback(float rate) {
     if (!session_.clip()) return;
     if (rate == 0 || std::isnan(rate)) return pausePlayback();
     rate = std::clamp(rate, -fastestRate, fastestRate);
-    if (isPlaying()) followPlayer(player_.currentTime());
+    const OutputSeconds reached = player_.currentTime(); // asked for once: it goes on while this is decided
+    if (isPlaying()) followPlayer(reached);
     playbackIntentToken_ = std::make_shared<const Intent>();
     preparation_.cancel();
     loopSeekPending_.set(false);
@@ -65,7 +66,7 @@ void Transport::startPlayback(float rate) {
     }
     if (player_.status() != PlayerStatus::ready) return prepare(rate);
     const OutputSeconds from = startOf(rate);
-    if (std::abs(from.value - player_.currentTime().value) > inPlaceSeconds) player_.seek(from, {});
+    if (std::abs(from.value - reached.value) > inPlaceSeconds) player_.seek(from, {});
     play(rate, from);
 }
 
@@ -87,7 +88,8 @@ void Transport::prepare(float rate) {
 void Transport::play(float rate, OutputSeconds from) {
     if (std::exchange(hasFailed_, false)) renders_.showPreviewError({});
     if (from != playhead()) followPlayer(from);
-    playedFrom_ = from;
+    // The head start of backward play is none out of a range in which it was asked for.
+    playedFrom_ = rate < 0 ? OutputSeconds{from.value + backwardHeadStart} : from;
     player_.play(rate);
     isPlaying_.set(true);
     shuttleRate_.set(rate);

@@ -33,6 +33,7 @@ public:
     double requestedRate() const override { return rate_; }
     double rate() const override { return isStalled ? 0 : rate_; }
     OutputSeconds currentTime() override {
+        position_ += rate() * secondsPerQuestion;
         const double moved = position_ + rate() * (scheduler_.now() - since_);
         return {std::clamp(moved, 0.0, duration())};
     }
@@ -51,7 +52,8 @@ public:
     bool completesSeeks = true;
     bool arrivesLate = false; ///< seeks are without effect
     bool isStalled = false;
-    bool isMuted = false; ///< as it was told
+    bool isMuted = false;          ///< as it was told
+    double secondsPerQuestion = 0; ///< that its clock goes on each time it is asked for the time
     void moveTo(double time) { place(std::clamp(time, 0.0, duration())); }
     void setStatus(PlayerStatus status, std::string failure = {}) {
         status_ = status;

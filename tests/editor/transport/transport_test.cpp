@@ -54,6 +54,12 @@ TEST_F(TransportTest, ShuttlesInPowersOfTwo) {
         rates.push_back(transport().shuttleRate());
     }
     EXPECT_THAT(rates, ElementsAre(1, 2, 4, 8, 8, -1, -2, -4, -8, -8, 1));
+    player.seeks.clear();
+    player.secondsPerQuestion = 1e-4; // as a clock that runs
+    for (int i = 0; i < 3; ++i)
+        model->shuttleForward();
+    EXPECT_TRUE(player.seeks.empty()) << "a faster play goes on where it is";
+    player.secondsPerQuestion = 0;
     model->togglePlayback();
     expectStopped();
     model->shuttleBackward();
@@ -161,6 +167,10 @@ TEST_F(TransportTest, PlayStopsAtItsEndWhoeverNoticesIt) {
     model->startPlayback(-8);
     run(5);
     EXPECT_EQ(model->playheadSeconds(), 1);
+    moveTo(range.lower + 0.03); // less than the head start behind it
+    model->startPlayback(-8);
+    run(5);
+    EXPECT_DOUBLE_EQ(model->playheadSeconds(), range.lower);
 }
 
 TEST_F(TransportTest, ALoopJumpsOnceUntilItIsThere) {
