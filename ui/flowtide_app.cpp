@@ -5,6 +5,7 @@
 #include "ui/desktop_motion.h"
 #include "ui/main_window.h"
 #include "ui/style.h"
+#include "ui/tips.h"
 #include "ui/user_settings.h"
 
 #include <QApplication>
@@ -44,7 +45,11 @@ int runFlowtideApp(const WindowPlatform& platform, const std::optional<std::file
         QApplication::installTranslator(&dialogs);
     installAccessibleRoles();
     QApplication::setStyle(new Style);
+    Tips tips;
+    application.installEventFilter(&tips);
     QIcon icon(QStringLiteral(":/icons/app.svg"));
+    for (const int small : {16, 32})
+        icon.addFile(QStringLiteral(":/icons/app-small.svg"), QSize(small, small));
     QApplication::setWindowIcon(icon);
     QApplication::setQuitOnLastWindowClosed(false);
 

@@ -52,6 +52,7 @@ Style::Style()
 
 void Style::polish(QWidget* widget) {
     QProxyStyle::polish(widget);
+    if (widget->inherits("QTipLabel")) widget->setContentsMargins(7, 3, 7, 3); // and the toolkit's own pixel
     if (qobject_cast<QMenu*>(widget)) {
         // Rounded where the desktop can, square where it can't.
         widget->setAttribute(Qt::WA_TranslucentBackground);

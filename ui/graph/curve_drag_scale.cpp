@@ -62,11 +62,13 @@ SnappedValue snappedSpeed(double normalizedHeight, const CurveDragScale& scale, 
     const double value = scale.value(normalizedHeight);
     if (bypassesSnapping) return {value, false};
     const double height = scale.normalized(value);
+    constexpr double rounding = 1e-6; // of the edges of a window that has come to rest
     std::optional<double> nearest;
     double distance = snapBand;
     for (const double line : scale.axis.gridValues) {
-        if (!scale.window.contains(line)) continue;
-        const double away = std::abs(scale.normalized(line) - height);
+        const double place = scale.normalized(line);
+        if (place < -rounding || place > 1 + rounding) continue;
+        const double away = std::abs(place - height);
         if (away > distance) continue;
         distance = away;
         nearest = line;

@@ -4,6 +4,7 @@
 #include "core/speed_keyframe.h"
 #include "core/time.h"
 #include "ui/graph/curve_editor_axis.h"
+#include "ui/graph/graph_settings.h"
 #include "ui/graph/time_axis.h"
 #include "ui/point_selection.h"
 
@@ -14,14 +15,6 @@
 #include <vector>
 
 namespace flowtide {
-
-namespace graphSettings {
-constexpr double padding = 40;               ///< pixels left and right of the plot, within the timeline's own margin
-constexpr double bottomControlsHeight = 30;  ///< pixels
-constexpr double curveHitRadius = 18;        ///< pixels: so near to a point or the curve hits it
-constexpr double clickMovementTolerance = 4; ///< pixels: a press that moves less is a click
-constexpr double minKeyframeSpacing = 0.01;  ///< source seconds
-} // namespace graphSettings
 
 struct CurveGraphGeometry {
     TimeAxis time;

@@ -89,7 +89,6 @@ void CurveGraphInput::press(QPointF place, Qt::KeyboardModifiers modifiers) {
     guard_.begin();
     pressedPoint_ = pointAt(place);
     const bool isShifted = modifiers & Qt::ShiftModifier;
-    const bool isAlternate = modifiers & Qt::AltModifier;
     if (isShifted) {
         target_ = GraphDragTarget::marquee;
         return;
@@ -99,7 +98,10 @@ void CurveGraphInput::press(QPointF place, Qt::KeyboardModifiers modifiers) {
         target_ = GraphDragTarget::points;
         return takePoints(*pressedPoint_, place);
     }
-    const double seconds = context_.timeAt(place.x());
+    const CurveGraphGeometry geometry = surface_.geometry();
+    // Beside the plot lie times that are not in view.
+    const double seconds = context_.timeAt(std::clamp(place.x(), geometry.time.left, geometry.time.right()));
+    const bool isAlternate = modifiers & Qt::AltModifier && geometry.plot().contains(place);
     if (isAlternate || placeAt(place) == GraphPlace::curve) {
         const double value =
             isAlternate ? snappedValueAt(place.y(), modifiers & Qt::ControlModifier) : valueAt(seconds);

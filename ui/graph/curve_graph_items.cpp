@@ -25,8 +25,12 @@ std::vector<Uuid> CurveGraphItems::itemIds() const {
     played_ = playedPoints(input_.points(), context_.trim(), context_.duration());
     std::vector<Uuid> ids;
     ids.reserve(played_.size());
-    for (const SpeedKeyframe& point : played_)
+    numbers_.clear();
+    count_ = 0;
+    for (const SpeedKeyframe& point : played_) {
         ids.push_back(point.id);
+        numbers_.push_back(point.role == SpeedKeyframeRole::curve ? ++count_ : 0);
+    }
     return ids;
 }
 
@@ -35,11 +39,15 @@ std::optional<AccessibleItem> CurveGraphItems::accessibleItem(const Uuid& id, st
     const SpeedKeyframe& point = played_[index];
     const CurveEditorAxis axis = input_.axis();
     AccessibleItem item;
-    item.name = CurveGraph::tr("Point %1 of %2, %3 seconds, %4")
-                    .arg(index + 1)
-                    .arg(played_.size())
-                    .arg(point.time, 0, 'f', 3)
-                    .arg(axis.format(point.speed));
+    const QString seconds = QString::number(point.time, 'f', 3);
+    const QString value = axis.format(point.speed);
+    if (point.role == SpeedKeyframeRole::curve)
+        item.name =
+            CurveGraph::tr("Point %1 of %2, %3 seconds, %4").arg(numbers_[index]).arg(count_).arg(seconds, value);
+    else if (point.role == SpeedKeyframeRole::trimStart)
+        item.name = CurveGraph::tr("Trim start, %1 seconds, %2").arg(seconds, value);
+    else
+        item.name = CurveGraph::tr("Trim end, %1 seconds, %2").arg(seconds, value);
     const CurveGraphGeometry geometry = geometry_();
     if (geometry.time.shows(point.time))
         item.place = QRectF(geometry.placeOf(point) - QPointF(pointSize, pointSize) / 2, QSizeF(pointSize, pointSize));

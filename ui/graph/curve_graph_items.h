@@ -29,7 +29,10 @@ private:
     TimelineContext& context_;
     CurveGraphInput& input_;
     std::function<CurveGraphGeometry()> geometry_;
-    mutable SpeedKeyframes played_; ///< when itemIds() was last asked
+    // When itemIds() was last asked:
+    mutable SpeedKeyframes played_;
+    mutable std::vector<int> numbers_; ///< from 1, without the trim's ends, as the inspector counts
+    mutable int count_ = 0;
     AccessibleItems tree_;
 };
 

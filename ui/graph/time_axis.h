@@ -1,13 +1,15 @@
 // The time axis that the graph, the ruler and all lanes share.
 #pragma once
 
+#include "ui/graph/graph_settings.h"
+
 #include <QString>
 
 namespace flowtide {
 
 /// Between source seconds and pixels of the timeline.
 struct TimeAxis {
-    static constexpr double margin = 44; ///< pixels left and right of the axis
+    static constexpr double margin = graphSettings::padding + 4; ///< pixels left and right of the axis
 
     double duration = 0; ///< source seconds of the clip
     double left = 0;     ///< pixels

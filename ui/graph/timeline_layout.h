@@ -1,6 +1,8 @@
 // Where the parts of the timeline go.
 #pragma once
 
+#include "ui/graph/graph_settings.h"
+
 #include <QRect>
 #include <QSize>
 
@@ -20,7 +22,7 @@ struct TimelineLayout {
     static constexpr int trimBarHeight = 12;
     static constexpr int laneGap = 4;
     static constexpr int zoomHeight = 28;
-    static constexpr int hintHeight = 30;
+    static constexpr int hintHeight = graphSettings::bottomControlsHeight;
 
     QRect head;
     QRect ruler;

@@ -108,6 +108,13 @@ void ZoomLaneView::paintRamp(QPainter& painter, const ZoomBlock& block, const QR
     painter.setRenderHint(QPainter::Antialiasing, false);
 }
 
+/// Its amount; what a drag changes while it goes on.
+QString ZoomLaneView::words(const ZoomBlock& block) const {
+    if (!isDrag_ || !held_ || held_->block != block.id) return valueText::speed(block.amount);
+    if (held_->part == ZoomPart::body) return valueText::timeCode(block.startTime);
+    return tr("%1 s").arg(block.endTime - block.startTime, 0, 'f', 2);
+}
+
 void ZoomLaneView::paintBlock(QPainter& painter, const ZoomBlock& block) const {
     using namespace theme;
     QRectF box = stretch(block.startTime, block.endTime);
@@ -124,12 +131,14 @@ void ZoomLaneView::paintBlock(QPainter& painter, const ZoomBlock& block) const {
             painter.fillRect(onPixels(painter, QRectF(x, box.center().y() - gripHeight / 2, gripWidth, gripHeight)),
                              theme::text);
     if (box.width() >= narrowestText)
-        drawLine(painter, box, Qt::AlignHCenter, Type::smallBold, theme::text, valueText::speed(block.amount));
+        drawLine(painter, box, Qt::AlignHCenter, Type::smallBold, theme::text, words(block));
     const TimeMap& map = context_.model().curve().timeMap();
     const double from = map.outputTime({block.startTime}).value;
     const double length = map.outputTime({block.endTime}).value - from;
     for (const ZoomFocalKeyframe& keyframe : block.focalKeyframes) {
-        const double x = context_.axis().xOf(map.sourceTime(OutputSeconds{from + keyframe.progress * length}).value);
+        const double seconds = map.sourceTime(OutputSeconds{from + keyframe.progress * length}).value;
+        if (!context_.axis().shows(seconds)) continue;
+        const double x = context_.axis().xOf(seconds);
         drawBox(painter, QRectF(x - dotSize / 2, box.bottom() - dotSize, dotSize, dotSize), dotSize / 2, theme::zoom);
     }
     if (context_.model().zoom().selectedZoomBlockID() == block.id) {
@@ -243,6 +252,7 @@ void ZoomLaneView::mouseReleaseEvent(QMouseEvent* event) {
 
 void ZoomLaneView::letGo() {
     guard_.end();
+    isDrag_ = false;
     draft_.reset();
     drawnFrom_.reset();
     held_.reset();

@@ -42,6 +42,7 @@ private:
     void setItemValue(const Uuid& id, double value) override;
 
     void refresh();
+    QString words(const ZoomBlock& block) const;
     void paintBlock(QPainter& painter, const ZoomBlock& block) const;
     void paintRamp(QPainter& painter, const ZoomBlock& block, const QRectF& box) const;
     void paintDraft(QPainter& painter) const;

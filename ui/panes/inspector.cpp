@@ -98,8 +98,9 @@ Inspector::Inspector(const InspectorSession& session, QWidget* parent)
     }
     connect(tabs_, &QTabBar::currentChanged, pages_, &QStackedWidget::setCurrentIndex);
     changes_ = model_.subscribe(properties({Property::editorMode}), [this](const PropertySet&) {
-        if (tab() != Tab::clip)
-            setTab(model_.timeline().editorMode() == CurveEditorMode::speed ? Tab::speed : Tab::framing);
+        if (tab() != WorkspaceInspectorTab::clip)
+            setTab(model_.timeline().editorMode() == CurveEditorMode::speed ? WorkspaceInspectorTab::speed
+                                                                            : WorkspaceInspectorTab::framing);
     });
 }
 

@@ -10,18 +10,19 @@
 
 namespace flowtide {
 
+/// Its pages, in their order.
+enum class WorkspaceInspectorTab { speed, framing, clip };
+
 /// Its tab follows the curve that the graph edits, unless it shows the clip.
 class Inspector final : public QWidget {
     Q_OBJECT
 
 public:
-    enum class Tab { speed, framing, clip };
-
     explicit Inspector(SessionHost& host, QWidget* parent = nullptr);
     explicit Inspector(const InspectorSession& session, QWidget* parent = nullptr);
 
-    Tab tab() const { return static_cast<Tab>(tabs_->currentIndex()); }
-    void setTab(Tab tab) { tabs_->setCurrentIndex(static_cast<int>(tab)); }
+    WorkspaceInspectorTab tab() const { return static_cast<WorkspaceInspectorTab>(tabs_->currentIndex()); }
+    void setTab(WorkspaceInspectorTab tab) { tabs_->setCurrentIndex(static_cast<int>(tab)); }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -883,6 +883,14 @@
         <translation>%1 Punkte gewählt</translation>
     </message>
     <message>
+        <source>Trim start, %1 seconds, %2</source>
+        <translation>Anfang, %1 Sekunden, %2</translation>
+    </message>
+    <message>
+        <source>Trim end, %1 seconds, %2</source>
+        <translation>Ende, %1 Sekunden, %2</translation>
+    </message>
+    <message>
         <source>Point %1 of %2, %3 seconds, %4</source>
         <translation>Punkt %1 von %2, %3 Sekunden, %4</translation>
     </message>

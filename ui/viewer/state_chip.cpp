@@ -70,7 +70,7 @@ StateChip::StateChip(FlowtideViewModel& model, PictureFeed& feed, QWidget* paren
                     Property::shuttleRate, Property::scrubPosition, Property::opticalFlowRanges,
                     Property::originalFrameSpans, Property::frameInterpolation, Property::trimRange,
                     Property::renderedPreviews, Property::renderingPreviewRange, Property::selectingSubject,
-                    Property::isTracking}),
+                    Property::isTracking, Property::previewRenderError}),
         [this](const PropertySet&) { refresh(); });
     refresh();
 }
@@ -78,8 +78,13 @@ StateChip::StateChip(FlowtideViewModel& model, PictureFeed& feed, QWidget* paren
 void StateChip::refresh() {
     PictureState state = PictureState::of(model_);
     if (state.words.isEmpty() && model_.clip()) {
+        // Of pictures, then of a start or of the sound, which the inspector alone would tell otherwise.
         const std::string failure = feed_.failure();
-        if (!failure.empty()) state = {QString::fromStdString(failure), PictureState::Dot::grey};
+        const auto& error = model_.renders().render().previewRenderError();
+        if (!failure.empty())
+            state = {QString::fromStdString(failure), PictureState::Dot::grey};
+        else if (error)
+            state = {sessionText(*error), PictureState::Dot::grey};
     }
     if (state == wanted_) return;
     wanted_ = state;

@@ -85,6 +85,14 @@ TEST_F(AccessibleItemsTest, PointsAreChildrenOfTheGraph) {
     settle();
     EXPECT_EQ(name(&graph), "Framing curve");
     EXPECT_EQ(name(graph.child(0)), "Point 1 of 2, 0.000 seconds, Center");
+    model->setEditorMode(CurveEditorMode::speed);
+    model->replaceKeyframes({point(0, 1), point(5, 1), point(10, 1)});
+    model->applyTrimRange(2, 8); // points are counted as the inspector does
+    settle();
+    ASSERT_EQ(graph.childCount(), 3);
+    EXPECT_EQ(name(graph.child(0)), "Trim start, 2.000 seconds, 1x");
+    EXPECT_EQ(name(graph.child(1)), "Point 1 of 1, 5.000 seconds, 1x");
+    EXPECT_EQ(name(graph.child(2)), "Trim end, 8.000 seconds, 1x");
 }
 
 TEST_F(AccessibleItemsTest, NobodyIsToldWhereNobodyListens) {

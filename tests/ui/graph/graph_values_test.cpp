@@ -51,6 +51,12 @@ TEST(CurveDragScale, SnapsWithinTheBandOnly) {
     // Grid lines that are not in view do not attract.
     const double ten = scale.normalized(10);
     EXPECT_FALSE(snappedSpeed(ten, scale, false).isSnapped);
+    // The topmost does, in a window that has moved there.
+    for (const double top : {4.0, 50.0}) {
+        const auto moved =
+            CurveDragScale::of(CurveEditorAxis::speed(), windowBetween({0.1, 7}, {0.1, top}, 1, true), 200);
+        EXPECT_EQ(snappedSpeed(0.99, moved, false).value, top);
+    }
 }
 
 TEST(CurveDragScale, GoesOnBeyondTheEdgesAtAConstantRate) {
@@ -243,8 +249,10 @@ TEST(ZoomLane, TellsEdgesFromBodies) {
 }
 
 TEST(CoverageBar, FlagsEveryLoss) {
-    const auto flags = coverageFlags({{Uuid::random(), 1, 2, true, true, 2}, {Uuid::random(), 3, 4, false, false, 4}});
-    EXPECT_THAT(flags, ElementsAre(CoverageFlag{1, 1, false}, CoverageFlag{2, 2, true}));
+    const auto flags = coverageFlags({{Uuid::random(), 1, 2, true, true, 1.9},
+                                      {Uuid::random(), 3, 4, false, false, 4},
+                                      {Uuid::random(), 5, 6, true, false, 5.9}});
+    EXPECT_THAT(flags, ElementsAre(CoverageFlag{1, 1, false}, CoverageFlag{2, 1.9, true}, CoverageFlag{5, 5, false}));
 }
 
 TEST(FilmStrip, HalvesItsPartsAsItIsMagnified) {

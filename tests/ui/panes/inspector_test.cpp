@@ -136,7 +136,7 @@ TEST_F(InspectorTest, ListsTheRangesAndWhatIsRendered) {
 
 TEST_F(InspectorTest, ShowsTheCropAndTheSelectedZoomBlock) {
     show();
-    inspector->setTab(Inspector::Tab::framing);
+    inspector->setTab(WorkspaceInspectorTab::framing);
     EXPECT_TRUE(find<ValueRow>("Output size: 1920 × 1080"));
     find<Switch>("Social crop")->click();
     scheduler.settle();
@@ -159,11 +159,11 @@ TEST_F(InspectorTest, ShowsTheCropAndTheSelectedZoomBlock) {
     scheduler.settle();
     model->setEditorMode(CurveEditorMode::cropCenter);
     scheduler.settle();
-    EXPECT_EQ(inspector->tab(), Inspector::Tab::framing);
-    inspector->setTab(Inspector::Tab::clip);
+    EXPECT_EQ(inspector->tab(), WorkspaceInspectorTab::framing);
+    inspector->setTab(WorkspaceInspectorTab::clip);
     model->setEditorMode(CurveEditorMode::speed);
     scheduler.settle();
-    EXPECT_EQ(inspector->tab(), Inspector::Tab::clip);
+    EXPECT_EQ(inspector->tab(), WorkspaceInspectorTab::clip);
 }
 
 } // namespace
