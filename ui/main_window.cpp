@@ -130,6 +130,7 @@ MainWindow::MainWindow(SessionHost& host)
     start_->onProject = openProject;
     sidebar->onProject = openProject;
     relink_->onLocate = [this] { locateClip(); };
+    inspector->onSpeedPageShown = [this](bool isShown) { viewer_->setFailuresToldElsewhere(isShown); };
     viewer_->onHint = [this](const QString& hint) { timeline_->setPictureHint(hint); };
     workspace_->onPanesChanged = [this] {
         topBar_->showPanes(workspace_->showsSidebar(), workspace_->showsInspector());

@@ -97,11 +97,24 @@ Inspector::Inspector(const InspectorSession& session, QWidget* parent)
         pages_->addWidget(area);
     }
     connect(tabs_, &QTabBar::currentChanged, pages_, &QStackedWidget::setCurrentIndex);
+    connect(tabs_, &QTabBar::currentChanged, this, &Inspector::tellSpeedPage);
     changes_ = model_.subscribe(properties({Property::editorMode}), [this](const PropertySet&) {
         if (tab() != WorkspaceInspectorTab::clip)
             setTab(model_.timeline().editorMode() == CurveEditorMode::speed ? WorkspaceInspectorTab::speed
                                                                             : WorkspaceInspectorTab::framing);
     });
+}
+
+void Inspector::tellSpeedPage() {
+    if (onSpeedPageShown) onSpeedPageShown(isVisible() && tab() == WorkspaceInspectorTab::speed);
+}
+
+void Inspector::showEvent(QShowEvent*) {
+    tellSpeedPage();
+}
+
+void Inspector::hideEvent(QHideEvent*) {
+    tellSpeedPage();
 }
 
 void Inspector::paintEvent(QPaintEvent*) {

@@ -7,6 +7,7 @@
 #include <QStackedWidget>
 #include <QTabBar>
 #include <QWidget>
+#include <functional>
 
 namespace flowtide {
 
@@ -24,11 +25,18 @@ public:
     WorkspaceInspectorTab tab() const { return static_cast<WorkspaceInspectorTab>(tabs_->currentIndex()); }
     void setTab(WorkspaceInspectorTab tab) { tabs_->setCurrentIndex(static_cast<int>(tab)); }
 
+    /// Whether the page is in view that says why a preview has failed; called as that changes.
+    std::function<void(bool isShown)> onSpeedPageShown;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
 
 private:
     class Tabs;
+
+    void tellSpeedPage();
 
     FlowtideViewModel& model_;
     QTabBar* tabs_;

@@ -78,12 +78,12 @@ StateChip::StateChip(FlowtideViewModel& model, PictureFeed& feed, QWidget* paren
 void StateChip::refresh() {
     PictureState state = PictureState::of(model_);
     if (state.words.isEmpty() && model_.clip()) {
-        // Of pictures, then of a start or of the sound, which the inspector alone would tell otherwise.
+        // Of pictures, then of a start, a render or the sound.
         const std::string failure = feed_.failure();
         const auto& error = model_.renders().render().previewRenderError();
         if (!failure.empty())
             state = {QString::fromStdString(failure), PictureState::Dot::grey};
-        else if (error)
+        else if (error && !failuresAreToldElsewhere_)
             state = {sessionText(*error), PictureState::Dot::grey};
     }
     if (state == wanted_) return;
@@ -93,6 +93,11 @@ void StateChip::refresh() {
         wait_.start();
     else
         show(state);
+}
+
+void StateChip::setFailuresToldElsewhere(bool areTold) {
+    failuresAreToldElsewhere_ = areTold;
+    refresh();
 }
 
 void StateChip::show(const PictureState& state) {

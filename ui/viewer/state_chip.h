@@ -34,6 +34,8 @@ public:
 
     /// Whether it lies on the picture.
     void setOnPicture(bool isOnPicture);
+    /// As ViewerPane has it.
+    void setFailuresToldElsewhere(bool areTold);
     /// Called when it has got another width.
     std::function<void()> onResized;
 
@@ -49,6 +51,7 @@ private:
     PictureState wanted_;
     PictureState shown_;
     bool isOnPicture_ = false;
+    bool failuresAreToldElsewhere_ = false;
     QTimer wait_;
     Subscription changes_;
 };

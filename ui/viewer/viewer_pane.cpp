@@ -44,6 +44,10 @@ bool ViewerPane::endTracking() {
     return subject_->dismiss();
 }
 
+void ViewerPane::setFailuresToldElsewhere(bool areTold) {
+    state_->setFailuresToldElsewhere(areTold);
+}
+
 bool ViewerPane::endComparison() {
     if (!model_.comparison().comparisonEnabled()) return false;
     model_.setComparisonEnabled(false);

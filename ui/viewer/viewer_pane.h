@@ -27,6 +27,8 @@ public:
     /// Esc: ends choosing or tracking a subject, or takes back what that had to say; false when there is none.
     bool endTracking();
     bool endComparison();
+    /// Whether it is said beside the picture why a preview has failed: nothing is said twice.
+    void setFailuresToldElsewhere(bool areTold);
 
     VideoSurface& surface() { return *surface_; }
 

@@ -49,6 +49,20 @@ protected:
     ViewerPane pane{*model, feed};
 };
 
+TEST_F(ViewerTest, AFailedStartIsToldOnThePictureUnlessItIsToldBeside) {
+    show();
+    auto& chip = *pane.findChild<StateChip*>();
+    player.statusOfItems = PlayerStatus::unknown;
+    model->replaceKeyframes({point(0, 2), point(10, 2)});
+    model->startPlayback(1);
+    player.setStatus(PlayerStatus::failed, "The disk is gone.");
+    scheduler.settle();
+    EXPECT_TRUE(chip.isVisible());
+    EXPECT_EQ(chip.accessibleName(), "The disk is gone.");
+    pane.setFailuresToldElsewhere(true);
+    EXPECT_FALSE(chip.isVisible());
+}
+
 TEST_F(ViewerTest, ADragOfThePictureKeysTheCropAtThePlayhead) {
     show();
     model->scrub(0.5);
