@@ -19,7 +19,8 @@ std::optional<std::string> processEnvironment(const char* name);
 std::filesystem::path stateDirectory(const Environment& environment = processEnvironment);
 
 /// "Loftwell Video" in $XDG_DATA_HOME, by default ~/.local/share; created when needed (0700), and given what the state
-/// folders of the program's former names hold. Throws ProjectError when it cannot be created.
+/// folders of the program's former names hold. Where it cannot be created the first save says why. Throws ProjectError
+/// when there is no home folder.
 std::filesystem::path defaultDirectory(const Environment& environment,
                                        FileOperations& operations = systemFileOperations());
 

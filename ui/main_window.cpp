@@ -24,6 +24,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
+#include <QPointer>
 #include <QStandardPaths>
 #include <algorithm>
 
@@ -130,7 +131,9 @@ MainWindow::MainWindow(SessionHost& host)
     start_->onProject = openProject;
     sidebar->onProject = openProject;
     relink_->onLocate = [this] { locateClip(); };
-    inspector->onSpeedPageShown = [this](bool isShown) { viewer_->setFailuresToldElsewhere(isShown); };
+    inspector->onSpeedPageShown = [viewer = QPointer(viewer_)](bool isShown) {
+        if (viewer) viewer->setFailuresToldElsewhere(isShown); // panes are hidden as the window goes, too
+    };
     viewer_->onHint = [this](const QString& hint) { timeline_->setPictureHint(hint); };
     workspace_->onPanesChanged = [this] {
         topBar_->showPanes(workspace_->showsSidebar(), workspace_->showsInspector());

@@ -28,7 +28,7 @@ struct WindowPlatform {
 /// Lives on the main thread. Its end waits for what the session has left to save.
 class SessionHost {
 public:
-    /// Throws ProjectError when there is no state folder to be had.
+    /// Throws ProjectError when there is no home folder to keep projects in.
     SessionHost(const WindowPlatform& platform, UserSettings& settings);
     ~SessionHost();
     SessionHost(const SessionHost&) = delete;

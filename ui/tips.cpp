@@ -5,6 +5,7 @@
 #include <QHelpEvent>
 #include <QStringList>
 #include <QTextLayout>
+#include <QTextOption>
 #include <QToolTip>
 #include <QWidget>
 
@@ -29,6 +30,9 @@ bool Tips::eventFilter(QObject* watched, QEvent* event) {
 
 QString Tips::broken(const QString& text) {
     QTextLayout layout(text, theme::font(theme::Type::small));
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere); // the names of files have no words
+    layout.setTextOption(option);
     QStringList lines;
     layout.beginLayout();
     for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {

@@ -26,10 +26,13 @@ void TrimEdits::apply(double start, double end, const TrimState* before) {
         std::abs(trim.upper - current.upper) <= unchangedTolerance)
         return;
     if (before) putBack(*before);
-    if (!install(trim) && !before) return;
+    const bool isInstalled = install(trim);
+    if (!isInstalled && !before) return;
     session_.preview().pausePlayback();
-    session_.timeline.setTimelineZoom(1);
-    session_.timeline.setTimelineCenter(0.5);
+    if (isInstalled) {
+        session_.timeline.setTimelineZoom(1);
+        session_.timeline.setTimelineCenter(0.5);
+    }
     session_.refreshPreview();
     keepPlayheadInside(session_.curve.trimRange());
     session_.scheduleProjectSave();
@@ -58,7 +61,10 @@ void TrimEdits::restore(const TrimState& before) {
 
 void TrimEdits::putBack(const TrimState& before) {
     session_.curve.setTrim(before.trim, before.edits.speed);
-    session_.framing.setCenterKeyframes(before.edits.center);
+    // What a track has brought since belongs to no drag.
+    const bool isTracked = session_.trackedRanges() != before.edits.trackedRanges;
+    auto centers = isTracked ? session_.framing.bounded(session_.framing.centerKeyframes()) : before.edits.center;
+    if (centers) session_.framing.setCenterKeyframes(std::move(*centers));
     session_.flow.setMarks({before.edits.flowRanges, before.edits.originalFrames});
     session_.flow.select(before.edits.selectedFlowID);
     session_.timeline.setLoopPreview(before.loopPreview);

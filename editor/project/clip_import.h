@@ -26,7 +26,7 @@ public:
     /// Opens a clip with the edits of its newest project, or else as a new project.
     void importClip(const std::filesystem::path& clip) { importClip(clip, {}); }
     void openProject(const std::filesystem::path& file);
-    /// The first of the recent projects, when there is one that can be opened.
+    /// The one of the recent projects that was saved last, when there is one that can be opened.
     void restoreLastProject();
     /// The user has located the clip of the pending project.
     void relinkProject(const std::filesystem::path& clip);

@@ -103,8 +103,8 @@ void ProjectBinding::finishSave(Outcome<Saved>& outcome, const std::shared_ptr<S
         projectSaveMessage_.set(saved.isCopy ? "Saved as a copy: this project was changed elsewhere." : "Saved");
     } catch (const std::exception& error) {
         if (isOpen && !isSavePending_) projectSaveMessage_.set("Could not save: " + sentenceFor(error));
-        // Nothing else would tell of a project that is closed, or has never been stored.
-        if (isFirst || !isOpen) alert_.show("Could not save your project", sentenceFor(error));
+        // Nothing else would tell of a project that is closed, or has never been stored; once is enough of that one.
+        if ((isFirst && !hasFailedToSave_) || !isOpen) alert_.show("Could not save your project", sentenceFor(error));
         if (!isOpen) return;
         hasFailedToSave_ = true;
         isFirstSave_ = isFirstSave_ || isFirst;

@@ -87,9 +87,9 @@ void Transport::prepare(float rate) {
 
 void Transport::play(float rate, OutputSeconds from) {
     if (std::exchange(hasFailed_, false)) renders_.showPreviewError({});
-    if (from != playhead()) followPlayer(from);
     // The head start of backward play is none out of a range in which it was asked for.
-    playedFrom_ = rate < 0 ? OutputSeconds{from.value + backwardHeadStart} : from;
+    playedFrom_ = rate < 0 ? OutputSeconds{std::max(from.value, playhead().value)} : from;
+    if (from != playhead()) followPlayer(from);
     player_.play(rate);
     isPlaying_.set(true);
     shuttleRate_.set(rate);

@@ -102,6 +102,11 @@ void TrimHandle::mouseReleaseEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) letGo();
 }
 
+/// No release comes any more.
+void TrimHandle::hideEvent(QHideEvent*) {
+    letGo();
+}
+
 void TrimHandle::letGo() {
     if (!isHeld_) return;
     isHeld_ = false;

@@ -130,8 +130,9 @@ void ZoomLaneView::paintBlock(QPainter& painter, const ZoomBlock& block) const {
         for (const double x : {box.left() + gripInset, box.right() - gripInset - gripWidth})
             painter.fillRect(onPixels(painter, QRectF(x, box.center().y() - gripHeight / 2, gripWidth, gripHeight)),
                              theme::text);
-    if (box.width() >= narrowestText)
-        drawLine(painter, box, Qt::AlignHCenter, Type::smallBold, theme::text, words(block));
+    const QString value = words(block);
+    if (box.width() >= std::max(narrowestText, textWidth(Type::smallBold, value)))
+        drawLine(painter, box, Qt::AlignHCenter, Type::smallBold, theme::text, value);
     const TimeMap& map = context_.model().curve().timeMap();
     const double from = map.outputTime({block.startTime}).value;
     const double length = map.outputTime({block.endTime}).value - from;

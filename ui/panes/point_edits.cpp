@@ -1,5 +1,7 @@
 #include "ui/panes/point_edits.h"
 
+#include "core/keyframe_rules.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -23,8 +25,16 @@ const SpeedKeyframe* find(const SpeedKeyframes& points, const Uuid& id) {
 
 Place placeOf(const SpeedKeyframes& points, const Uuid& id, SourceRange trim) {
     Place place;
+    const auto trimPoint = [&](SpeedKeyframeRole role) {
+        return std::ranges::find(points, role, &SpeedKeyframe::role);
+    };
+    const bool isTrimmedAtStart = trimPoint(SpeedKeyframeRole::trimStart) != points.end();
+    const bool isTrimmedAtEnd = trimPoint(SpeedKeyframeRole::trimEnd) != points.end();
     for (const SpeedKeyframe& point : points) {
-        const bool isInside = point.time >= trim.lower - trimTolerance && point.time <= trim.upper + trimTolerance;
+        // Under a trim's own point another one has no part in the curve.
+        const double fromStart = isTrimmedAtStart ? KeyframeRules::interiorMargin : -trimTolerance;
+        const double fromEnd = isTrimmedAtEnd ? KeyframeRules::interiorMargin : -trimTolerance;
+        const bool isInside = point.time - trim.lower > fromStart && trim.upper - point.time > fromEnd;
         if (point.role != SpeedKeyframeRole::curve || !isInside) continue;
         ++place.count;
         if (point.id == id) place.number = place.count;

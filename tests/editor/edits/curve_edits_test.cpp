@@ -78,6 +78,13 @@ TEST_F(CurveEditsTest, ADraggedTrimIsThatOfOneMove) {
     const auto trimPoint = [](const SpeedKeyframe& each) { return each.role == SpeedKeyframeRole::trimStart; };
     const auto& centers = model->framing().centerKeyframes();
     EXPECT_DOUBLE_EQ(std::find_if(centers.begin(), centers.end(), trimPoint)->speed, travel);
+    SubjectTrackResult track; // that ends while the handle is held
+    for (int frame = 120; frame <= 210; ++frame)
+        track.samples.push_back({frame / 30.0, 0.2});
+    model->applySubjectTrackingResult(track);
+    const double tracked = model->framing().liveCropTravel(5);
+    model->dragTrim(before, 3, 10);
+    EXPECT_EQ(model->framing().liveCropTravel(5), tracked);
     open("other.mov");
     model->dragTrim(before, 4, 10);
     EXPECT_EQ(model->curve().trimRange(), (SourceRange{0, 10}));
