@@ -21,6 +21,16 @@ bool isIgnored(int signal) {
     return ::sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
+/// Of a signal that is blocked.
+void discardPending(int signal) {
+    sigset_t pending;
+    if (sigpending(&pending) != 0 || sigismember(&pending, signal) != 1) return;
+    sigset_t awaited;
+    sigemptyset(&awaited);
+    sigaddset(&awaited, signal);
+    sigwait(&awaited, &signal);
+}
+
 } // namespace
 
 CancelOnSignal::CancelOnSignal(std::function<void()> cancel)
@@ -38,16 +48,8 @@ CancelOnSignal::~CancelOnSignal() {
     ending_ = true;
     pthread_kill(waiter_.native_handle(), wakeUp);
     waiter_.join();
-    // The hangups after a first request are still to come, and would end the process now.
-    sigset_t pending;
-    if (isRequested_ && sigismember(&requests_, SIGHUP) == 1 && sigpending(&pending) == 0 &&
-        sigismember(&pending, SIGHUP) == 1) {
-        sigset_t hangUp;
-        sigemptyset(&hangUp);
-        sigaddset(&hangUp, SIGHUP);
-        int signal = 0;
-        sigwait(&hangUp, &signal);
-    }
+    // A hangup after the first request was kept from the process, and would end it now.
+    if (isRequested_ && sigismember(&requests_, SIGHUP) == 1) discardPending(SIGHUP);
     pthread_sigmask(SIG_SETMASK, &previousMask_, nullptr);
 }
 

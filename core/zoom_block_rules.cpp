@@ -126,7 +126,11 @@ void setFocalKeyframe(ZoomBlock& block, double progress, double x, double y) {
         return;
     }
     points.push_back(point);
-    std::stable_sort(points.begin(), points.end(),
+    sortFocalKeyframes(block);
+}
+
+void sortFocalKeyframes(ZoomBlock& block) {
+    std::stable_sort(block.focalKeyframes.begin(), block.focalKeyframes.end(),
                      [](const auto& a, const auto& b) { return a.progress < b.progress; });
 }
 

@@ -39,6 +39,9 @@ bool move(Blocks& blocks, const Uuid& id, double newStart, SourceRange limits);
 /// Returns whether the block was there.
 bool remove(Blocks& blocks, const Uuid& id);
 
+/// Puts the focal keyframes in the order in which they are reached.
+void sortFocalKeyframes(ZoomBlock& block);
+
 /// Sets the focal point of the whole block.
 void setFocal(ZoomBlock& block, double x, double y);
 /// Sets the focal point at a position (0...1) in the block: replaces the nearest keyframe within the tolerance, or

@@ -240,9 +240,7 @@ void EditSession::installProjectEdits(const ProjectEdits& edits) {
     std::stable_sort(blocks.begin(), blocks.end(),
                      [](const ZoomBlock& a, const ZoomBlock& b) { return a.startTime < b.startTime; });
     for (ZoomBlock& block : blocks)
-        std::stable_sort(
-            block.focalKeyframes.begin(), block.focalKeyframes.end(),
-            [](const ZoomFocalKeyframe& a, const ZoomFocalKeyframe& b) { return a.progress < b.progress; });
+        ZoomBlockRules::sortFocalKeyframes(block);
     zoom.setZoomBlocks(std::move(blocks));
     flow.setFrameInterpolation(edits.interpolation);
     timeline.setPreviewResolution(edits.previewResolution);

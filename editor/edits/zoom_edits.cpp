@@ -20,8 +20,7 @@ ZoomBlock storable(ZoomBlock block) {
     for (ZoomFocalKeyframe& keyframe : block.focalKeyframes)
         keyframe = {clamped(keyframe.progress, 0, 1), clamped(keyframe.x, 0, 1), clamped(keyframe.y, 0, 1)};
     if (block.focalKeyframes.size() > mostFocalKeyframes) block.focalKeyframes.resize(mostFocalKeyframes);
-    std::stable_sort(block.focalKeyframes.begin(), block.focalKeyframes.end(),
-                     [](const auto& a, const auto& b) { return a.progress < b.progress; });
+    ZoomBlockRules::sortFocalKeyframes(block);
     return block;
 }
 

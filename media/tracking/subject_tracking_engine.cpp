@@ -51,7 +51,9 @@ bool followAll(DirectionTracking& direction, PictureWalk& walk, Progress& progre
     std::size_t told = 0;
     bool wasLooking = false;
     bool isGivenUp = false;
-    while (const auto picture = isGivenUp ? std::nullopt : walk.next()) {
+    while (!isGivenUp) {
+        const auto picture = walk.next();
+        if (!picture) break;
         isGivenUp = !direction.follow(picture->picture, picture->time);
         for (; callbacks.sighted && told < direction.sightings().size(); ++told)
             callbacks.sighted(direction.sightings()[told]);

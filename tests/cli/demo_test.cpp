@@ -65,21 +65,32 @@ int sample(const VideoFrame& frame, std::size_t plane, int x, int y) {
     return frame.planes[plane].data[y * frame.planes[plane].stride + x];
 }
 
-TEST(Demo, TheClipIsWhatItIsSaidToBe) {
-    const TemporaryFolder folder;
+/// A demo whose movies are kept instead of written.
+struct RecordedDemo {
     std::vector<RecordedMovie> movies;
-    movies.reserve(2);
     std::ostringstream output;
     std::ostringstream error;
-    MediaScript script;
-    script.source = plainProbe();
-    script.probeOfOutput = [&](ProbedMedia media) {
-        media.duration = static_cast<double>(movies.back().frames.size()) / 25;
-        return media;
-    };
-    ASSERT_EQ(runDemo(folder / "new/demo", RecordingBackend(script, movies), {output, error}), 0) << error.str();
-    EXPECT_NE(output.str().find((folder / "new/demo/demo.mov").string() + ".\n"), std::string::npos) << output.str();
-    EXPECT_NE(output.str().find((folder / "new/demo/demo-retimed.mov").string() + ".\n"), std::string::npos);
+
+    int run(const std::filesystem::path& folder) {
+        movies.reserve(2);
+        MediaScript script;
+        script.source = plainProbe();
+        script.probeOfOutput = [&](ProbedMedia media) {
+            media.duration = static_cast<double>(movies.back().frames.size()) / 25;
+            return media;
+        };
+        return runDemo(folder, RecordingBackend(script, movies), {output, error});
+    }
+};
+
+TEST(Demo, TheClipIsWhatItIsSaidToBe) {
+    const TemporaryFolder folder;
+    RecordedDemo demo;
+    ASSERT_EQ(demo.run(folder / "new/demo"), 0) << demo.error.str();
+    const std::string printed = demo.output.str();
+    const std::vector<RecordedMovie>& movies = demo.movies;
+    EXPECT_NE(printed.find((folder / "new/demo/demo.mov").string() + ".\n"), std::string::npos) << printed;
+    EXPECT_NE(printed.find((folder / "new/demo/demo-retimed.mov").string() + ".\n"), std::string::npos);
 
     const RecordedMovie& clip = movies[0];
     EXPECT_EQ(clip.steps, 4);
@@ -154,17 +165,8 @@ TEST(Demo, NobodysFilesAreReplaced) {
     const TemporaryFolder folder;
     writeFile(folder / "demo.mov", "a recording");
     writeFile(folder / "demo-2-retimed.mov", "another");
-    std::vector<RecordedMovie> movies;
-    movies.reserve(2);
-    std::ostringstream output;
-    std::ostringstream error;
-    MediaScript script;
-    script.source = plainProbe();
-    script.probeOfOutput = [&](ProbedMedia media) {
-        media.duration = static_cast<double>(movies.back().frames.size()) / 25;
-        return media;
-    };
-    ASSERT_EQ(runDemo(folder.path(), RecordingBackend(script, movies), {output, error}), 0) << error.str();
+    RecordedDemo demo;
+    ASSERT_EQ(demo.run(folder.path()), 0) << demo.error.str();
     EXPECT_EQ(folder.names(),
               (std::vector<std::string>{"demo-2-retimed.mov", "demo-3-retimed.mov", "demo-3.mov", "demo.mov"}));
     EXPECT_EQ(readFile(folder / "demo.mov") + readFile(folder / "demo-2-retimed.mov"), "a recordinganother");

@@ -98,10 +98,8 @@ void CurveGraphInput::press(QPointF place, Qt::KeyboardModifiers modifiers) {
         target_ = GraphDragTarget::points;
         return takePoints(*pressedPoint_, place);
     }
-    const CurveGraphGeometry geometry = surface_.geometry();
-    // Beside the plot lie times that are not in view.
-    const double seconds = context_.timeAt(std::clamp(place.x(), geometry.time.left, geometry.time.right()));
-    const bool isAlternate = modifiers & Qt::AltModifier && geometry.plot().contains(place);
+    const double seconds = context_.timeInView(place.x());
+    const bool isAlternate = modifiers & Qt::AltModifier && surface_.geometry().plot().contains(place);
     if (isAlternate || placeAt(place) == GraphPlace::curve) {
         const double value =
             isAlternate ? snappedValueAt(place.y(), modifiers & Qt::ControlModifier) : valueAt(seconds);
@@ -161,10 +159,8 @@ void CurveGraphInput::dragTo(QPointF place, Qt::KeyboardModifiers modifiers) {
     switch (target_) {
     case GraphDragTarget::none:
         return;
-    case GraphDragTarget::scrub: {
-        const TimeAxis& time = context_.axis();
-        return context_.scrubTo(context_.timeAt(std::clamp(place.x(), time.left, time.right())));
-    }
+    case GraphDragTarget::scrub:
+        return context_.scrubTo(context_.timeInView(place.x()));
     case GraphDragTarget::marquee: {
         // Its first corner moves with the axis.
         marquee_ = QRectF({context_.axis().xOf(pressedSeconds_), pressed_.y()}, place).normalized();

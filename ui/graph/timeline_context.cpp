@@ -91,6 +91,10 @@ double TimelineContext::timeAt(double x) const {
     return std::clamp(axis_.timeAt(x), 0.0, std::max(duration(), 0.0));
 }
 
+double TimelineContext::timeInView(double x) const {
+    return timeAt(std::clamp(x, axis_.left, axis_.right()));
+}
+
 void TimelineContext::scrubTo(double seconds) {
     if (duration() > 0) model().scrub(seconds / duration());
 }

@@ -72,6 +72,8 @@ public:
 
     /// The time of a place, within the clip.
     double timeAt(double x) const;
+    /// The same, never beyond what is in view: a playhead out of sight is lost.
+    double timeInView(double x) const;
     void scrubTo(double seconds);
 
     /// A drag that changes the output's length goes on; the head then shows by how much.

@@ -1,6 +1,6 @@
 #include "ui/panes/point_edits.h"
 
-#include "core/keyframe_rules.h"
+#include "ui/graph/curve_graph_geometry.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,8 +8,6 @@
 namespace flowtide::pointEdits {
 
 namespace {
-
-constexpr double trimTolerance = 1e-6;
 
 SpeedKeyframe* find(SpeedKeyframes& points, const Uuid& id) {
     const auto found = std::ranges::find(points, id, &SpeedKeyframe::id);
@@ -23,19 +21,10 @@ const SpeedKeyframe* find(const SpeedKeyframes& points, const Uuid& id) {
     return found == points.end() ? nullptr : &*found;
 }
 
-Place placeOf(const SpeedKeyframes& points, const Uuid& id, SourceRange trim) {
+Place placeOf(const SpeedKeyframes& points, const Uuid& id, SourceRange trim, double duration) {
     Place place;
-    const auto trimPoint = [&](SpeedKeyframeRole role) {
-        return std::ranges::find(points, role, &SpeedKeyframe::role);
-    };
-    const bool isTrimmedAtStart = trimPoint(SpeedKeyframeRole::trimStart) != points.end();
-    const bool isTrimmedAtEnd = trimPoint(SpeedKeyframeRole::trimEnd) != points.end();
     for (const SpeedKeyframe& point : points) {
-        // Under a trim's own point another one has no part in the curve.
-        const double fromStart = isTrimmedAtStart ? KeyframeRules::interiorMargin : -trimTolerance;
-        const double fromEnd = isTrimmedAtEnd ? KeyframeRules::interiorMargin : -trimTolerance;
-        const bool isInside = point.time - trim.lower > fromStart && trim.upper - point.time > fromEnd;
-        if (point.role != SpeedKeyframeRole::curve || !isInside) continue;
+        if (point.role != SpeedKeyframeRole::curve || !isPlayed(point, trim, duration)) continue;
         ++place.count;
         if (point.id == id) place.number = place.count;
     }

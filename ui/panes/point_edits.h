@@ -14,7 +14,7 @@ struct Place {
     int number = 0; ///< 1 for the first; 0: it is not one of them
     int count = 0;
 };
-Place placeOf(const SpeedKeyframes& points, const Uuid& id, SourceRange trim);
+Place placeOf(const SpeedKeyframes& points, const Uuid& id, SourceRange trim, double duration);
 
 const SpeedKeyframe* find(const SpeedKeyframes& points, const Uuid& id);
 

@@ -113,7 +113,7 @@ void PointSection::refresh() {
     if (count > 1) {
         place_->setText(tr("%1 selected").arg(count));
     } else if (point) {
-        const auto place = pointEdits::placeOf(points(), *id, model_.curve().trimRange());
+        const auto place = pointEdits::placeOf(points(), *id, model_.curve().trimRange(), model_.curve().duration());
         place_->setText(point->role == SpeedKeyframeRole::trimStart ? tr("Trim start")
                         : point->role == SpeedKeyframeRole::trimEnd ? tr("Trim end")
                         : place.number == 0                         ? tr("Outside the trim")

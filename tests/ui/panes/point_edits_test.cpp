@@ -11,9 +11,9 @@ SpeedKeyframe point(double time, SpeedKeyframeRole role = SpeedKeyframeRole::cur
 
 TEST(PointEditsTest, CountTheUsersPointsInsideTheTrim) {
     const SpeedKeyframes points{point(0), point(1, SpeedKeyframeRole::trimStart), point(2), point(3), point(9)};
-    EXPECT_EQ(pointEdits::placeOf(points, points[3].id, {1, 5}).number, 2);
-    EXPECT_EQ(pointEdits::placeOf(points, points[3].id, {1, 5}).count, 2);
-    EXPECT_EQ(pointEdits::placeOf(points, points[4].id, {1, 5}).number, 0);
+    EXPECT_EQ(pointEdits::placeOf(points, points[3].id, {1, 5}, 10).number, 2);
+    EXPECT_EQ(pointEdits::placeOf(points, points[3].id, {1, 5}, 10).count, 2);
+    EXPECT_EQ(pointEdits::placeOf(points, points[4].id, {1, 5}, 10).number, 0);
 }
 
 TEST(PointEditsTest, KeepPointsInTheClipAndApart) {
